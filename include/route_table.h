@@ -1,0 +1,27 @@
+// The route tables: which URI of which method is answered by which handler.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <string_view>
+
+#include <fcgiapp.h>
+
+using GetHandler = int (*)(FCGX_Request* request);
+using PostHandler = int (*)(FCGX_Request* request, const char* body);
+
+// One row: the whole URI (compared byte for byte, query string included) and its handler, nullptr while not built.
+template <class Handler>
+struct RouteEntry {
+  std::string_view uri;
+  Handler handler;
+};
+using GetRoute = RouteEntry<GetHandler>;
+using PostRoute = RouteEntry<PostHandler>;
+
+inline constexpr std::size_t kPostRouteCount = 34;
+inline constexpr std::size_t kGetRouteCount = 29;
+
+// Searched from the first row on; within one table every URI is unique.
+extern const std::array<PostRoute, kPostRouteCount> post_routes;
+extern const std::array<GetRoute, kGetRouteCount> get_routes;

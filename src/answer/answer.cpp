@@ -1,0 +1,46 @@
+// Writing of answers; texts go out as bytes, never as a format.
+#include "answer/answer.h"
+
+#include <string>
+
+#include "encrypted_body.h"
+
+namespace {
+
+void write_bytes(FCGX_Request* request, std::string_view text) {
+  FCGX_PutStr(text.data(), static_cast<int>(text.size()), request->out);
+}
+
+}  // namespace
+
+void write_json_headers(FCGX_Request* request) {
+  write_bytes(request, "Content-Type: application/json\r\n");
+  write_bytes(request, "Status: 200 OK\r\n");
+  write_bytes(request, "\r\n");
+}
+
+int answer(FCGX_Request* request, std::string_view text) {
+  const std::optional<std::string> ciphertext = encrypt_content_api(std::string(text).c_str());
+  write_json_headers(request);
+  write_bytes(request, ciphertext ? std::string_view(*ciphertext) : kResultUnusable);
+  return 0;
+}
+
+int answer(FCGX_Request* request, const json::JsonPtr& document) {
+  return answer(request, json::to_text(document.get()));
+}
+
+int answer_plain(FCGX_Request* request, std::string_view text) {
+  write_json_headers(request);
+  write_bytes(request, text);
+  return 0;
+}
+
+int answer_plain(FCGX_Request* request, const json::JsonPtr& document) {
+  return answer_plain(request, json::to_text(document.get()));
+}
+
+void answer_router_error(FCGX_Request* request, std::string_view message) {
+  write_bytes(request, "Content-Type: text/plain\r\n\r\n");
+  write_bytes(request, message);
+}

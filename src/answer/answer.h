@@ -1,0 +1,23 @@
+// Answers: the header triple and one JSON text, encrypted or plain. Data is never a format.
+#pragma once
+
+#include <string_view>
+
+#include <fcgiapp.h>
+
+#include "answer/json.h"
+#include "result_envelope.h"
+
+// "Content-Type: application/json", "Status: 200 OK" and the empty line.
+void write_json_headers(FCGX_Request* request);
+
+// Headers and the encrypted text. When the text cannot be encrypted the client gets a plain {"result": 1}.
+// All four return 0, so that a handler can end with `return answer(...)`.
+int answer(FCGX_Request* request, std::string_view text);
+int answer(FCGX_Request* request, const json::JsonPtr& document);
+// Headers and the text as it is.
+int answer_plain(FCGX_Request* request, std::string_view text);
+int answer_plain(FCGX_Request* request, const json::JsonPtr& document);
+
+// The router's own errors: text/plain, no status line, no newline behind the message.
+void answer_router_error(FCGX_Request* request, std::string_view message);

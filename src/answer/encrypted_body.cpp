@@ -1,0 +1,67 @@
+// JWE through the `jose` tool: the text on standard input, no shell and no argument limit between.
+#include "encrypted_body.h"
+
+#include "platform/log.h"
+#include "platform/process.h"
+
+namespace {
+
+// What `jose` printed for `input`, with the trace of a failure that printed something all the same.
+platform::ProcessResult run_jose(const std::vector<std::string>& argv, std::string_view input) {
+  platform::ProcessResult result = platform::run(argv, {.input = input});
+  if (result.started && !result.output.empty() && !result.succeeded()) {
+    log_error("jose printed %zu bytes and ended with status %d\n", result.output.size(), result.exit_status());
+  }
+  return result;
+}
+
+}  // namespace
+
+std::optional<std::string> encrypt_content_api(const char* plaintext) {
+  if (plaintext == nullptr) {
+    log_error("Jwe encrypt_str is null!\n");
+    return std::nullopt;
+  }
+  platform::ProcessResult result =
+      run_jose({"jose", "jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c"}, plaintext);
+  if (!result.started) {
+    log_error("popen failed\n");
+    return std::nullopt;
+  }
+  if (result.output.empty()) {
+    log_error("Failed to allocate memory for jwe_str.\n");
+    return std::nullopt;
+  }
+  return std::move(result.output);
+}
+
+std::optional<std::string> decrypt_content_api(const char* ciphertext, std::size_t length) {
+  if (ciphertext == nullptr) {
+    log_error("Jwe decrypt_str is null!\n");
+    return std::nullopt;
+  }
+  platform::ProcessResult result = run_jose({"jose", "jwe", "dec", "-i-", "-p"}, std::string_view(ciphertext, length));
+  if (!result.started) {
+    log_error("popen failed\n");
+    return std::nullopt;
+  }
+  if (const std::size_t end = result.output.find('\0'); end != std::string::npos) result.output.resize(end);
+  if (result.output.empty()) {
+    log_error("Failed to allocate memory for plaintext_str.\n");
+    return std::nullopt;
+  }
+  return std::move(result.output);
+}
+
+std::string escape_single_quotes(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size());
+  for (const char character : text) {
+    if (character == '\'') {
+      escaped += R"('\'')";
+    } else {
+      escaped += character;
+    }
+  }
+  return escaped;
+}

@@ -1,0 +1,50 @@
+// The LAN reload: it outlives the request, since the answer has to reach the client before the address changes.
+#include <cstdlib>
+
+#include "lan/lan_settings.h"
+#include "platform/background.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+
+namespace {
+
+constexpr const char* kResolvConf = "/tmp/resolv.conf.auto";
+constexpr const char* kResolvConfBackup = "/tmp/resolv.conf.auto.bak";
+
+void reload_network() {
+  platform::sleep_seconds(2);
+  os_system("/etc/init.d/globalip start");
+  os_system("/etc/init.d/dnsmasq restart");
+  os_system("ubus call network reload");
+  platform::sleep_seconds(1);
+  os_system("ubus call network.interface.lan up");
+  os_system("logger -t LAN_INFO 'lan reload completely finished'");
+  os_system("msg_tool -r easymesh_over");
+  check_and_restore_dns();
+}
+
+}  // namespace
+
+int check_and_restore_dns() {
+  if (!platform::read_file(kResolvConf, 1).value_or("").empty()) {
+    log_debug("%s has dns，skip check", kResolvConf);
+    return 0;
+  }
+  log_debug("[%s] is null,ready restore", kResolvConf);
+  if (!platform::file_exists(kResolvConfBackup)) {
+    log_debug(" [%s] not exist", kResolvConfBackup);
+    return 1;
+  }
+  const bool restored = os_system(std::string("cp ") + kResolvConfBackup + ' ' + kResolvConf) == 1;
+  log_debug("%s", restored ? "DNS restore success" : "DNS restore fail");
+  return restored ? 0 : 1;
+}
+
+void safe_execute_network_reload() {
+  if (platform::start_daemon(reload_network) == platform::DaemonStart::kForkFailed) {
+    log_error("Fork failed!\n");
+    return;
+  }
+  log_debug("Network reload task pushed to daemon safely.\n");
+}

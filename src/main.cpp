@@ -1,0 +1,58 @@
+// The FastCGI responder: accepts one request after another on the socket that the web server passed as descriptor 0.
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <fcgiapp.h>
+
+#include "answer/answer.h"
+#include "platform/log.h"
+#include "request/dispatch.h"
+
+namespace {
+
+constexpr int kFastCgiSocket = STDIN_FILENO;  // FCGI_LISTENSOCK_FILENO of the protocol
+
+// Moves the listening socket away from descriptor 0 and marks it close-on-exec, so that no child ever holds it;
+// descriptor 0 becomes /dev/null. Returns the socket's new number, or 0 when it has to stay.
+int hide_listening_socket() {
+  const int moved = fcntl(kFastCgiSocket, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  if (moved < 0) return kFastCgiSocket;
+  const int null = open("/dev/null", O_RDWR | O_CLOEXEC);
+  if (null < 0 || dup2(null, STDIN_FILENO) < 0) {
+    close(moved);
+    return kFastCgiSocket;
+  }
+  if (null != STDIN_FILENO) close(null);
+  return moved;
+}
+
+// No exception leaves a request: answers are complete before their first byte is written, so a client whose request
+// failed that way has got nothing yet and is told so. The loop lives on.
+void dispatch_guarded(FCGX_Request* request) {
+  try {
+    dispatch_request(request);
+  } catch (const std::exception& error) {
+    log_error("request failed: %s\n", error.what());
+    answer_plain(request, kResultUnusable);
+  }
+}
+
+}  // namespace
+
+int main() {
+  std::signal(SIGCHLD, SIG_DFL);  // children are always waited for; an inherited SIG_IGN would reap them first
+  const int listening_socket = hide_listening_socket();
+  FCGX_Init();
+  FCGX_Request request;
+  FCGX_InitRequest(&request, listening_socket, 0);
+  while (FCGX_Accept_r(&request) == 0) {
+    fcntl(request.ipcFd, F_SETFD, FD_CLOEXEC);
+    dispatch_guarded(&request);
+    FCGX_Finish_r(&request);
+  }
+  std::perror("FCGX_Accept_r");
+  return 0;
+}

@@ -1,0 +1,25 @@
+// Work that outlives a request: a detached thread, a daemonised child or a timer. Nothing else starts one.
+#pragma once
+
+#include <functional>
+
+namespace platform {
+
+// Runs `work` in a detached thread. False when no thread could be made. No exception leaves `work`.
+bool start_detached(std::function<void()> work);
+
+// What became of start_daemon, seen from the request's side.
+enum class DaemonStart { kStarted, kForkFailed };
+
+// Forks a child that daemonises (its own session, standard streams on /dev/null, no descriptor of ours), runs `work`
+// and exits with 0. Returns when the intermediate child has been reaped. `work` runs in a single-threaded copy of the
+// process: it may run commands, log and use UCI.
+DaemonStart start_daemon(const std::function<void()>& work);
+
+// Runs `work` once in a thread of its own after `seconds`; the platform's timers are one-shot and never cancelled.
+bool start_timer(unsigned int seconds, std::function<void()> work);
+
+// Sleeps whole seconds, signals or not. Every wait of a handler or of background work goes through here.
+void sleep_seconds(unsigned int seconds);
+
+}  // namespace platform

@@ -1,0 +1,50 @@
+// Owning file handles and the reading and writing of small files.
+#pragma once
+
+#include <cstddef>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace platform {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const noexcept { std::fclose(file); }
+};
+using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
+
+// fopen, close-on-exec.
+FilePtr open_file(const char* path, const char* mode);
+
+// Owner of a descriptor; -1 owns nothing.
+class UniqueFd {
+ public:
+  UniqueFd() = default;
+  explicit UniqueFd(int descriptor) : descriptor_(descriptor) {}
+  UniqueFd(UniqueFd&& other) noexcept : descriptor_(other.release()) {}
+  UniqueFd& operator=(UniqueFd&& other) noexcept;
+  UniqueFd(const UniqueFd&) = delete;
+  UniqueFd& operator=(const UniqueFd&) = delete;
+  ~UniqueFd() { reset(); }
+
+  [[nodiscard]] int get() const { return descriptor_; }
+  [[nodiscard]] bool valid() const { return descriptor_ >= 0; }
+  int release();
+  void reset(int descriptor = -1);
+
+ private:
+  int descriptor_ = -1;
+};
+
+// The whole file, or nullopt when it cannot be opened or read. At most `max_bytes` are read.
+std::optional<std::string> read_file(const char* path, std::size_t max_bytes = static_cast<std::size_t>(-1));
+
+// Replaces the content of the file (made with `mode` when missing). False, with errno, on any failed step.
+bool write_file(const char* path, std::string_view content, unsigned int mode = 0644);
+
+// The file exists (access F_OK).
+bool file_exists(const char* path);
+
+}  // namespace platform

@@ -1,0 +1,82 @@
+// Reading and routing of one request.
+#include "request/dispatch.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "answer/answer.h"
+#include "encrypted_body.h"
+#include "request/body.h"
+#include "route_table.h"
+
+namespace {
+
+constexpr int kHandled = 0;
+constexpr int kNotHandled = 1;
+
+// Uploads that reach their handler as they came.
+constexpr std::array<std::string_view, 3> kRawBodyUris{
+    "/api/v1/system/firmware",
+    "/api/v1/system/config/restore",
+    "/api/v1/system/config/backup",
+};
+
+bool has_raw_body(std::string_view uri) { return std::ranges::find(kRawBodyUris, uri) != kRawBodyUris.end(); }
+
+// The handler of the first row of `routes` with this URI; nullptr when there is none.
+template <class Routes>
+auto find_handler(const Routes& routes, std::string_view uri) -> decltype(routes.front().handler) {
+  const auto row = std::ranges::find_if(routes, [uri](const auto& route) { return route.uri == uri && route.handler; });
+  return row == routes.end() ? nullptr : row->handler;
+}
+
+int dispatch_get(FCGX_Request* request, std::string_view uri) {
+  const GetHandler handler = find_handler(get_routes, uri);
+  if (handler == nullptr) return kNotHandled;
+  handler(request);
+  return kHandled;
+}
+
+int dispatch_post(FCGX_Request* request, std::string_view uri) {
+  const char* length = FCGX_GetParam("CONTENT_LENGTH", request->envp);
+  if (length == nullptr) {
+    answer_router_error(request, "No content received");
+    return kNotHandled;
+  }
+  std::optional<std::string> body;
+  try {
+    body = read_body(request, length);
+  } catch (const std::bad_alloc&) {
+    answer_router_error(request, "Memory allocation error");
+    return kNotHandled;
+  }
+  if (body && !has_raw_body(uri)) {
+    body = decrypt_content_api(body->c_str(), std::strlen(body->c_str()));
+    if (!body) {
+      answer_router_error(request, "decrypt error");
+      return kNotHandled;
+    }
+  }
+  const PostHandler handler = find_handler(post_routes, uri);
+  if (handler == nullptr) return kNotHandled;
+  handler(request, body ? body->c_str() : nullptr);
+  return kHandled;
+}
+
+}  // namespace
+
+int dispatch_request(FCGX_Request* request) {
+  if (request == nullptr) return kNotHandled;
+  const char* method = FCGX_GetParam("REQUEST_METHOD", request->envp);
+  const char* uri = FCGX_GetParam("REQUEST_URI", request->envp);
+  if (method == nullptr || uri == nullptr) return kNotHandled;
+  if (std::string_view(method) == "POST") return dispatch_post(request, uri);
+  if (std::string_view(method) == "GET") return dispatch_get(request, uri);
+  answer_router_error(request, "Not Found");
+  return kNotHandled;
+}
