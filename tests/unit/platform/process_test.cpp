@@ -1,0 +1,93 @@
+// The one door for child processes.
+#include "platform/process.h"
+
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using platform::run;
+using platform::run_shell;
+
+TEST(Run, PassesEveryArgumentWhole) {
+  const std::string hostile = "a'b\"c`d`$(e);f\ng\\h%n *";
+  const platform::ProcessResult result = run({"printf", "[%s][%s]", hostile, ""});
+  EXPECT_TRUE(result.succeeded());
+  EXPECT_EQ(result.output, "[" + hostile + "][]");
+}
+
+TEST(Run, MovesInputAndOutputOfAnySize) {
+  const std::string text(3 * 1024 * 1024, 'x');
+  const platform::ProcessResult result = run({"cat"}, {.input = text});
+  EXPECT_TRUE(result.succeeded());
+  EXPECT_EQ(result.output.size(), text.size());
+}
+
+TEST(Run, GivesAChildWithoutInputTheEndOfTheFile) { EXPECT_EQ(run({"cat"}).output, ""); }
+
+TEST(Run, OutlivesAChildThatDoesNotReadItsInput) {
+  const std::string text(1024 * 1024, 'x');
+  EXPECT_TRUE(run({"true"}, {.input = text}).succeeded());
+}
+
+TEST(Run, TellsExitStatusAndSignals) {
+  EXPECT_EQ(run_shell("exit 3").exit_status(), 3);
+  EXPECT_FALSE(run_shell("exit 3").succeeded());
+  EXPECT_EQ(run_shell("kill -9 $$").exit_status(), -1);
+}
+
+TEST(Run, CountsAMissingToolAsStatus127) {
+  const platform::ProcessResult result = run({"no-such-tool-anywhere"});
+  EXPECT_TRUE(result.started);
+  EXPECT_EQ(result.exit_status(), 127);
+  EXPECT_EQ(result.output, "");
+}
+
+TEST(Run, DoesNotStartAnEmptyCommand) {
+  EXPECT_FALSE(run({}).started);
+  EXPECT_FALSE(run({""}).started);
+}
+
+TEST(Run, LeavesTheChildOnlyItsStandardStreams) {
+  const int inherited = open("/dev/null", O_RDONLY);  // on purpose not close-on-exec
+  ASSERT_GE(inherited, 0);
+  const platform::ProcessResult result = run_shell("ls /proc/self/fd");
+  close(inherited);
+  EXPECT_EQ(result.output, "0\n1\n2\n3\n");  // 3 is ls reading the folder
+}
+
+TEST(Run, HandsEveryPieceToTheReader) {
+  std::size_t bytes = 0;
+  const platform::ProcessResult result = run_shell("head -c 300000 /dev/zero", {.reader = [&](std::string_view piece) {
+                                                     bytes += piece.size();
+                                                     return true;
+                                                   }});
+  EXPECT_TRUE(result.succeeded());
+  EXPECT_EQ(bytes, 300000U);
+  EXPECT_TRUE(result.output.empty());
+}
+
+TEST(Run, EndsAWriterWhoseReaderHasEnough) {
+  const platform::ProcessResult result = run({"yes"}, {.reader = [](std::string_view) { return false; }});
+  EXPECT_TRUE(result.started);
+  EXPECT_FALSE(result.succeeded());
+}
+
+TEST(Run, RestoresTheCallersSignalMask) {
+  run({"true"});
+  sigset_t blocked;
+  pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
+  EXPECT_EQ(sigismember(&blocked, SIGPIPE), 0);
+}
+
+TEST(SplitLines, CutsAtLineFeedsAndAtTheReadersBuffer) {
+  using Lines = std::vector<std::string>;
+  EXPECT_EQ(platform::split_lines(""), Lines{});
+  EXPECT_EQ(platform::split_lines("a\nb\r\n\nc"), (Lines{"a", "b\r", "", "c"}));
+  EXPECT_EQ(platform::split_lines("abcdef\ng", 4), (Lines{"abc", "def", "", "g"}));
+}
+
+}  // namespace
