@@ -26,7 +26,7 @@ TEST(GetChannelInfo, OfAUnitThatSetsItsChannelsItself) {
   const struct {
     const char *disabled, *channel;
     int expected;
-  } rows[] = {{"0", "auto", 0}, {"0", "0", 0}, {"0", "36", 36}, {"1", "36", -1}, {"1", "auto", -1}, {"", "144", 144}};
+  } rows[] = {{"0", "auto", 0}, {"0", "0", 0}, {"0", "36", 36}, {"1", "36", -1}, {"1", "auto", -1}, {"2", "144", 144}};
   for (const auto& row : rows) {
     radios(row.disabled, row.channel, "EHT80");
     for (int band = 0; band < 3; ++band) {
