@@ -11,11 +11,13 @@ namespace uci {
 namespace {
 
 // Makes packages of a text. They join the context when all of it was read.
-class ImportSink final : public StatementSink {
+class ImportSink final : public FillSink {
  public:
   ImportSink(uci_context& context, const char* name, bool single) : context_(context), single_(single) {
     if (name != nullptr) begin(name);
   }
+  ImportSink(const ImportSink&) = delete;
+  ImportSink& operator=(const ImportSink&) = delete;
   ~ImportSink() override {
     for (uci_package* package : packages_) free_package(package);
   }
@@ -24,56 +26,27 @@ class ImportSink final : public StatementSink {
     if (!single_) begin(name);
   }
   bool has_package() const override { return !packages_.empty(); }
-  bool has_section() const override { return section_ != nullptr; }
-
-  bool section(const std::string& type, const std::string& name, bool strict) override {
-    uci_package& package = *packages_.back();
-    section_ = name.empty() ? nullptr : find_section(package, name);
-    if (section_ == nullptr) {
-      section_ = new_section(package, type, name.empty() ? nullptr : name.c_str());
-    } else if (type != section_->type) {
-      if (strict) return false;
-      replace_text(section_->type, type);
-    }
-    return true;
-  }
-  void option(const std::string& name, const std::string& value) override {
-    if (value.empty()) return;
-    if (uci_option* existing = find_option(*section_, name)) {
-      make_string(*existing, value);
-    } else {
-      new_string(*section_, name, value);
-    }
-  }
-  void list(const std::string& name, const std::string& value) override {
-    uci_option* option = find_option(*section_, name);
-    if (option == nullptr) option = new_list(*section_, name);
-    make_list(*option);
-    append_item(*option, value);
-  }
 
   // Hands the packages to the context; the last one, or nullptr.
   uci_package* finish() {
-    uci_package* last = packages_.empty() ? nullptr : packages_.back();
     for (uci_package* package : packages_) list_add_tail(context_.root, package->e.list);
     packages_.clear();
-    return last;
+    return filled();
   }
 
  private:
   void begin(const std::string& name) {
     const auto same = [&name](const uci_package* package) { return name == package->e.name; };
     // A name that was given and then said again in the text is one package.
-    if (!packages_.empty() && same(packages_.back()) && section_ == nullptr) return;
+    if (!packages_.empty() && same(packages_.back()) && !has_section()) return;
     if (find(context_.root, name) != nullptr || std::ranges::any_of(packages_, same)) throw Failure{UCI_ERR_DUPLICATE};
     packages_.push_back(new_package(context_, name));
-    section_ = nullptr;
+    fill(packages_.back());
   }
 
   uci_context& context_;
   bool single_;
   std::vector<uci_package*> packages_;
-  uci_section* section_ = nullptr;
 };
 
 // Merges a text into a loaded package, as recorded changes.

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "context.h"
+#include "edit.h"
 
 namespace uci {
 namespace {
@@ -135,46 +136,11 @@ const std::array<StatementParser::Keyword, 8> StatementParser::kKeywords{{
 }};
 
 // Fills one package; "package" lines were checked and change nothing.
-class PackageSink final : public StatementSink {
+class PackageSink final : public FillSink {
  public:
-  explicit PackageSink(uci_package& package) : package_(package) {}
+  explicit PackageSink(uci_package& package) { fill(&package); }
   void package(const std::string&) override {}
   bool has_package() const override { return true; }
-  bool has_section() const override { return section_ != nullptr; }
-
-  bool section(const std::string& type, const std::string& name, bool strict) override {
-    uci_section* existing = name.empty() ? nullptr : find_section(package_, name);
-    if (existing == nullptr) {
-      section_ = new_section(package_, type, name.empty() ? nullptr : name.c_str());
-      return true;
-    }
-    if (type != existing->type) {
-      if (strict) return false;
-      replace_text(existing->type, type);
-    }
-    section_ = existing;
-    return true;
-  }
-
-  void option(const std::string& name, const std::string& value) override {
-    if (value.empty()) return;
-    if (uci_option* existing = find_option(*section_, name)) {
-      make_string(*existing, value);
-    } else {
-      new_string(*section_, name, value);
-    }
-  }
-
-  void list(const std::string& name, const std::string& value) override {
-    uci_option* option = find_option(*section_, name);
-    if (option == nullptr) option = new_list(*section_, name);
-    make_list(*option);
-    append_item(*option, value);
-  }
-
- private:
-  uci_package& package_;
-  uci_section* section_ = nullptr;
 };
 
 }  // namespace
@@ -190,6 +156,31 @@ bool is_name(std::string_view name) {
 bool is_type(std::string_view type) {
   return !type.empty() && std::ranges::all_of(type, [](char c) { return c >= 33 && c <= 126; });
 }
+
+void FillSink::fill(uci_package* package) {
+  package_ = package;
+  section_ = nullptr;
+}
+
+bool FillSink::section(const std::string& type, const std::string& name, bool strict) {
+  uci_section* existing = name.empty() ? nullptr : find_section(*package_, name);
+  if (existing == nullptr) {
+    section_ = new_section(*package_, type, name.empty() ? nullptr : name.c_str());
+    return true;
+  }
+  if (type != existing->type) {
+    if (strict) return false;
+    replace_text(existing->type, type);
+  }
+  section_ = existing;
+  return true;
+}
+
+void FillSink::option(const std::string& name, const std::string& value) {
+  if (!value.empty()) set_string(*section_, name, value);
+}
+
+void FillSink::list(const std::string& name, const std::string& value) { add_item(*section_, name, value); }
 
 void parse_statements(uci_context& context, std::FILE* stream, StatementSink& sink) {
   StatementParser(context, stream, sink).parse_all();

@@ -24,6 +24,24 @@ class StatementSink {
   virtual void list(const std::string& name, const std::string& value) = 0;
 };
 
+// Fills packages: sections are reopened or made, options replaced in their place, items appended.
+class FillSink : public StatementSink {
+ public:
+  bool has_section() const override { return section_ != nullptr; }
+  bool section(const std::string& type, const std::string& name, bool strict) override;
+  void option(const std::string& name, const std::string& value) override;
+  void list(const std::string& name, const std::string& value) override;
+
+ protected:
+  // The package that sections go to from now on.
+  void fill(uci_package* package);
+  [[nodiscard]] uci_package* filled() const { return package_; }
+
+ private:
+  uci_package* package_ = nullptr;
+  uci_section* section_ = nullptr;
+};
+
 // Parses the whole stream. Strict: throws Failure{UCI_ERR_PARSE} at the first error. Otherwise skips what is wrong.
 void parse_statements(uci_context& context, std::FILE* stream, StatementSink& sink);
 
