@@ -141,7 +141,7 @@ std::FILE* LockedFile::read_stream() const {
 void LockedFile::append(std::string_view text) {
   const off_t end = lseek(descriptor_, 0, SEEK_END);
   if (end < 0) fail_io();
-  if (write_all(descriptor_, text) && fsync(descriptor_) == 0) return;
+  if (write_all(descriptor_, text)) return;
   if (ftruncate(descriptor_, end) != 0) errno = 0;
   fail_io();
 }
