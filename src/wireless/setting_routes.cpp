@@ -1,4 +1,5 @@
 // POST /api/v1/wireless/setting.
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -46,6 +47,11 @@ void parse_element(json_object* element, WirelessIfaceInfo& info) {
   if (const auto rekey = json::int_member(element, "wpaRekeyInterval")) {
     info.wpa_rekey_interval = *rekey < kRekeyMin || *rekey > kRekeyMax ? kRekeyDefault : *rekey;
   }
+}
+
+// UCI keeps no control characters but tab, line feed and carriage return: such a text would be lost without a word.
+bool is_storable(std::string_view text) {
+  return std::ranges::none_of(text, [](unsigned char c) { return c < 0x20 && c != '\t' && c != '\n' && c != '\r'; });
 }
 
 const char* text_or_null(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
@@ -147,6 +153,10 @@ Verdict set_elements(json_object* elements, Change& change) {
   for (std::size_t i = 0; i < json_object_array_length(elements); ++i) {
     json_object* element = json_object_array_get_idx(elements, i);
     parse_element(element, info);
+    if (!is_storable(info.ssid) || !is_storable(info.password)) {
+      log_error("ssidValue or ssidPassword holds control characters");
+      return Verdict::kFailed;
+    }
     const Verdict verdict =
         change.is_repeater ? set_repeater_element(element, info, change) : set_router_element(element, info, change);
     if (verdict != Verdict::kApplied) return verdict;
