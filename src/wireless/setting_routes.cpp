@@ -93,10 +93,19 @@ Verdict set_mlo(const Change& change, const WirelessIfaceInfo& info, int mesh_en
   return Verdict::kFailed;
 }
 
+// In an orvane mesh the MLO slot shows the backhaul. Sent back as it was shown, it asks for no MLO network.
+bool is_backhaul_sent_back(const WirelessIfaceInfo& info, int brand) {
+  int mesh = 0;
+  if (brand != kBrandOrvane || get_mesh_value(mesh) != 0 || mesh != 1) return false;
+  SsidSlot slot = *find_wireless_config(1, kMeshSlotName);
+  WirelessIfaceInfo shown;
+  return get_mesh_info(slot, shown, mesh) == 0 && shown.ssid == info.ssid && shown.password == info.password;
+}
+
 Verdict set_repeater_element(json_object* element, const WirelessIfaceInfo& info, Change& change) {
   const auto name = json::text_member(element, "ssidName");
   if (set_wireless_info(1, text_or_null(name), info) != 0) return Verdict::kFailed;
-  if (change.mlo == 0 || name != kMloSlotName) return Verdict::kApplied;
+  if (change.mlo == 0 || name != kMloSlotName || is_backhaul_sent_back(info, change.brand)) return Verdict::kApplied;
   return set_mlo(change, info, 0);
 }
 

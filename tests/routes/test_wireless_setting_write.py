@@ -662,6 +662,17 @@ def test_the_mlo_network_of_a_repeater_counts_as_outside_a_mesh(router):
     assert router.option("wireless.mld0.mld_ssid") == "Name"
 
 
+def test_a_backhaul_shown_as_mlo_network_is_written_once_it_changes(router):
+    router.set("system.@system[0].op_mode", "re")
+    mesh(router, 2, brand=0)
+    shown = {"ssidValue": "Router-5G-1234", "ssidPassword": "factory-key-1234"}  # the second access point's
+    before = packages(router)
+    ends(router, post(router, element("MLO SSID", **shown), mlo=1), wait(20), [*COMMITS, ISOLATE])
+    assert changes(before, packages(router)) == {}
+    post(router, element("MLO SSID", **{**shown, "ssidValue": "Its own"}), mlo=1)
+    assert router.option("wireless.ath05.ssid") == "Its own"
+
+
 @pytest.mark.parametrize("brand,role,limit", [(0, 0, 16), (1, 0, 16), (2, 1, 16), (1, 1, 16)])
 def test_quotes_in_an_mlo_password_are_stored_as_four_characters(router, brand, role, limit):
     mesh(router, role, brand=brand)
