@@ -45,26 +45,31 @@ def test_a_disabled_radio_is_minus_one_whatever_iw_says(router):
     assert [(b["setChannel"], b["currentChannel"]) for b in bands(router)] == [(-1, -1)] * 3
 
 
-@pytest.mark.parametrize("htmode,code", [
-    ("HT20", 0), ("EHT20", 0), ("HT40", 1), ("EHT40", 1), ("EHT40+", 1), ("EHT40-", 1), ("HT80", 4), ("EHT80", 4),
-    ("EHT160", 5), ("VHT160", 5), ("EHT320", 6), ("HE80", 0), (None, 0)])
-def test_configured_widths(router, htmode, code):
+def test_configured_widths(router):
+    for htmode, code in (
+            ("HT20", 0), ("EHT20", 0), ("HT40", 1), ("EHT40", 1), ("EHT40+", 1), ("EHT40-", 1), ("HT80", 4),
+            ("EHT80", 4), ("EHT160", 5), ("VHT160", 5), ("EHT320", 6)):
+        for radio in RADIOS:
+            router.set(f"wireless.{radio}.htmode", htmode)
+        assert [b["setChannelWidth"] for b in bands(router)] == [code] * 3, htmode
+    assert not router.logged("get band info error!")
+
+
+@pytest.mark.parametrize("htmode", ["HE80", None])
+def test_a_configured_width_that_is_unknown_is_zero(router, htmode):
     for radio in RADIOS:
         router.set(f"wireless.{radio}.htmode", htmode)
-    assert [b["setChannelWidth"] for b in bands(router)] == [code] * 3
-    if htmode == "HE80":
-        assert router.logged("current not found!", priority=3)
-    if htmode in ("HE80", None):
-        assert router.logged("get band info error!", priority=7)
+    assert [b["setChannelWidth"] for b in bands(router)] == [0] * 3
+    assert router.logged("current not found!", priority=3) == (htmode is not None)
+    assert router.logged("get band info error!", priority=7)
 
 
-@pytest.mark.parametrize("width", [20, 40, 80, 160, 320, 10, 0])
-def test_operating_widths(router, width):
-    operating(router, (6, width), (36, width), (37, width))
-    assert [b["currentChannelWidth"] for b in bands(router)] == [CODES.get(width, 0)] * 3
-    if width not in CODES:
-        assert router.logged(f"width value {width} not found!", priority=3)
-        assert router.logged("get flashchannel info error!", priority=7)
+def test_operating_widths(router):
+    for width in (20, 40, 80, 160, 320, 10, 0):
+        operating(router, (6, width), (36, width), (37, width))
+        assert [b["currentChannelWidth"] for b in bands(router)] == [CODES.get(width, 0)] * 3
+        assert router.logged(f"width value {width} not found!", priority=3) == (width not in CODES)
+    assert router.logged("get flashchannel info error!", priority=7)
 
 
 @pytest.mark.parametrize("answer", [
@@ -100,14 +105,15 @@ def test_without_any_package_the_answer_holds_zeros(bare_router):
 # The configured channel of a unit whose channels its uplink decides.
 
 
-@pytest.mark.parametrize("role,onboarded,status", list(itertools.product((0, 1, 2), ("0", "1"), ("success", "fail"))))
-def test_who_decides_the_channel(router, role, onboarded, status):
-    mesh(router, role, onboarded=onboarded)
-    router.set("repeater.repeater_band.status", status)
+def test_who_decides_the_channel(router):
     router.set("wireless.wifi1.channel", "48")
     operating(router, (6, 40), (149, 160), (37, 320))
-    from_iw = (role == 2 and onboarded == "1") or (role == 0 and status == "success")
-    assert bands(router)[1]["setChannel"] == (149 if from_iw else 0 if role == 2 else 48)
+    for role, onboarded, status in itertools.product((0, 1, 2), ("0", "1"), ("success", "fail")):
+        mesh(router, role, onboarded=onboarded)
+        router.set("repeater.repeater_band.status", status)
+        from_iw = (role == 2 and onboarded == "1") or (role == 0 and status == "success")
+        expected = 149 if from_iw else 0 if role == 2 else 48
+        assert bands(router)[1]["setChannel"] == expected, (role, onboarded, status)
 
 
 @pytest.mark.parametrize("text", ["1000", "", "12345"])
@@ -148,28 +154,31 @@ def test_the_repeater_screen_has_its_keys_in_their_order(router):
     assert router.commands() == ["iw dev wifi0 info", "iw dev wifi1 info", "iw dev wifi2 info"]
 
 
-@pytest.mark.parametrize("mlo,band,code", [
-    ("0", "2.4GHz", 1), ("0", "5GHz", 2), ("0", "6GHz", 3), ("0", "0", 0), ("0", "5GHz,6GHz", 2), ("1", "6GHz", 4),
-    ("2", "6GHz", 5), ("3", "6GHz", 6), ("4", "6GHz", 0)])
-def test_the_connected_band(router, mlo, band, code):
+def test_the_connected_band(router):
     operating(router, (6, 40), (36, 160), (37, 320))
-    router.set("repeater.repeater_band.mlo", mlo)
-    router.set("repeater.repeater_band.repeater_select_band", band)
-    assert router.get(REPEATER).json["connectBand"] == code
+    for mlo, band, code in (
+            ("0", "2.4GHz", 1), ("0", "5GHz", 2), ("0", "6GHz", 3), ("0", "0", 0), ("0", "5GHz,6GHz", 2),
+            ("1", "6GHz", 4), ("2", "6GHz", 5), ("3", "6GHz", 6), ("4", "6GHz", 0)):
+        router.set("repeater.repeater_band.mlo", mlo)
+        router.set("repeater.repeater_band.repeater_select_band", band)
+        assert router.get(REPEATER).json["connectBand"] == code, (mlo, band)
 
 
-@pytest.mark.parametrize("role,onboarded", list(itertools.product((0, 1, 2), ("0", "1", None))))
-def test_only_an_agent_that_has_not_joined_has_no_channels(router, role, onboarded):
+def test_only_an_agent_that_has_not_joined_has_no_channels(router):
     operating(router, (6, 40), (36, 160), (37, 320))
-    mesh(router, role)
-    router.set("repacd.MAPConfig.OnboardingDone", onboarded)
-    document = router.get(REPEATER).json
-    if role == 2 and onboarded == "0":
-        assert (current(document), widths(document)) == (["---"] * 3, [0] * 3)
-        assert router.commands() == []
-    else:
-        assert (current(document), widths(document)) == ([6, 36, 37], [1, 5, 6])
-    assert router.logged("get OnboardingDone failed") == (onboarded is None)
+    for role, onboarded in itertools.product((0, 1, 2), ("0", "1", None)):
+        mesh(router, role)
+        router.set("repacd.MAPConfig.OnboardingDone", onboarded)
+        router.forget_calls()
+        logged = len(router.log())
+        document = router.get(REPEATER).json
+        if role == 2 and onboarded == "0":
+            assert (current(document), widths(document)) == (["---"] * 3, [0] * 3)
+            assert router.commands() == []
+        else:
+            assert (current(document), widths(document)) == ([6, 36, 37], [1, 5, 6])
+        texts = [line.text for line in router.log()[logged:]]
+        assert ("get OnboardingDone failed" in texts) == (onboarded is None)
 
 
 @pytest.mark.parametrize("option,message", [

@@ -305,7 +305,8 @@ def _unknown(brand, role, onboarded, mode):
 @pytest.mark.parametrize("brand", BRANDS)
 def test_the_mld_of_every_slot_in_every_mesh(router, brand):
     router.brand(BRANDS[brand])
-    for role, mode, onboarded in itertools.product(range(3), (0, 1, 2, 3), (0, 1)):
+    # Onboarding matters to agents alone; the unit tests walk the rest of the product.
+    for role, mode, onboarded in [(0, 1, 0), *itertools.product((1,), range(4), (0,)), *itertools.product((2,), range(4), (0, 1))]:
         mesh(router, role, mode, onboarded=onboarded)
         router.forget_calls()
         logged = len(router.log())
@@ -367,9 +368,13 @@ def test_a_band_label_is_the_answers_own(router):
 # Mesh.
 
 
-@pytest.mark.parametrize("mode", [0, 1, 2])
-@pytest.mark.parametrize("brand,role", list(itertools.product(range(3), (1, 2))))
-def test_in_a_mesh_the_slots_of_the_backhaul(router, brand, role, mode):
+@pytest.mark.parametrize("brand", BRANDS)
+def test_in_a_mesh_the_slots_of_the_backhaul(router, brand):
+    for role, mode in itertools.product((1, 2), (0, 1, 2)):
+        _check_backhaul(router, brand, role, mode)
+
+
+def _check_backhaul(router, brand, role, mode):
     mesh(router, role, mode, brand=brand, onboarded=1)
     router.set("wireless.ath04.disabled", "0")
     document = router.get(SETTING).json
@@ -406,21 +411,21 @@ def test_the_backhaul_without_an_address(router):
     assert router.logged("Failed to get bssid, return default value", priority=3)
 
 
-@pytest.mark.parametrize("role,sae,code", [(0, "1", 4), (1, "1", 3), (2, "1", 3), (1, "0", 2), (0, None, 2)])
-def test_mixed_security_on_6_ghz_reads_as_wpa3_in_a_mesh(router, role, sae, code):
-    mesh(router, role)
-    for ifname in ("ath2", "ath21", "ath1"):
-        router.set(f"wireless.{ifname}.encryption", "psk2+ccmp")
-        router.set(f"wireless.{ifname}.sae", sae)
-    document = router.get(SETTING).json
-    assert slot(document, "SSID7")["wifiSecurity"] == code
-    assert {slot(document, name)["wifiSecurity"] for name in ("SSID4", "SSID8")} == {2 if sae != "1" else 4}
+def test_mixed_security_on_6_ghz_reads_as_wpa3_in_a_mesh(router):
+    for role, sae, code in ((0, "1", 4), (1, "1", 3), (2, "1", 3), (1, "0", 2), (0, None, 2)):
+        mesh(router, role)
+        for ifname in ("ath2", "ath21", "ath1"):
+            router.set(f"wireless.{ifname}.encryption", "psk2+ccmp")
+            router.set(f"wireless.{ifname}.sae", sae)
+        document = router.get(SETTING).json
+        assert slot(document, "SSID7")["wifiSecurity"] == code, (role, sae)
+        assert {slot(document, name)["wifiSecurity"] for name in ("SSID4", "SSID8")} == {2 if sae != "1" else 4}
 
 
-@pytest.mark.parametrize("owe,code", [("1", 1), ("0", 3), (None, 3), ("x", 3)])
-def test_ccmp_is_open_with_owe(router, owe, code):
-    router.set("wireless.ath2.owe", owe)
-    assert slot(router.get(SETTING).json, "SSID7")["wifiSecurity"] == code
+def test_ccmp_is_open_with_owe(router):
+    for owe, code in (("1", 1), ("0", 3), (None, 3), ("x", 3)):
+        router.set("wireless.ath2.owe", owe)
+        assert slot(router.get(SETTING).json, "SSID7")["wifiSecurity"] == code, owe
 
 
 # Texts.
