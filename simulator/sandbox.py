@@ -1,0 +1,287 @@
+#!/usr/bin/python3
+"""The root of a router: a directory that bubblewrap mounts as / for the program, in the simulator and in tests alike.
+
+The machine lends its libraries and a list of small tools, read-only. Everything that a router writes to is the root's
+own: /etc, /tmp, /var, /sys, /usr/sbin and /router, where the stand-ins for the platform's tools keep their records.
+"""
+
+from __future__ import annotations
+
+import functools
+import json
+import os
+import shutil
+import subprocess
+from pathlib import Path
+
+import uci_text
+
+HERE = Path(__file__).resolve().parent
+FACTORY = HERE / "factory"
+TOOLS = HERE / "tools"
+
+DEVICE_IDS = {"orvane": "0221", "tesmir": "0121"}
+
+# What a router's working mode differs in from the factory's "router".
+MODES: dict[str, dict[str, str | list[str]]] = {
+    "router": {},
+    "ap": {"system.@system[0].op_mode": "ap", "dhcp.lan.ignore": "1"},
+    "re": {"system.@system[0].op_mode": "re", "dhcp.lan.ignore": "1"},
+    "controller": {},
+    "agent": {},
+}
+
+PATH = "/router/bin:/usr/bin:/bin:/usr/sbin:/sbin"
+
+# What the machine lends: the small tools that a router's shell has. A tool that is not here is not on the router.
+LENT_TOOLS = """
+    sh dash sleep basename cat chmod chown cmp comm cp cut date dd df diff dirname du echo env expr false find flock fold
+    grep egrep fgrep head hexdump hostname id install kill ln ls md5sum mkdir mkfifo mktemp mv nice nl nohup od paste
+    printf pwd readlink realpath rm rmdir sed seq sha1sum sha256sum sort split stat stty sync tac tail tar tee test
+    touch tr true truncate tty uname uniq wc xargs yes [ awk mawk gzip gunzip zcat base64 cksum timeout which pgrep
+    python3
+""".split()
+
+# Tools whose every call is answered by a stand-in.
+STAND_INS = """
+    arp arp-scan arping brctl cfg80211tool conntrack crontab emt ethtool firstboot fw_printenv fw_setenv hostapd_cli
+    ifconfig ifdown ifstatus ifup inetchk ip ip4ov6jp_info iptables ip6tables iw iwconfig iwlist iwpriv jose killall
+    logger logread lua msg_tool nslookup ntpd opkg orvanehota passwd ping ping6 pidof poweroff ps reboot route service sleep
+    sysctl sysupgrade tesmirhota traceroute ubus uci udhcpc wifi wlanconfig wpa_cli
+""".split()
+
+# Programs that are called by their path.
+STAND_IN_PATHS = """
+    /etc/getIpAddr.sh /etc/qvpppoe_chk_cmd.sh /etc/wireClient.sh
+    /etc/init.d/boot /etc/init.d/cron /etc/init.d/dnsmasq /etc/init.d/firewall /etc/init.d/globalip
+    /etc/init.d/miniupnpd /etc/init.d/network /etc/init.d/nwm_package /etc/init.d/odhcpd /etc/init.d/repacd
+    /etc/init.d/sysntpd /etc/init.d/system /etc/init.d/wsplcd
+    /opt/sense/bin/sense_init.sh
+    /usr/sbin/firstboot /usr/sbin/reboot /usr/sbin/sysupgrade /usr/sbin/wifi
+    /usr/sbin/IDM_from_qv/idm_start /usr/sbin/IDM_from_qv/idm_stop
+    /usr/sbin/easymesh_agent.sh /usr/sbin/easymesh_close_for_agent.sh /usr/sbin/easymesh_close_for_controller.sh
+    /usr/sbin/easymesh_controller.sh /usr/sbin/hotacron /usr/sbin/ip4ov6jp_info /usr/sbin/iptables_guest_isolate.sh
+    /usr/sbin/ledtest /usr/sbin/orvanehota /usr/sbin/refreshPasswd.sh /usr/sbin/resetdbnum /usr/sbin/tesmirhota
+    /usr/sbin/tesmirupg.sh /usr/sbin/testinfo /usr/sbin/wps_web.sh
+""".split()
+
+STAND_IN_SCRIPT = '#!/bin/sh\nSTAND_IN_FOR="$0" exec /router/stand-in "$@"\n'
+
+LINKS = {"bin": "usr/bin", "sbin": "usr/sbin", "lib": "usr/lib", "lib64": "usr/lib64", "var/log": "../tmp/log",
+         "var/run": "../tmp/run", "var/lock": "../tmp/lock"}
+DIRECTORIES = """
+    dev proc sys etc/config etc/init.d etc/lighttpd tmp/run tmp/lock tmp/log tmp/dnsmasq.d tmp/state var root usr/bin
+    usr/sbin usr/lib usr/lib64 usr/share machine/usr router/bin router/tools router/answers router/uses
+    router/record-stdin
+""".split()
+
+# Kept where the program runs as the machine's root; a router's program needs no more, and the machine fears the rest.
+CAPABILITIES = """
+    CAP_CHOWN CAP_DAC_OVERRIDE CAP_FOWNER CAP_FSETID CAP_KILL CAP_SETGID CAP_SETUID CAP_NET_ADMIN CAP_NET_RAW
+    CAP_NET_BIND_SERVICE
+""".split()
+
+
+class SandboxError(Exception):
+    """No root can be mounted on this machine; the message says what is missing."""
+
+
+class Root:
+    """One router's file system, below `directory`/fs on the machine."""
+
+    def __init__(self, directory: os.PathLike | str, stand_in: os.PathLike | str | None = None):
+        """An empty root; with `stand_in`, the program that stands for the platform's tools, they are in their places."""
+        self.directory = Path(directory)
+        self.fs = self.directory / "fs"
+        self._mounts: list[tuple[str, str, str]] = []
+        for name in DIRECTORIES:
+            os.makedirs(self.fs / name, exist_ok=True)
+        for name, target in LINKS.items():
+            os.symlink(target, self.fs / name)
+        for name, target in lent_tools().items():
+            os.symlink(target, self.fs / "usr/bin" / name)
+        os.chmod(self.fs / "tmp", 0o1777)
+        if stand_in is None:
+            return
+        self.mount(stand_in, "/router/stand-in")
+        for name in STAND_INS + STAND_IN_PATHS:
+            self.stand_in(name)
+
+    def prepare(self, brand: str, mode: str = "router", packages: bool = True) -> None:
+        """Fills the root as the router leaves the factory; without `packages`, /etc/config stays empty."""
+        self.copy_tree(FACTORY / "files", "/")
+        self.write("/tmp/deviceid", DEVICE_IDS[brand] + "\n")
+        if not packages:
+            return
+        self.copy_tree(FACTORY / "config", "/etc/config")
+        self.copy_tree(FACTORY / brand / "config", "/etc/config")
+        self.set_options(MODES[mode])
+
+    def set_options(self, options: dict[str, str | list[str]]) -> None:
+        """Sets options of packages by address: {"dhcp.lan.ignore": "1"}."""
+        changed: dict[str, list[uci_text.Section]] = {}
+        for address, value in options.items():
+            package, section_name, option = address.split(".", 2)
+            sections = changed.setdefault(package, uci_text.parse(self.read(f"/etc/config/{package}") or ""))
+            uci_text.find(sections, section_name).options[option] = value
+        for package, sections in changed.items():
+            self.write(f"/etc/config/{package}", uci_text.render(sections))
+
+    # Files. A path is the router's own and absolute.
+
+    def path(self, path: str) -> Path:
+        """Where the machine keeps the router's `path`."""
+        return self.fs / path.lstrip("/")
+
+    def write(self, path: str, content: str | bytes, mode: int = 0o644) -> None:
+        place = self.path(path)
+        place.parent.mkdir(parents=True, exist_ok=True)
+        place.write_bytes(to_bytes(content))
+        place.chmod(mode)
+
+    def read(self, path: str) -> str | None:
+        try:
+            return self.path(path).read_bytes().decode("utf-8", "surrogateescape")
+        except (FileNotFoundError, NotADirectoryError):
+            return None
+
+    def exists(self, path: str) -> bool:
+        return os.path.lexists(self.path(path))
+
+    def remove(self, path: str) -> None:
+        place = self.path(path)
+        if place.is_dir() and not place.is_symlink():
+            shutil.rmtree(place)
+        elif self.exists(path):
+            place.unlink()
+
+    def copy_tree(self, source: Path, path: str) -> None:
+        """Copies the files below `source` over those below `path`."""
+        if source.is_dir():
+            shutil.copytree(source, self.path(path), symlinks=True, dirs_exist_ok=True)
+
+    # Tools. A name is a tool's name ("ifconfig") or the path it is called by ("/etc/init.d/dnsmasq").
+
+    def stand_in(self, name: str) -> None:
+        """Puts the stand-in in the place of a tool."""
+        place = self._place_of(name)
+        place.parent.mkdir(parents=True, exist_ok=True)
+        if os.path.lexists(place):
+            place.unlink()
+        if name.startswith("/"):
+            place.write_text(STAND_IN_SCRIPT)  # some are run as "sh /usr/sbin/..."
+            place.chmod(0o755)
+        else:
+            os.symlink("/router/stand-in", place)
+
+    def take_away(self, name: str) -> None:
+        """Leaves the router without a tool: calling it fails as a command that is not found."""
+        for place in {self._place_of(name), self.fs / "usr/bin" / name.lstrip("/")}:
+            if os.path.lexists(place):
+                place.unlink()
+
+    def real_tool(self, name: str, program: os.PathLike | str) -> None:
+        """Lets the stand-in become `program`, a file of the machine, once it has kept the call."""
+        self.stand_in(name)
+        self.mount(program, "/router/tools/" + name.lstrip("/"))
+
+    def simulate(self, name: str) -> None:
+        """Lets a tool answer as the simulated router's does: simulator/tools/<name>, or factory/answers/<name>.json."""
+        tool, answers = TOOLS / name.lstrip("/"), FACTORY / "answers" / (name.lstrip("/") + ".json")
+        self.stand_in(name)
+        if tool.exists():
+            self.mount(tool, "/router/tools/" + name.lstrip("/"))
+        elif answers.exists():
+            self.write("/router/answers/" + name.lstrip("/") + ".json", answers.read_bytes())
+        else:
+            raise SandboxError(f"the simulated router has no answer of its own for {name}: neither {tool} nor {answers}")
+
+    def link(self, path: str, target: str) -> None:
+        place = self.path(path)
+        place.parent.mkdir(parents=True, exist_ok=True)
+        if os.path.lexists(place):
+            place.unlink()
+        os.symlink(target, place)
+
+    def answers(self, name: str, rules: list[dict]) -> None:
+        """What the stand-in answers; stand_in.cpp says what a rule is."""
+        text = json.dumps({"rules": rules}, ensure_ascii=False)
+        self.write("/router/answers/" + name.lstrip("/") + ".json", text)
+
+    def record_stdin(self, name: str) -> None:
+        self.write("/router/record-stdin/" + name.lstrip("/"), "")
+
+    def _place_of(self, name: str) -> Path:
+        # /bin, /sbin and /lib are links of the router's; the machine must not follow its own.
+        if not name.startswith("/"):
+            return self.fs / "router/bin" / name
+        for link in ("/bin/", "/sbin/"):
+            if name.startswith(link):
+                name = "/usr" + name
+        return self.path(name)
+
+    # The machine's side of the mount.
+
+    def mount(self, source: os.PathLike | str, path: str, writable: bool = False) -> None:
+        """Shows a file or directory of the machine at the router's `path`."""
+        self._mounts.append(("--bind" if writable else "--ro-bind", os.path.abspath(source), path))
+
+    def command(self, argv: list[str], environment: dict[str, str] | None = None, share_net: bool = False) -> list[str]:
+        """The command line that runs `argv` in this root. It ends with its parent, and everything in it with it."""
+        return [
+            "bwrap", *isolation(share_net), "--die-with-parent", "--bind", str(self.fs), "/", *_machine_mounts(),
+            "--proc", "/proc", "--dev", "/dev", *(word for mount in self._mounts for word in mount),
+            "--chdir", "/", "--clearenv", "--setenv", "PATH", PATH, "--setenv", "HOME", "/root",
+            *(word for name, value in (environment or {}).items() for word in ("--setenv", name, value)),
+            "--", *argv,
+        ]
+
+
+def to_bytes(content: str | bytes) -> bytes:
+    """A text as the router keeps it; lone surrogates stand for the bytes that are not UTF-8."""
+    return content if isinstance(content, bytes) else content.encode("utf-8", "surrogateescape")
+
+
+def _machine_mounts() -> list[str]:
+    mounts = ["--ro-bind", "/usr", "/machine/usr", "--ro-bind", "/usr/lib", "/usr/lib", "--ro-bind", "/usr/share", "/usr/share"]
+    if os.path.isdir("/usr/lib64"):
+        mounts += ["--ro-bind", "/usr/lib64", "/usr/lib64"]
+    return mounts
+
+
+@functools.cache
+def lent_tools() -> dict[str, str]:
+    """Name and target of the links in the router's /usr/bin."""
+    links = {}
+    for name in LENT_TOOLS:
+        program = shutil.which(name, path="/usr/bin:/bin:/usr/sbin:/sbin")
+        if program is not None:
+            links[name] = "/machine" + os.path.realpath(program)
+    return links
+
+
+# Best first: what a kernel or a container does not allow is left out.
+_ISOLATIONS = (
+    ["--unshare-pid", "--unshare-ipc", "--unshare-uts", "--unshare-net"],
+    ["--unshare-pid", "--unshare-ipc", "--unshare-uts"],
+)
+
+
+@functools.cache
+def isolation(share_net: bool = False) -> tuple[str, ...]:
+    """bubblewrap's options for the namespaces that this machine allows. Raises SandboxError when it allows none."""
+    if shutil.which("bwrap") is None:
+        raise SandboxError("bubblewrap is missing: script/setup installs it (package bubblewrap)")
+    identity = ["--cap-drop", "ALL"] if os.geteuid() == 0 else ["--unshare-user", "--uid", "0", "--gid", "0"]
+    identity += [word for name in CAPABILITIES for word in ("--cap-add", name)]
+    reason = ""
+    for namespaces in _ISOLATIONS:
+        options = tuple(identity + [n for n in namespaces if not (share_net and n == "--unshare-net")])
+        trial = subprocess.run(["bwrap", *options, "--ro-bind", "/", "/", "--proc", "/proc", "--dev", "/dev", "true"],
+                               stdin=subprocess.DEVNULL, capture_output=True, text=True)
+        if trial.returncode == 0:
+            return options
+        reason = trial.stderr.strip()
+    advice = ("run it in a container that may mount (privileged, or with CAP_SYS_ADMIN)" if os.geteuid() == 0 else
+              "allow user namespaces (sysctl kernel.unprivileged_userns_clone=1, or an AppArmor rule for bwrap), or run it as root")
+    raise SandboxError(f"bubblewrap cannot mount a router's root here: {reason}\nTo help it: {advice}")

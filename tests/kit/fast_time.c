@@ -1,0 +1,92 @@
+// Preloaded into the program under test: a wait passes at once and is kept as a call, {"tool": "sleep", "args": ["2"]},
+// among the calls of the tools, so that a test sees what was waited for and when, and never waits itself.
+//
+// Each wait still takes a moment, so that a loop that polls does not eat a processor.
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/syscall.h>
+#include <time.h>
+#include <unistd.h>
+
+static const long kMomentNs = 1000000;
+
+// The programs that the program under test starts bring their own time.
+__attribute__((constructor)) static void keep_to_this_process(void) { unsetenv("LD_PRELOAD"); }
+
+static void take_a_moment(void) {
+  const struct timespec moment = {0, kMomentNs};
+  syscall(SYS_clock_nanosleep, CLOCK_MONOTONIC, 0, &moment, NULL);
+}
+
+static void keep(const char* tool, time_t seconds, long nanoseconds) {
+  char line[128];
+  int length = 0;
+  if (nanoseconds == 0) {
+    length = snprintf(line, sizeof line, "{\"tool\": \"%s\", \"args\": [\"%lld\"]}\n", tool, (long long)seconds);
+  } else {
+    char fraction[16];
+    snprintf(fraction, sizeof fraction, "%09ld", nanoseconds);
+    size_t digits = strlen(fraction);
+    while (digits > 1 && fraction[digits - 1] == '0') fraction[--digits] = '\0';
+    length = snprintf(line, sizeof line, "{\"tool\": \"%s\", \"args\": [\"%lld.%s\"]}\n", tool, (long long)seconds, fraction);
+  }
+  const int error = errno;
+  const int fd = open("/router/calls.jsonl", O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  if (fd >= 0) {
+    if (write(fd, line, (size_t)length) < 0) perror("calls.jsonl");
+    close(fd);
+  }
+  errno = error;
+}
+
+unsigned int sleep(unsigned int seconds) {
+  keep("sleep", (time_t)seconds, 0);
+  take_a_moment();
+  return 0;
+}
+
+int usleep(useconds_t microseconds) {
+  keep("sleep", (time_t)(microseconds / 1000000), (long)(microseconds % 1000000) * 1000);
+  take_a_moment();
+  return 0;
+}
+
+int nanosleep(const struct timespec* wanted, struct timespec* left) {
+  keep("sleep", wanted->tv_sec, wanted->tv_nsec);
+  take_a_moment();
+  if (left != NULL) memset(left, 0, sizeof *left);
+  return 0;
+}
+
+int clock_nanosleep(clockid_t clock, int flags, const struct timespec* wanted, struct timespec* left) {
+  struct timespec wait = *wanted;
+  if ((flags & TIMER_ABSTIME) != 0) {
+    struct timespec now;
+    clock_gettime(clock, &now);
+    long long nanoseconds = (long long)(wait.tv_sec - now.tv_sec) * 1000000000 + (wait.tv_nsec - now.tv_nsec);
+    if (nanoseconds < 0) nanoseconds = 0;
+    nanoseconds = (nanoseconds + 500000000) / 1000000000 * 1000000000;  // what was asked for, not what is left of it
+    wait.tv_sec = (time_t)(nanoseconds / 1000000000);
+    wait.tv_nsec = 0;
+  }
+  keep("sleep", wait.tv_sec, wait.tv_nsec);
+  take_a_moment();
+  if (left != NULL) memset(left, 0, sizeof *left);
+  return 0;
+}
+
+// A timer is kept as {"tool": "timer", "args": ["20"]} and goes off after a moment. Disarming one is not kept.
+int timer_settime(timer_t timer, int flags, const struct itimerspec* wanted, struct itimerspec* old) {
+  static int (*real)(timer_t, int, const struct itimerspec*, struct itimerspec*);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "timer_settime");
+  if (wanted->it_value.tv_sec == 0 && wanted->it_value.tv_nsec == 0) return real(timer, flags, wanted, old);
+  keep("timer", wanted->it_value.tv_sec, wanted->it_value.tv_nsec);
+  struct itimerspec soon = *wanted;
+  soon.it_value = (struct timespec){0, kMomentNs};
+  return real(timer, flags & ~TIMER_ABSTIME, &soon, old);
+}

@@ -1,0 +1,527 @@
+"""A router for one test: a fresh root, the program in it, stand-ins for its tools, and a client for it.
+
+README of the kit: the docstrings of Router, in the order in which a test uses them.
+"""
+
+from __future__ import annotations
+
+import base64
+import json
+import os
+import re
+import select
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+from dataclasses import dataclass
+from pathlib import Path
+
+import sandbox
+import uci_text
+
+from . import fastcgi
+from .hostile import PWNED
+
+DEADLINE_S = 20.0  # for an answer, or for a call that is waited for
+_END_DEADLINE_S = 10.0
+_POLL_S = 0.005
+
+_JWE_ENCRYPT = ["jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c"]
+_JWE_DECRYPT = ["jwe", "dec", "-i-", "-p"]
+_JWE_MARK = b"jwe."
+
+# Reports go to files: a daemonised child has no standard error left.
+SANITIZER_OPTIONS = {
+    "ASAN_OPTIONS": "verify_asan_link_order=0:detect_stack_use_after_return=1:log_path=/router/sanitizer",
+    "UBSAN_OPTIONS": "print_stacktrace=1:log_path=/router/sanitizer",
+    "TSAN_OPTIONS": "log_path=/router/sanitizer",
+    "LSAN_OPTIONS": "log_path=/router/sanitizer",
+}
+
+
+def program(variable: str) -> Path | None:
+    """A built file that the build names in the environment."""
+    value = os.environ.get(variable)
+    if not value:
+        return None
+    path = Path(value)
+    if not path.exists():
+        raise FileNotFoundError(f"{variable}={value} does not exist: build first")
+    return path
+
+
+@dataclass(frozen=True)
+class Call:
+    """One call of a tool, or one wait of the program ("sleep 2")."""
+
+    tool: str
+    args: tuple[str, ...]
+    stdin: str | None = None
+
+    def __str__(self) -> str:
+        return " ".join((self.tool, *self.args))
+
+
+@dataclass(frozen=True)
+class LogLine:
+    """One syslog message. `text` lacks the "[FcgiApp][function]:[line] " that `function` and `line` were taken from."""
+
+    priority: int
+    text: str
+    raw: str
+    function: str | None = None
+    line: int | None = None
+
+    def __str__(self) -> str:
+        return self.text
+
+
+class Answer:
+    """What came back for one request."""
+
+    def __init__(self, response: fastcgi.Response):
+        self.fcgi = response
+        self.raw = response.stdout
+        head, _, self.body = response.stdout.partition(b"\r\n\r\n")
+        self.empty = response.stdout == b""
+        self.header_lines = [line.decode("latin-1") for line in head.split(b"\r\n")] if head else []
+        self.headers = {name.lower(): value for name, _, value in (line.partition(": ") for line in self.header_lines)}
+        self.status = int(self.headers.get("status", "200").split()[0]) if head else None
+        self.encrypted = self.body.startswith(_JWE_MARK)
+
+    @property
+    def data(self) -> bytes:
+        """The body as sent, decrypted when it was encrypted."""
+        return decrypt(self.body) if self.encrypted else self.body
+
+    @property
+    def text(self) -> str:
+        return self.data.decode("utf-8", "surrogateescape")
+
+    @property
+    def json(self):
+        assert not self.empty, "nothing was answered"
+        return json.loads(self.text)
+
+    def __repr__(self) -> str:
+        kind = "encrypted" if self.encrypted else "plain"
+        return f"<Answer {'nothing' if self.empty else f'{kind} {self.text!r}'}>"
+
+
+def encrypt(text: bytes) -> bytes:
+    return _JWE_MARK + base64.urlsafe_b64encode(text).rstrip(b"=")
+
+
+def decrypt(text: bytes) -> bytes:
+    encoded = text[len(_JWE_MARK):].strip()
+    return base64.urlsafe_b64decode(encoded + b"=" * (-len(encoded) % 4))
+
+
+class Router:
+    """Prepare (brand, config, set, write, tool), ask (get, post, fcgi), look (option, calls, log, read)."""
+
+    def __init__(self, factory: bool = True, brand: str = "orvane", mode: str = "router"):
+        self.directory = Path(tempfile.mkdtemp(prefix="router-"))
+        self.real_time = False  # True: waits take their time and are not kept as calls
+        self.environment: dict[str, str] = {}
+        self._process: subprocess.Popen | None = None
+        self._ended = False
+        self._rules: dict[str, list[dict]] = {}
+        self._uses = 0
+        stand_in = program("STAND_IN_BIN")
+        if stand_in is None:
+            raise RuntimeError("STAND_IN_BIN is not set: run the tests through ctest or script/test")
+        self.root = sandbox.Root(self.directory, stand_in)
+        self.root.prepare(brand=brand, mode=mode, packages=factory)
+        for name in ("jose", "passwd"):
+            self.root.record_stdin(name)
+        self._rules["jose"] = [
+            {"args": _JWE_ENCRYPT, "exact": True, "answers": [{"jose": "encrypt"}]},
+            {"args": _JWE_DECRYPT, "exact": True, "answers": [{"jose": "decrypt"}]},
+            {"args": [], "answers": [{"exit": 1}]},
+        ]
+        self._write_rules("jose")
+        if (uci := program("UCI_BIN")) is not None:
+            self.root.real_tool("uci", uci)
+        self._log = _Log(self.directory / "log.sock")
+        self.root.mount(self.directory / "log.sock", "/dev/log")
+        self._listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+        self._listener.bind(str(self.directory / "fcgi.sock"))
+        self._listener.listen(64)
+
+    # Prepare.
+
+    def brand(self, name: str) -> None:
+        """Makes the router an "orvane" or a "tesmir"; another text is written to /tmp/deviceid as it is."""
+        self.write("/tmp/deviceid", sandbox.DEVICE_IDS.get(name, name) + "\n")
+
+    def config(self, package: str, text: str) -> None:
+        """Writes /etc/config/<package>, whole."""
+        self.write(f"/etc/config/{package}", text)
+
+    def no_config(self, *packages: str) -> None:
+        """Takes packages away."""
+        for package in packages:
+            self.remove(f"/etc/config/{package}")
+
+    def set(self, address: str, value: str | int | list | None) -> None:
+        """set("network.lan.ipaddr", "1.2.3.4"), set("network.lan.dns", ["a", "b"]) for a list, None to take it away;
+        set("network.lan", "interface") makes a named section, set("network.lan", None) takes it away."""
+        package, section_name, *option = address.split(".", 2)
+        sections = self.package(package)
+        section = uci_text.find(sections, section_name)
+        if not option:
+            if section is not None and value is None:
+                sections.remove(section)
+            elif section is not None:
+                section.type = str(value)
+            elif value is not None:
+                sections.append(uci_text.Section(str(value), section_name))
+        else:
+            assert section is not None, f"{package}.{section_name} does not exist; set(\"{package}.{section_name}\", type) makes it"
+            if value is None:
+                section.options.pop(option[0], None)
+            else:
+                section.options[option[0]] = [str(v) for v in value] if isinstance(value, list) else str(value)
+        self.config(package, uci_text.render(sections))
+
+    def add(self, package: str, type: str, name: str | None = None, **options: str | int | list) -> None:
+        """Appends a section, anonymous without a name: add("dhcp", "host", ip="192.168.1.5", mac="...")."""
+        sections = self.package(package)
+        sections.append(uci_text.Section(type, name, {
+            key: [str(v) for v in value] if isinstance(value, list) else str(value) for key, value in options.items()}))
+        self.config(package, uci_text.render(sections))
+
+    def write(self, path: str, content: str | bytes, mode: int = 0o644) -> None:
+        self.root.write(path, content, mode)
+
+    def read(self, path: str) -> str | None:
+        """A file's text; None when there is none. Bytes that are not UTF-8 come as lone surrogates."""
+        return self.root.read(path)
+
+    def exists(self, path: str) -> bool:
+        return self.root.exists(path)
+
+    def remove(self, path: str) -> None:
+        self.root.remove(path)
+
+    def tool(self, tool: str, *args: str, out: str | bytes = "", err: str | bytes = "", exit: int = 0,
+             then: list[dict] | None = None, write: dict[str, str] | None = None, stdin: bool = False,
+             exact: bool = False, hang: bool = False, signal: int = 0, missing: bool = False,
+             simulated: bool = False) -> None:
+        """What a tool answers when its arguments begin with `args` (with exact: are `args`).
+
+        The longest fitting arguments win, the latest setting among equals. `then` lists the next answers, the last one
+        repeating: then=[{"out": "..."}, {"exit": 1}]. `write` are files that the tool leaves ({path: text}). `stdin`
+        keeps its standard input in the call. `hang`: it prints and then never ends. `signal`: it dies by one.
+        `missing`: the router has no such tool. `simulated`: it answers as in the simulated router.
+        A tool that is called by a path is named by it: tool("/etc/init.d/dnsmasq", exit=1)."""
+        if missing:
+            self.root.take_away(tool)
+            return
+        self.root.stand_in(tool)
+        if simulated:
+            self.root.simulate(tool)
+            return
+        first = {"out": out, "err": err, "exit": exit, "write": write or {}, "hang": hang, "signal": signal}
+        answers = [{**answer, **{key: _escaped(answer[key]) for key in ("out", "err") if key in answer}}
+                   for answer in [first, *(then or [])]]
+        self._uses += 1
+        rule = {"args": list(args), "exact": exact, "stdin": stdin, "answers": answers, "id": str(self._uses)}
+        rules = [r for r in self._rules.get(tool, []) if (r["args"], r.get("exact", False)) != (rule["args"], exact)]
+        rules.append(rule)
+        rules.sort(key=lambda r: (-len(r["args"]), not r.get("exact", False)))
+        if tool == "jose" and not args:
+            rules = [rule]
+        self._rules[tool] = rules
+        self._write_rules(tool)
+
+    def record(self, *tools: str) -> None:
+        """Keeps the calls of real tools (rm, cp, mv, tar, ...) too; they still do their work."""
+        for tool in tools:
+            real = sandbox.lent_tools().get(tool)
+            assert real is not None, f"the router has no {tool}"
+            self.root.stand_in(tool)
+            self.root.link(f"/router/tools/{tool}", real)
+
+    def _write_rules(self, tool: str) -> None:
+        self.root.answers(tool, self._rules[tool])
+
+    # Ask.
+
+    def start(self) -> None:
+        """Starts the program. The first request does it, too."""
+        if self._process is not None:
+            return
+        binary = program("ROUTER_API_BIN")
+        if binary is None:
+            raise RuntimeError("ROUTER_API_BIN is not set: run the tests through ctest or script/test")
+        self.root.mount(binary, "/usr/sbin/router-api")
+        environment = {**SANITIZER_OPTIONS, **self.environment}
+        if not self.real_time and (shim := program("FAST_TIME_LIB")) is not None:
+            self.root.mount(shim, "/router/fast_time.so")
+            environment["LD_PRELOAD"] = "/router/fast_time.so"
+        with open(self.directory / "stderr", "ab") as stderr:
+            self._process = subprocess.Popen(self.root.command(["/usr/sbin/router-api"], environment),
+                                             stdin=self._listener, stdout=stderr, stderr=stderr)
+
+    def run(self, *argv: str, input: str | bytes = "", environment: dict[str, str] | None = None) -> subprocess.CompletedProcess:
+        """Runs a command of the router to its end: run("uci", "get", "network.lan.ipaddr").stdout."""
+        return subprocess.run(self.root.command(list(argv), environment), input=sandbox.to_bytes(input).decode("latin-1"),
+                              capture_output=True, encoding="latin-1", timeout=DEADLINE_S)
+
+    def get(self, uri: str, **params: str) -> Answer:
+        return self.fcgi({"REQUEST_METHOD": "GET", "REQUEST_URI": uri, **params})
+
+    def post(self, uri: str, body=None, plain: bool = False, **params: str) -> Answer:
+        """`body`: an object becomes JSON; a text or bytes are sent as they are; None sends no content. Encrypted, but
+        for plain=True (the upload routes take plain bodies)."""
+        data = body_bytes(body)
+        if data and not plain:
+            data = encrypt(data)
+        return self.fcgi({"REQUEST_METHOD": "POST", "REQUEST_URI": uri, "CONTENT_TYPE": "application/json",
+                          "CONTENT_LENGTH": str(len(data)), **params}, data)
+
+    def fcgi(self, params: dict[str, str | bytes], body: bytes = b"") -> Answer:
+        """A request with just these parameters and this body, whatever CONTENT_LENGTH says of it."""
+        return self.raw(fastcgi.request(params, body))
+
+    def raw(self, data: bytes, close: bool = False) -> Answer | None:
+        """Sends bytes made with kit.fastcgi and reads the answer; with close=True hangs up instead of reading."""
+        self.start()
+        with fastcgi.connect(str(self.directory / "fcgi.sock"), DEADLINE_S) as connection:
+            try:
+                connection.sendall(data)
+            except (BrokenPipeError, ConnectionResetError):
+                pass  # answered before all was read
+            if close:
+                return None
+            try:
+                return Answer(fastcgi.read_response(connection))
+            except socket.timeout:
+                raise AssertionError(f"no answer within {DEADLINE_S:.0f} s\n{self.report()}") from None
+
+    # Look.
+
+    def package(self, package: str) -> list[uci_text.Section]:
+        """The sections of a package in their order; each has .type, .name (None: anonymous) and .options."""
+        return uci_text.parse(self.read(f"/etc/config/{package}") or "")
+
+    def option(self, address: str) -> str | list[str] | None:
+        """option("network.lan.ipaddr"), option("dhcp.@host[0].mac"); option("network.lan") is the section's type."""
+        package, section_name, *option = address.split(".", 2)
+        section = uci_text.find(self.package(package), section_name)
+        if section is None:
+            return None
+        return section.options.get(option[0]) if option else section.type
+
+    def calls(self, tool: str | None = None) -> list[Call]:
+        """The calls of one tool, or of all but jose, and the program's waits, in their order."""
+        calls = []
+        for line in (self.read("/router/calls.jsonl") or "").splitlines():
+            entry = json.loads(line)
+            if entry["tool"] == tool or (tool is None and entry["tool"] != "jose"):
+                calls.append(Call(entry["tool"], tuple(entry["args"]), entry.get("stdin")))
+        return calls
+
+    def commands(self, tool: str | None = None) -> list[str]:
+        """The calls as texts: ["sleep 2", "/etc/init.d/dnsmasq restart", ...]."""
+        return [str(call) for call in self.calls(tool)]
+
+    def forget_calls(self) -> None:
+        self.write("/router/calls.jsonl", "")
+
+    def wait_for_call(self, tool: str, *args: str, times: int = 1) -> list[Call]:
+        """Waits until the tool was called with these first arguments (`times` times); the calls up to that one."""
+        end = time.monotonic() + DEADLINE_S
+        while True:
+            calls, seen = self.calls("jose") if tool == "jose" else self.calls(), 0
+            for i, call in enumerate(calls):
+                seen += call.tool == tool and call.args[:len(args)] == args
+                if seen == times:
+                    return calls[:i + 1]
+            if time.monotonic() > end:
+                raise AssertionError(f"{' '.join((tool, *args))} was not called\n{self.report()}")
+            time.sleep(_POLL_S)
+
+    def wait_until(self, condition, what: str = "the condition") -> None:
+        """Waits until condition() is true: wait_until(lambda: router.exists("/tmp/x"))."""
+        end = time.monotonic() + DEADLINE_S
+        while not condition():
+            if time.monotonic() > end:
+                raise AssertionError(f"{what} did not come true\n{self.report()}")
+            time.sleep(_POLL_S)
+
+    def log(self) -> list[LogLine]:
+        """What went to syslog so far."""
+        return self._log.lines()
+
+    def logged(self, text: str, priority: int | None = None) -> bool:
+        """Whether a message holds `text` (at this priority: 3 error, 7 debug)."""
+        return any(text in line.text and priority in (None, line.priority) for line in self.log())
+
+    def stderr(self) -> str:
+        try:
+            return (self.directory / "stderr").read_bytes().decode("utf-8", "surrogateescape")
+        except FileNotFoundError:
+            return ""
+
+    def alive(self) -> bool:
+        """The program runs and answers."""
+        return self._process is not None and self._process.poll() is None and \
+            self.fcgi({"REQUEST_METHOD": "PUT", "REQUEST_URI": "/"}).text == "Not Found"
+
+    def pid(self) -> int:
+        """The program's process id on the machine (for /proc/<pid>/fd and the like)."""
+        self.start()
+        end = time.monotonic() + DEADLINE_S
+        while time.monotonic() < end:
+            for pid in _descendants(self._process.pid):
+                if os.path.basename(_exe(pid)) == program("ROUTER_API_BIN").name:
+                    return pid
+            time.sleep(_POLL_S)
+        raise AssertionError(f"the program does not run\n{self.report()}")
+
+    def sanitizer_report(self) -> str:
+        """What the sanitizers of the program, its children and the `uci` command have to say so far."""
+        reports = sorted(self.root.path("/router").glob("sanitizer.*"))
+        return "\n".join(report.read_text(errors="replace") for report in reports)
+
+    def assert_nothing_ran(self) -> None:
+        """No hostile text was parsed by a shell."""
+        assert not self.exists(PWNED), f"a hostile text ran as a command\n{self.report()}"
+
+    def assert_calls(self, *commands: str, tool: str | None = None) -> None:
+        """The calls, as texts, are just these."""
+        assert self.commands(tool) == list(commands)
+
+    def report(self) -> str:
+        """What to show when something failed."""
+        return "\n".join(["calls:", *(f"  {c}" for c in self.commands()), "log:", *(f"  {line.raw}" for line in self.log()),
+                          "stderr:", self.stderr()[-4000:]])
+
+    # End.
+
+    def stop(self) -> int | None:
+        """Ends the program as a web server does that goes away, and gives its exit status. Sanitizers report leaks here."""
+        self._ended = True
+        self._log.ended.set()
+        if self._process is None:
+            return None
+        self._listener.shutdown(socket.SHUT_RDWR)
+        try:
+            return self._process.wait(_END_DEADLINE_S)
+        except subprocess.TimeoutExpired:
+            self.kill()
+            raise AssertionError(f"the program did not end when its socket was closed\n{self.report()}") from None
+
+    def kill(self) -> None:
+        """Ends the root with everything in it."""
+        self._ended = True
+        if self._process is not None and self._process.poll() is None:
+            self._process.kill()
+        if self._process is not None:
+            self._process.wait()
+
+    def finish(self) -> None:
+        """What every test ends with: the program lived, ends well, and no sanitizer has anything to say."""
+        try:
+            if self._process is not None and not self._ended:
+                status = self._process.poll()
+                assert status is None, f"the program ended with {status} during the test\n{self.report()}"
+                status = self.stop()
+                assert status == 0, f"the program ended with {status}\n{self.report()}"
+            assert self.sanitizer_report() == "", f"a sanitizer reports:\n{self.sanitizer_report()}"
+        finally:
+            self.kill()
+            self._listener.close()
+            self._log.close()
+            shutil.rmtree(self.directory, ignore_errors=True)
+
+
+def body_bytes(body) -> bytes:
+    if body is None:
+        return b""
+    if isinstance(body, bytes):
+        return body
+    text = body if isinstance(body, str) else json.dumps(body, ensure_ascii=False)
+    return text.encode("utf-8", "surrogateescape")
+
+
+def _escaped(content: str | bytes) -> str:
+    return content.decode("utf-8", "surrogateescape") if isinstance(content, bytes) else content
+
+
+def _descendants(pid: int) -> list[int]:
+    children = []
+    for task in Path(f"/proc/{pid}/task").glob("*/children"):
+        try:
+            children += [int(child) for child in task.read_text().split()]
+        except (FileNotFoundError, ProcessLookupError):
+            pass
+    return children + [grandchild for child in children for grandchild in _descendants(child)]
+
+
+def _exe(pid: int) -> str:
+    try:
+        return os.readlink(f"/proc/{pid}/exe")
+    except OSError:
+        return ""
+
+
+class _Log:
+    """Owns /dev/log. A socket holds ten messages at most, so a thread takes them as they come."""
+
+    _LINE = re.compile(r"<(\d+)>(?:\w{3} [ \d]\d \d\d:\d\d:\d\d )?([^:\[]*)(?:\[\d+\])?: ?(.*)", re.S)
+    _OURS = re.compile(r"\[FcgiApp\]\[([^\]]*)\]:\[(\d+)\] (.*)", re.S)
+
+    def __init__(self, path: Path):
+        self._socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
+        self._socket.bind(str(path))
+        os.chmod(path, 0o666)
+        self._socket.setblocking(False)
+        self._lock = threading.Lock()
+        self._lines: list[LogLine] = []
+        self.ended = threading.Event()
+        self._closing, self._wake = socket.socketpair()
+        self._thread = threading.Thread(target=self._run, daemon=True)
+        self._thread.start()
+
+    def _run(self) -> None:
+        while True:
+            ready, _, _ = select.select([self._socket, self._closing], [], [])
+            if self._closing in ready:
+                return
+            self._drain()
+
+    def _drain(self) -> None:
+        with self._lock:
+            while True:
+                try:
+                    message = self._socket.recv(1 << 20)
+                except BlockingIOError:
+                    return
+                self._lines.append(self._parse(message.decode("utf-8", "surrogateescape").rstrip("\0")))
+
+    def _parse(self, raw: str) -> LogLine:
+        match = self._LINE.fullmatch(raw)
+        if match is None:
+            return LogLine(-1, raw, raw)
+        priority, text = int(match[1]) & 7, match[3]
+        ours = self._OURS.fullmatch(text)
+        return LogLine(priority, ours[3], raw, ours[1], int(ours[2])) if ours else LogLine(priority, text, raw)
+
+    def lines(self) -> list[LogLine]:
+        self._drain()
+        with self._lock:
+            return list(self._lines)
+
+    def close(self) -> None:
+        self._wake.send(b"x")
+        self._thread.join()
+        for s in (self._socket, self._closing, self._wake):
+            s.close()

@@ -1,0 +1,29 @@
+"""Fixtures of the route tests: a fresh router for each."""
+
+import sys
+from pathlib import Path
+
+import pytest
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
+
+import kit  # noqa: E402
+
+
+@pytest.fixture
+def router():
+    """A router as it leaves the factory: brand orvane, mode router."""
+    yield from _router(kit.Router())
+
+
+@pytest.fixture
+def bare_router():
+    """A router without any UCI package."""
+    yield from _router(kit.Router(factory=False))
+
+
+def _router(router):
+    try:
+        yield router
+    finally:
+        router.finish()
