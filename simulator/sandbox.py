@@ -10,26 +10,18 @@ from __future__ import annotations
 import functools
 import json
 import os
+import shlex
 import shutil
 import subprocess
 from pathlib import Path
 
 import uci_text
+from variants import BRANDS, DEVICE_IDS, MODES
 
 HERE = Path(__file__).resolve().parent
 FACTORY = HERE / "factory"
 TOOLS = HERE / "tools"
 
-DEVICE_IDS = {"orvane": "0221", "tesmir": "0121"}
-
-# What a router's working mode differs in from the factory's "router".
-MODES: dict[str, dict[str, str | list[str]]] = {
-    "router": {},
-    "ap": {"system.@system[0].op_mode": "ap", "dhcp.lan.ignore": "1"},
-    "re": {"system.@system[0].op_mode": "re", "dhcp.lan.ignore": "1"},
-    "controller": {},
-    "agent": {},
-}
 
 PATH = "/router/bin:/usr/bin:/bin:/usr/sbin:/sbin"
 
@@ -44,7 +36,7 @@ LENT_TOOLS = """
 
 # Tools whose every call is answered by a stand-in.
 STAND_INS = """
-    arp arp-scan arping brctl cfg80211tool conntrack crontab emt ethtool firstboot fw_printenv fw_setenv hostapd_cli
+    arp arp-scan arping brctl cfg80211tool conntrack crontab emt ethtool fact firstboot fw_printenv fw_setenv hostapd_cli
     ifconfig ifdown ifstatus ifup inetchk ip ip4ov6jp_info iptables ip6tables iw iwconfig iwlist iwpriv jose killall
     logger logread lua msg_tool nslookup ntpd opkg orvanehota passwd ping ping6 pidof poweroff ps reboot route service sleep
     sysctl sysupgrade tesmirhota traceroute ubus uci udhcpc wifi wlanconfig wpa_cli
@@ -57,13 +49,16 @@ STAND_IN_PATHS = """
     /etc/init.d/miniupnpd /etc/init.d/network /etc/init.d/nwm_package /etc/init.d/odhcpd /etc/init.d/repacd
     /etc/init.d/sysntpd /etc/init.d/system /etc/init.d/wsplcd
     /opt/sense/bin/sense_init.sh
-    /usr/sbin/firstboot /usr/sbin/reboot /usr/sbin/sysupgrade /usr/sbin/wifi
+    /sbin/firstboot /sbin/reboot /sbin/sysupgrade /sbin/wifi
     /usr/sbin/IDM_from_qv/idm_start /usr/sbin/IDM_from_qv/idm_stop
     /usr/sbin/easymesh_agent.sh /usr/sbin/easymesh_close_for_agent.sh /usr/sbin/easymesh_close_for_controller.sh
     /usr/sbin/easymesh_controller.sh /usr/sbin/hotacron /usr/sbin/ip4ov6jp_info /usr/sbin/iptables_guest_isolate.sh
     /usr/sbin/ledtest /usr/sbin/orvanehota /usr/sbin/refreshPasswd.sh /usr/sbin/resetdbnum /usr/sbin/tesmirhota
     /usr/sbin/tesmirupg.sh /usr/sbin/testinfo /usr/sbin/wps_web.sh
 """.split()
+
+# In the simulated router, the machine's own stand behind the stand-ins.
+REAL_TOOLS = ("crontab", "logger", "passwd", "sleep")
 
 STAND_IN_SCRIPT = '#!/bin/sh\nSTAND_IN_FOR="$0" exec /router/stand-in "$@"\n'
 
@@ -72,7 +67,7 @@ LINKS = {"bin": "usr/bin", "sbin": "usr/sbin", "lib": "usr/lib", "lib64": "usr/l
 DIRECTORIES = """
     dev proc sys etc/config etc/init.d etc/lighttpd tmp/run tmp/lock tmp/log tmp/dnsmasq.d tmp/state var root usr/bin
     usr/sbin usr/lib usr/lib64 usr/share machine/usr router/bin router/tools router/answers router/uses
-    router/record-stdin
+    router/record-stdin router/state router/lent
 """.split()
 
 # Kept where the program runs as the machine's root; a router's program needs no more, and the machine fears the rest.
@@ -93,6 +88,7 @@ class Root:
         """An empty root; with `stand_in`, the program that stands for the platform's tools, they are in their places."""
         self.directory = Path(directory)
         self.fs = self.directory / "fs"
+        self.setup: list[str] = []  # shell lines that run in the root before each command
         self._mounts: list[tuple[str, str, str]] = []
         for name in DIRECTORIES:
             os.makedirs(self.fs / name, exist_ok=True)
@@ -115,15 +111,16 @@ class Root:
             return
         self.copy_tree(FACTORY / "config", "/etc/config")
         self.copy_tree(FACTORY / brand / "config", "/etc/config")
-        self.set_options(MODES[mode])
+        self.set_options({**BRANDS[brand], **MODES[mode]})
 
-    def set_options(self, options: dict[str, str | list[str]]) -> None:
-        """Sets options of packages by address: {"dhcp.lan.ignore": "1"}."""
+    def set_options(self, options: dict[str, str | list[str] | None]) -> None:
+        """Sets options of packages by address: {"dhcp.lan.ignore": "1", "wireless.ath13": "wifi-iface"}; None deletes."""
         changed: dict[str, list[uci_text.Section]] = {}
         for address, value in options.items():
-            package, section_name, option = address.split(".", 2)
-            sections = changed.setdefault(package, uci_text.parse(self.read(f"/etc/config/{package}") or ""))
-            uci_text.find(sections, section_name).options[option] = value
+            package = address.split(".", 1)[0]
+            if package not in changed:
+                changed[package] = uci_text.parse(self.read(f"/etc/config/{package}") or "")
+            uci_text.assign(changed[package], address, value)
         for package, sections in changed.items():
             self.write(f"/etc/config/{package}", uci_text.render(sections))
 
@@ -186,15 +183,38 @@ class Root:
         self.mount(program, "/router/tools/" + name.lstrip("/"))
 
     def simulate(self, name: str) -> None:
-        """Lets a tool answer as the simulated router's does: simulator/tools/<name>, or factory/answers/<name>.json."""
-        tool, answers = TOOLS / name.lstrip("/"), FACTORY / "answers" / (name.lstrip("/") + ".json")
+        """Lets a tool answer as the simulated router's does: by simulator/tools/<name>, or a real one of the machine."""
         self.stand_in(name)
-        if tool.exists():
-            self.mount(tool, "/router/tools/" + name.lstrip("/"))
-        elif answers.exists():
-            self.write("/router/answers/" + name.lstrip("/") + ".json", answers.read_bytes())
+        if not self.exists("/router/simulated"):
+            for folder in ("tools", "lib"):
+                self.mount(HERE / folder, f"/router/simulated/{folder}")
+            for tool, program in machine_programs("ip", "jose", "ps").items():
+                self.link(f"/router/lent/{tool}", program)
+            self.path("/router/simulated").mkdir()
+        if name in REAL_TOOLS:
+            self.link(f"/router/tools/{name}", machine_programs(name)[name])
+        elif (TOOLS / name.lstrip("/")).exists():
+            self.link(f"/router/tools/{name.lstrip('/')}", f"/router/simulated/tools/{name.lstrip('/')}")
         else:
-            raise SandboxError(f"the simulated router has no answer of its own for {name}: neither {tool} nor {answers}")
+            raise SandboxError(f"the simulated router has no {name}: {TOOLS / name.lstrip('/')} would be one")
+
+    def add_device(self, name: str, kind: str = "bridge", mac: str | None = None, address: str | None = None) -> None:
+        """Gives the root's own network a device, up, with an address such as "192.168.0.1/24"."""
+        if not has_own_network():
+            raise SandboxError("this machine gives the root no network of its own")
+        ip = machine_programs("ip").get("ip")
+        if ip is None:
+            raise SandboxError("ip is missing: script/setup installs it (package iproute2)")
+        lower = shlex.join(["address", mac]) if mac else ""
+        self.setup.append(f"{ip} link add {shlex.quote(name)} {lower} type {shlex.quote(kind)}")
+        if address:
+            self.setup.append(shlex.join([ip, "addr", "add", address, "dev", name]))
+        self.setup.append(shlex.join([ip, "link", "set", name, "up"]))
+
+    def add_neighbour(self, address: str, mac: str, device: str = "br-lan", state: str = "permanent") -> None:
+        """A row of /proc/net/arp; the device must have been added. State "none" makes an incomplete one."""
+        ip = machine_programs("ip")["ip"]
+        self.setup.append(shlex.join([ip, "neigh", "add", address, "lladdr", mac, "nud", state, "dev", device]))
 
     def link(self, path: str, target: str) -> None:
         place = self.path(path)
@@ -226,10 +246,15 @@ class Root:
         """Shows a file or directory of the machine at the router's `path`."""
         self._mounts.append(("--bind" if writable else "--ro-bind", os.path.abspath(source), path))
 
-    def command(self, argv: list[str], environment: dict[str, str] | None = None, share_net: bool = False) -> list[str]:
-        """The command line that runs `argv` in this root. It ends with its parent, and everything in it with it."""
+    def command(self, argv: list[str], environment: dict[str, str] | None = None,
+                setup: bool = True) -> list[str]:
+        """The command line that runs `argv` in this root. It ends with its parent, and everything in it with it.
+
+        `setup`: devices and neighbours first."""
+        if self.setup and setup:
+            argv = ["/bin/sh", "-c", "\n".join([*self.setup, 'exec "$@"']), "sh", *argv]
         return [
-            "bwrap", *isolation(share_net), "--die-with-parent", "--bind", str(self.fs), "/", *_machine_mounts(),
+            "bwrap", *isolation(), "--die-with-parent", "--bind", str(self.fs), "/", *_machine_mounts(),
             "--proc", "/proc", "--dev", "/dev", *(word for mount in self._mounts for word in mount),
             "--chdir", "/", "--clearenv", "--setenv", "PATH", PATH, "--setenv", "HOME", "/root",
             *(word for name, value in (environment or {}).items() for word in ("--setenv", name, value)),
@@ -249,15 +274,16 @@ def _machine_mounts() -> list[str]:
     return mounts
 
 
+def machine_programs(*names: str) -> dict[str, str]:
+    """Where the root sees programs of the machine; those that the machine lacks are left out."""
+    found = {name: shutil.which(name, path="/usr/bin:/bin:/usr/sbin:/sbin") for name in names}
+    return {name: "/machine" + os.path.realpath(program) for name, program in found.items() if program}
+
+
 @functools.cache
 def lent_tools() -> dict[str, str]:
     """Name and target of the links in the router's /usr/bin."""
-    links = {}
-    for name in LENT_TOOLS:
-        program = shutil.which(name, path="/usr/bin:/bin:/usr/sbin:/sbin")
-        if program is not None:
-            links[name] = "/machine" + os.path.realpath(program)
-    return links
+    return machine_programs(*LENT_TOOLS)
 
 
 # Best first: what a kernel or a container does not allow is left out.
@@ -268,7 +294,7 @@ _ISOLATIONS = (
 
 
 @functools.cache
-def isolation(share_net: bool = False) -> tuple[str, ...]:
+def isolation() -> tuple[str, ...]:
     """bubblewrap's options for the namespaces that this machine allows. Raises SandboxError when it allows none."""
     if shutil.which("bwrap") is None:
         raise SandboxError("bubblewrap is missing: script/setup installs it (package bubblewrap)")
@@ -276,7 +302,7 @@ def isolation(share_net: bool = False) -> tuple[str, ...]:
     identity += [word for name in CAPABILITIES for word in ("--cap-add", name)]
     reason = ""
     for namespaces in _ISOLATIONS:
-        options = tuple(identity + [n for n in namespaces if not (share_net and n == "--unshare-net")])
+        options = tuple(identity + namespaces)
         trial = subprocess.run(["bwrap", *options, "--ro-bind", "/", "/", "--proc", "/proc", "--dev", "/dev", "true"],
                                stdin=subprocess.DEVNULL, capture_output=True, text=True)
         if trial.returncode == 0:
@@ -285,3 +311,28 @@ def isolation(share_net: bool = False) -> tuple[str, ...]:
     advice = ("run it in a container that may mount (privileged, or with CAP_SYS_ADMIN)" if os.geteuid() == 0 else
               "allow user namespaces (sysctl kernel.unprivileged_userns_clone=1, or an AppArmor rule for bwrap), or run it as root")
     raise SandboxError(f"bubblewrap cannot mount a router's root here: {reason}\nTo help it: {advice}")
+
+
+def has_own_network() -> bool:
+    return "--unshare-net" in isolation()
+
+
+def find_program(bwrap_pid: int, name: str) -> int | None:
+    """The process id, on the machine, of a program that runs below a bubblewrap process."""
+    for pid in _descendants(bwrap_pid):
+        try:
+            if os.path.basename(os.readlink(f"/proc/{pid}/exe")) == name:
+                return pid
+        except OSError:
+            continue
+    return None
+
+
+def _descendants(pid: int) -> list[int]:
+    children = []
+    for task in Path(f"/proc/{pid}/task").glob("*/children"):
+        try:
+            children += [int(child) for child in task.read_text().split()]
+        except OSError:
+            pass
+    return children + [grandchild for child in children for grandchild in _descendants(child)]

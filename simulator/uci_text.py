@@ -100,3 +100,22 @@ def find(sections: list[Section], name: str) -> Section | None:
         return of_type[int(place[2])]
     except IndexError:
         return None
+
+
+def assign(sections: list[Section], address: str, value: str | list[str] | None) -> None:
+    """Sets "package.section.option", or makes "package.section" a named section of type `value`; None takes it away."""
+    _, section_name, *option = address.split(".", 2)
+    section = find(sections, section_name)
+    if option:
+        if section is None:
+            raise KeyError(f"{address}: there is no such section; assigning its type to it makes it")
+        if value is None:
+            section.options.pop(option[0], None)
+        else:
+            section.options[option[0]] = value
+    elif value is None:
+        sections[:] = [other for other in sections if other is not section]
+    elif section is not None:
+        section.type = str(value)
+    else:
+        sections.append(Section(str(value), section_name))

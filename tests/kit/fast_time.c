@@ -15,6 +15,7 @@
 #include <unistd.h>
 
 static const long kMomentNs = 1000000;
+static const long long kGrainNs = 50000000;
 
 // The programs that the program under test starts bring their own time.
 __attribute__((constructor)) static void keep_to_this_process(void) { unsetenv("LD_PRELOAD"); }
@@ -71,9 +72,9 @@ int clock_nanosleep(clockid_t clock, int flags, const struct timespec* wanted, s
     clock_gettime(clock, &now);
     long long nanoseconds = (long long)(wait.tv_sec - now.tv_sec) * 1000000000 + (wait.tv_nsec - now.tv_nsec);
     if (nanoseconds < 0) nanoseconds = 0;
-    nanoseconds = (nanoseconds + 500000000) / 1000000000 * 1000000000;  // what was asked for, not what is left of it
+    nanoseconds = (nanoseconds + kGrainNs / 2) / kGrainNs * kGrainNs;  // what was asked for, not what is left of it
     wait.tv_sec = (time_t)(nanoseconds / 1000000000);
-    wait.tv_nsec = 0;
+    wait.tv_nsec = (long)(nanoseconds % 1000000000);
   }
   keep("sleep", wait.tv_sec, wait.tv_nsec);
   take_a_moment();

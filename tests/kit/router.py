@@ -20,6 +20,7 @@ import time
 from dataclasses import dataclass
 from pathlib import Path
 
+import pytest
 import sandbox
 import uci_text
 
@@ -33,6 +34,13 @@ _POLL_S = 0.005
 _JWE_ENCRYPT = ["jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c"]
 _JWE_DECRYPT = ["jwe", "dec", "-i-", "-p"]
 _JWE_MARK = b"jwe."
+
+# What a tool answers when no test says otherwise: jose to its two argument lists, and to nothing else.
+_BUILT_IN_RULES = {"jose": [
+    {"args": _JWE_ENCRYPT, "exact": True, "answers": [{"jose": "encrypt"}]},
+    {"args": _JWE_DECRYPT, "exact": True, "answers": [{"jose": "decrypt"}]},
+    {"args": [], "answers": [{"exit": 1}]},
+]}
 
 # Reports go to files: a daemonised child has no standard error left.
 SANITIZER_OPTIONS = {
@@ -125,33 +133,38 @@ class Router:
     """Prepare (brand, config, set, write, tool), ask (get, post, fcgi), look (option, calls, log, read)."""
 
     def __init__(self, factory: bool = True, brand: str = "orvane", mode: str = "router"):
-        self.directory = Path(tempfile.mkdtemp(prefix="router-"))
+        stand_in = program("STAND_IN_BIN")
+        if stand_in is None:
+            raise RuntimeError("STAND_IN_BIN is not set: run the tests through ctest or script/test")
+        sandbox.isolation()  # says what the machine lacks, before anything is made
         self.real_time = False  # True: waits take their time and are not kept as calls
         self.environment: dict[str, str] = {}
         self._process: subprocess.Popen | None = None
         self._ended = False
         self._rules: dict[str, list[dict]] = {}
         self._uses = 0
-        stand_in = program("STAND_IN_BIN")
-        if stand_in is None:
-            raise RuntimeError("STAND_IN_BIN is not set: run the tests through ctest or script/test")
+        self.directory = Path(tempfile.mkdtemp(prefix="router-"))
+        try:
+            self._build_root(stand_in, factory, brand, mode)
+        except BaseException:
+            shutil.rmtree(self.directory)
+            raise
+
+    def _build_root(self, stand_in: Path, factory: bool, brand: str, mode: str) -> None:
         self.root = sandbox.Root(self.directory, stand_in)
         self.root.prepare(brand=brand, mode=mode, packages=factory)
         for name in ("jose", "passwd"):
             self.root.record_stdin(name)
-        self._rules["jose"] = [
-            {"args": _JWE_ENCRYPT, "exact": True, "answers": [{"jose": "encrypt"}]},
-            {"args": _JWE_DECRYPT, "exact": True, "answers": [{"jose": "decrypt"}]},
-            {"args": [], "answers": [{"exit": 1}]},
-        ]
         self._write_rules("jose")
         if (uci := program("UCI_BIN")) is not None:
             self.root.real_tool("uci", uci)
-        self._log = _Log(self.directory / "log.sock")
-        self.root.mount(self.directory / "log.sock", "/dev/log")
+        self.write("/router/console", "")
+        self.root.mount(self.root.path("/router/console"), "/dev/console", writable=True)
         self._listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
         self._listener.bind(str(self.directory / "fcgi.sock"))
         self._listener.listen(64)
+        self.root.mount(self.directory / "log.sock", "/dev/log")
+        self._log = _Log(self.directory / "log.sock")
 
     # Prepare.
 
@@ -171,23 +184,8 @@ class Router:
     def set(self, address: str, value: str | int | list | None) -> None:
         """set("network.lan.ipaddr", "1.2.3.4"), set("network.lan.dns", ["a", "b"]) for a list, None to take it away;
         set("network.lan", "interface") makes a named section, set("network.lan", None) takes it away."""
-        package, section_name, *option = address.split(".", 2)
-        sections = self.package(package)
-        section = uci_text.find(sections, section_name)
-        if not option:
-            if section is not None and value is None:
-                sections.remove(section)
-            elif section is not None:
-                section.type = str(value)
-            elif value is not None:
-                sections.append(uci_text.Section(str(value), section_name))
-        else:
-            assert section is not None, f"{package}.{section_name} does not exist; set(\"{package}.{section_name}\", type) makes it"
-            if value is None:
-                section.options.pop(option[0], None)
-            else:
-                section.options[option[0]] = [str(v) for v in value] if isinstance(value, list) else str(value)
-        self.config(package, uci_text.render(sections))
+        plain = [str(v) for v in value] if isinstance(value, list) else None if value is None else str(value)
+        self.root.set_options({address: plain})
 
     def add(self, package: str, type: str, name: str | None = None, **options: str | int | list) -> None:
         """Appends a section, anonymous without a name: add("dhcp", "host", ip="192.168.1.5", mac="...")."""
@@ -232,13 +230,22 @@ class Router:
                    for answer in [first, *(then or [])]]
         self._uses += 1
         rule = {"args": list(args), "exact": exact, "stdin": stdin, "answers": answers, "id": str(self._uses)}
-        rules = [r for r in self._rules.get(tool, []) if (r["args"], r.get("exact", False)) != (rule["args"], exact)]
+        rules = [r for r in self._rules.get(tool, []) if (r["args"], r["exact"]) != (rule["args"], exact)]
         rules.append(rule)
-        rules.sort(key=lambda r: (-len(r["args"]), not r.get("exact", False)))
-        if tool == "jose" and not args:
-            rules = [rule]
+        rules.sort(key=lambda r: (-len(r["args"]), not r["exact"]))
         self._rules[tool] = rules
         self._write_rules(tool)
+
+    def network_device(self, name: str, address: str | None = None, mac: str | None = None) -> None:
+        """Gives the router a network device that the kernel knows, up, with an address like "192.168.0.1/24". Skips the
+        test where the machine gives a sandbox no network of its own."""
+        if not sandbox.has_own_network():
+            pytest.skip("this machine gives a sandbox no network of its own")
+        self.root.add_device(name, mac=mac, address=address)
+
+    def neighbour(self, address: str, mac: str, device: str = "br-lan", state: str = "permanent") -> None:
+        """A row of /proc/net/arp, of a device made with network_device()."""
+        self.root.add_neighbour(address, mac, device, state)
 
     def record(self, *tools: str) -> None:
         """Keeps the calls of real tools (rm, cp, mv, tar, ...) too; they still do their work."""
@@ -249,7 +256,7 @@ class Router:
             self.root.link(f"/router/tools/{tool}", real)
 
     def _write_rules(self, tool: str) -> None:
-        self.root.answers(tool, self._rules[tool])
+        self.root.answers(tool, self._rules.get(tool, []) + _BUILT_IN_RULES.get(tool, []))
 
     # Ask.
 
@@ -270,9 +277,12 @@ class Router:
                                              stdin=self._listener, stdout=stderr, stderr=stderr)
 
     def run(self, *argv: str, input: str | bytes = "", environment: dict[str, str] | None = None) -> subprocess.CompletedProcess:
-        """Runs a command of the router to its end: run("uci", "get", "network.lan.ipaddr").stdout."""
-        return subprocess.run(self.root.command(list(argv), environment), input=sandbox.to_bytes(input).decode("latin-1"),
-                              capture_output=True, encoding="latin-1", timeout=DEADLINE_S)
+        """Runs a command of the router to its end: run("uci", "get", "network.lan.ipaddr").stdout. Output that is not
+        UTF-8 comes as lone surrogates."""
+        done = subprocess.run(self.root.command(list(argv), environment), input=sandbox.to_bytes(input),
+                              capture_output=True, timeout=DEADLINE_S)
+        texts = (stream.decode("utf-8", "surrogateescape") for stream in (done.stdout, done.stderr))
+        return subprocess.CompletedProcess(done.args, done.returncode, *texts)
 
     def get(self, uri: str, **params: str) -> Answer:
         return self.fcgi({"REQUEST_METHOD": "GET", "REQUEST_URI": uri, **params})
@@ -364,6 +374,10 @@ class Router:
         """Whether a message holds `text` (at this priority: 3 error, 7 debug)."""
         return any(text in line.text and priority in (None, line.priority) for line in self.log())
 
+    def console(self) -> str:
+        """What was written to /dev/console."""
+        return self.read("/router/console") or ""
+
     def stderr(self) -> str:
         try:
             return (self.directory / "stderr").read_bytes().decode("utf-8", "surrogateescape")
@@ -372,17 +386,20 @@ class Router:
 
     def alive(self) -> bool:
         """The program runs and answers."""
-        return self._process is not None and self._process.poll() is None and \
-            self.fcgi({"REQUEST_METHOD": "PUT", "REQUEST_URI": "/"}).text == "Not Found"
+        return self.alive_process() and self.fcgi({"REQUEST_METHOD": "PUT", "REQUEST_URI": "/"}).text == "Not Found"
+
+    def alive_process(self) -> bool:
+        """The program runs, whether it answers or not."""
+        return self._process is not None and self._process.poll() is None
 
     def pid(self) -> int:
         """The program's process id on the machine (for /proc/<pid>/fd and the like)."""
         self.start()
         end = time.monotonic() + DEADLINE_S
         while time.monotonic() < end:
-            for pid in _descendants(self._process.pid):
-                if os.path.basename(_exe(pid)) == program("ROUTER_API_BIN").name:
-                    return pid
+            pid = sandbox.find_program(self._process.pid, program("ROUTER_API_BIN").name)
+            if pid is not None:
+                return pid
             time.sleep(_POLL_S)
         raise AssertionError(f"the program does not run\n{self.report()}")
 
@@ -402,7 +419,7 @@ class Router:
     def report(self) -> str:
         """What to show when something failed."""
         return "\n".join(["calls:", *(f"  {c}" for c in self.commands()), "log:", *(f"  {line.raw}" for line in self.log()),
-                          "stderr:", self.stderr()[-4000:]])
+                          "stderr:", self.stderr()[-4000:], self.sanitizer_report()[-8000:]])
 
     # End.
 
@@ -437,10 +454,15 @@ class Router:
                 assert status == 0, f"the program ended with {status}\n{self.report()}"
             assert self.sanitizer_report() == "", f"a sanitizer reports:\n{self.sanitizer_report()}"
         finally:
-            self.kill()
+            self.discard()
+
+    def discard(self) -> None:
+        """Ends the root and removes it, whatever the program did in it."""
+        self.kill()
+        if self.directory.exists():
             self._listener.close()
             self._log.close()
-            shutil.rmtree(self.directory, ignore_errors=True)
+            shutil.rmtree(self.directory)
 
 
 def body_bytes(body) -> bytes:
@@ -454,23 +476,6 @@ def body_bytes(body) -> bytes:
 
 def _escaped(content: str | bytes) -> str:
     return content.decode("utf-8", "surrogateescape") if isinstance(content, bytes) else content
-
-
-def _descendants(pid: int) -> list[int]:
-    children = []
-    for task in Path(f"/proc/{pid}/task").glob("*/children"):
-        try:
-            children += [int(child) for child in task.read_text().split()]
-        except (FileNotFoundError, ProcessLookupError):
-            pass
-    return children + [grandchild for child in children for grandchild in _descendants(child)]
-
-
-def _exe(pid: int) -> str:
-    try:
-        return os.readlink(f"/proc/{pid}/exe")
-    except OSError:
-        return ""
 
 
 class _Log:

@@ -27,3 +27,9 @@ def _router(router):
         yield router
     finally:
         router.finish()
+
+
+def pytest_sessionfinish(session, exitstatus):
+    """A filter that leaves nothing of this set over is no failure."""
+    if exitstatus == pytest.ExitCode.NO_TESTS_COLLECTED and session.config.option.keyword:
+        session.exitstatus = pytest.ExitCode.OK

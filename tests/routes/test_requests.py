@@ -9,6 +9,8 @@ import pytest
 from kit import HOSTILE, decrypt, encrypt, fastcgi
 
 LAN = "/api/v1/lan"
+DECRYPT = ("jwe", "dec", "-i-", "-p")
+ENCRYPT = ("jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c")
 
 
 def post_params(length: str | None, uri: str = LAN) -> dict:
@@ -99,9 +101,9 @@ def test_a_client_that_does_not_read_its_answer_harms_no_other(router):
 def test_jose_is_started_with_these_arguments_and_the_text_on_its_input(router):
     router.post(LAN, "[]")
     decryption, encryption = router.calls("jose")
-    assert decryption.args == ("jwe", "dec", "-i-", "-p")
+    assert decryption.args == DECRYPT
     assert decryption.stdin == encrypt(b"[]").decode()
-    assert encryption.args == ("jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c")
+    assert encryption.args == ENCRYPT
     assert encryption.stdin == '{"result": 1}'
 
 
@@ -117,7 +119,7 @@ def test_a_body_of_any_text_can_only_fail_to_decrypt(router, text):
 
 
 def test_a_plaintext_counts_whatever_the_exit_status(router):
-    router.tool("jose", "jwe", "dec", out="[]", exit=1)
+    router.tool("jose", *DECRYPT, exact=True, out="[]", exit=1)
     assert router.post(LAN, "x").json == {"result": 1}
     assert router.logged("jose printed 2 bytes and ended with status 1", priority=3)
 
@@ -129,25 +131,25 @@ def test_a_missing_jose_is_a_decrypt_error(router):
 
 
 def test_an_answer_that_cannot_be_encrypted_is_a_plain_result_1(router):
-    router.tool("jose", "jwe", "enc", exit=1)
+    router.tool("jose", *ENCRYPT, exact=True, exit=1)
     a = router.get(LAN)
     assert not a.encrypted and a.body == b'{"result": 1}'
     assert router.logged("Failed to allocate memory for jwe_str.", priority=3)
 
 
 def test_an_answer_keeps_what_jose_printed_trailing_newline_included(router):
-    router.tool("jose", "jwe", "enc", out="jwe.e30\n")
+    router.tool("jose", *ENCRYPT, exact=True, out="jwe.e30\n")
     assert router.get(LAN).body == b"jwe.e30\n"
 
 
 def test_a_ciphertext_with_percent_signs_is_no_format(router):
-    router.tool("jose", "jwe", "enc", out="%s%n%d%%")
+    router.tool("jose", *ENCRYPT, exact=True, out="%s%n%d%%")
     assert router.get(LAN).body == b"%s%n%d%%"
 
 
 def test_a_ciphertext_of_3_megabytes_comes_whole(router):
     text = "x" * (3 * 1024 * 1024)
-    router.tool("jose", "jwe", "enc", out=text)
+    router.tool("jose", *ENCRYPT, exact=True, out=text)
     assert router.get(LAN).body == text.encode()
 
 

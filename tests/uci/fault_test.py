@@ -1,0 +1,121 @@
+#!/usr/bin/python3
+"""fault_test.py UCI FAULTY_IO: breaks every writing call of a set and of a commit in turn.
+
+Whatever breaks, the package file is the old one or the new one, whole and with its mode. An error that is reported
+leaves the changes staged, and the next commit, with a disk that works again, brings them in.
+"""
+
+import os
+import stat
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+DEADLINE_S = 30
+SECTIONS = 40
+OLD = "".join(f"\nconfig thing 's{i}'\n\toption value '{'x' * 200}'\n" for i in range(SECTIONS)) + "\n"
+NEW = OLD.replace("x" * 200, "y" * 200, 1)
+KINDS = ("error", "short", "kill")
+
+
+class Bench:
+    """A package folder, a staging folder, and `uci` commands on them, sound or broken."""
+
+    def __init__(self, uci: str, shim: str, top: str):
+        self.uci, self.shim = uci, shim
+        self.top = Path(top)
+        self.conf, self.save, self.count = self.top / "watched/conf", self.top / "watched/save", self.top / "count"
+
+    def reset(self) -> None:
+        for folder in (self.conf, self.save):
+            folder.mkdir(parents=True, exist_ok=True)
+            for path in folder.iterdir():
+                path.unlink()
+        (self.conf / "pkg").write_text(OLD)
+        os.chmod(self.conf / "pkg", 0o640)
+
+    def run(self, *words: str, at: int | None = None, kind: str = "error") -> subprocess.CompletedProcess:
+        environment = dict(os.environ)
+        if at is not None:
+            options = environment.get("ASAN_OPTIONS", "")
+            environment |= {"LD_PRELOAD": self.shim, "FAULT_AT": str(at), "FAULT_KIND": kind,
+                            "FAULT_BELOW": str(self.top / "watched"), "FAULT_COUNT_FILE": str(self.count),
+                            "ASAN_OPTIONS": f"{options}:verify_asan_link_order=0:detect_leaks=0"}
+        self.count.write_text("0")
+        return subprocess.run([self.uci, "-c", str(self.conf), "-t", str(self.save), *words], env=environment,
+                              capture_output=True, text=True, timeout=DEADLINE_S, check=False)
+
+    def calls(self) -> int:
+        return int(self.count.read_text() or "0")
+
+    def package(self) -> str:
+        return (self.conf / "pkg").read_text()
+
+    def staged(self) -> str:
+        return self.run("changes", "pkg").stdout
+
+
+def check(condition: bool, what: str) -> None:
+    if not condition:
+        raise AssertionError(what)
+
+
+def check_sound_again(bench: Bench, where: str) -> None:
+    """With a disk that works, what was asked for can be had."""
+    check(bench.run("set", f"pkg.s0.value={'y' * 200}").returncode == 0, f"{where}: cannot set again")
+    done = bench.run("commit", "pkg")
+    check(done.returncode == 0 and bench.package() == NEW, f"{where}: cannot commit again: {done.stderr}")
+
+
+def break_commit(bench: Bench, at: int, kind: str) -> bool:
+    """One broken commit; False when there is no call number `at`."""
+    where = f"commit, {kind} at call {at}"
+    bench.reset()
+    check(bench.run("set", f"pkg.s0.value={'y' * 200}").returncode == 0, f"{where}: cannot set")
+    done = bench.run("commit", "pkg", at=at, kind=kind)
+    if bench.calls() < at:
+        check(done.returncode == 0 and bench.package() == NEW, f"{where}: a sound commit failed: {done.stderr}")
+        return False
+    check(bench.package() in (OLD, NEW), f"{where}: the package is neither the old nor the new one")
+    check(stat.S_IMODE((bench.conf / "pkg").stat().st_mode) == 0o640, f"{where}: the mode changed")
+    check(done.returncode != 0, f"{where}: reported as success")
+    if kind != "kill":
+        check("I/O error" in done.stderr, f"{where}: told as {done.stderr!r}")
+        check(os.listdir(bench.conf) == ["pkg"], f"{where}: left {os.listdir(bench.conf)}")
+    check(bench.package() == NEW or "pkg.s0.value=" in bench.staged(), f"{where}: the staged change is lost")
+    check_sound_again(bench, where)
+    return True
+
+
+def break_set(bench: Bench, at: int, kind: str) -> bool:
+    where = f"set, {kind} at call {at}"
+    bench.reset()
+    check(bench.run("set", "pkg.s1.value=kept").returncode == 0, f"{where}: cannot set")
+    done = bench.run("set", f"pkg.s0.value={'y' * 200}", at=at, kind=kind)
+    if bench.calls() < at:
+        return False
+    check(bench.package() == OLD, f"{where}: the package changed")
+    check(done.returncode != 0, f"{where}: reported as success")
+    check("pkg.s1.value='kept'" in bench.staged(), f"{where}: an earlier change is lost")
+    check("pkg.s0.value" not in bench.staged() or kind == "kill", f"{where}: half a change is staged")
+    return True
+
+
+def main() -> int:
+    broken = 0
+    with tempfile.TemporaryDirectory(prefix="uci-faults-") as top:
+        bench = Bench(sys.argv[1], sys.argv[2], top)
+        for kind in KINDS:
+            for action in (break_commit, break_set):
+                at = 1
+                while action(bench, at, kind):
+                    at += 1
+                check(at > 1, f"{action.__name__}: no call was broken")
+                broken += at - 1
+    print(f"{broken} broken calls, none lost anything")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

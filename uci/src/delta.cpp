@@ -1,0 +1,175 @@
+// Reading, writing and applying of change records.
+#include "delta.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <optional>
+
+#include "edit.h"
+#include "package_parser.h"
+#include "text.h"
+#include "tuple.h"
+#include "words.h"
+
+namespace uci {
+namespace {
+
+std::optional<uci_command> command_of_letter(char letter) {
+  for (int command = 0; command < __UCI_CMD_MAX; ++command) {
+    if (letter != '\0' && uci_command_char[command] == letter) return static_cast<uci_command>(command);
+  }
+  return std::nullopt;
+}
+
+bool is_valid_record(uci_command command, const uci_ptr& ptr, std::string_view package) {
+  if (package != ptr.package || ptr.section == nullptr || (ptr.flags & uci_ptr::UCI_LOOKUP_EXTENDED) != 0) return false;
+  if (command == UCI_CMD_REMOVE) return true;
+  if (ptr.value == nullptr) return false;
+  const bool names_type = ptr.option == nullptr && *ptr.value != '\0';
+  switch (command) {
+    case UCI_CMD_ADD:
+    case UCI_CMD_CHANGE:
+      return !names_type || is_type(ptr.value);
+    case UCI_CMD_REORDER:
+      return ptr.option == nullptr;
+    case UCI_CMD_RENAME:
+      return is_name(ptr.value);
+    case UCI_CMD_LIST_ADD:
+    case UCI_CMD_LIST_DEL:
+      return ptr.option != nullptr;
+    default:
+      return true;
+  }
+}
+
+// A line of one word: an optional letter and a tuple. `text` keeps what the record points into.
+std::optional<Record> parse_record(std::string& text, std::string_view package) {
+  if (text.empty()) return std::nullopt;
+  const std::optional<uci_command> letter = command_of_letter(text[0]);
+  const uci_command command = letter.value_or(UCI_CMD_CHANGE);
+  uci_ptr ptr{};
+  try {
+    split_tuple(ptr, text.data() + (letter ? 1 : 0));
+  } catch (const Failure&) {
+    return std::nullopt;
+  }
+  if (!is_valid_record(command, ptr, package)) return std::nullopt;
+  return Record{command, ptr.section, ptr.option, ptr.value};
+}
+
+// The functions below apply a record; false when what it names is gone.
+
+bool remove(uci_section& section, const Record& record) {
+  if (record.option == nullptr) {
+    free_section(&section);
+    return true;
+  }
+  uci_option* option = find_option(section, record.option);
+  if (option == nullptr) return false;
+  const bool is_item = option->type == UCI_TYPE_LIST && record.value != nullptr && *record.value != '\0';
+  if (is_item) {
+    remove_item_at(*option, std::atoi(record.value));
+  } else {
+    free_option(option);
+  }
+  return true;
+}
+
+bool rename(uci_section& section, const Record& record) {
+  if (record.option == nullptr) {
+    section.anonymous = false;
+    replace_text(section.e.name, record.value);
+    return true;
+  }
+  uci_option* option = find_option(section, record.option);
+  if (option != nullptr) replace_text(option->e.name, record.value);
+  return option != nullptr;
+}
+
+bool remove_from_list(uci_section& section, const Record& record) {
+  uci_option* option = find_option(section, record.option);
+  if (option == nullptr || option->type != UCI_TYPE_LIST) return false;
+  remove_items(*option, record.value);
+  return true;
+}
+
+bool apply_to_section(uci_section& section, const Record& record) {
+  switch (record.command) {
+    case UCI_CMD_REMOVE:
+      return remove(section, record);
+    case UCI_CMD_RENAME:
+      return rename(section, record);
+    case UCI_CMD_LIST_DEL:
+      return remove_from_list(section, record);
+    case UCI_CMD_REORDER:
+      move_section(section, std::atoi(record.value));
+      return true;
+    case UCI_CMD_LIST_ADD:
+      add_item(section, record.option, record.value);
+      return true;
+    default:
+      set_string(section, record.option, record.value);
+      return true;
+  }
+}
+
+bool apply(uci_package& package, const Record& record) {
+  const bool sets = record.command == UCI_CMD_CHANGE || record.command == UCI_CMD_ADD;
+  if (sets && *record.value == '\0') return apply(package, {UCI_CMD_REMOVE, record.section, record.option, nullptr});
+  if (sets && record.option == nullptr) {
+    uci_section* section = set_section(package, record.section, record.value);
+    if (record.command == UCI_CMD_ADD) section->anonymous = true;
+    return true;
+  }
+  uci_section* section = find_section(package, record.section);
+  return section != nullptr && apply_to_section(*section, record);
+}
+
+}  // namespace
+
+std::string format_record(std::string_view package, const Record& record) {
+  std::string line;
+  if (const char letter = uci_command_char[record.command]; letter != '\0') line += letter;
+  ((line += package) += '.') += record.section;
+  if (record.option != nullptr) (line += '.') += record.option;
+  if (record.value != nullptr) (line += '=') += quoted(record.value);
+  return line += '\n';
+}
+
+Record record_of(const uci_delta& delta) { return {delta.cmd, delta.section, delta.e.name, delta.value}; }
+
+int read_records(std::FILE* stream, std::string_view package, const std::function<void(const Record&)>& use) {
+  WordReader words(stream);
+  int count = 0;
+  bool has_other_lines = false;
+  while (true) {
+    try {
+      if (!words.next_line()) break;
+      std::optional<std::string> text = words.word();
+      if (!text) continue;
+      const bool alone = words.word().value_or("").empty();
+      const std::optional<Record> record = alone ? parse_record(*text, package) : std::nullopt;
+      has_other_lines |= !record;
+      if (!record) continue;
+      use(*record);
+      ++count;
+    } catch (const WordError&) {
+      has_other_lines = true;
+    }
+  }
+  return has_other_lines ? -1 - count : count;
+}
+
+int apply_records(std::FILE* stream, uci_package& package) {
+  const bool note = (package.ctx->flags & UCI_FLAG_SAVED_DELTA) != 0;
+  int applied = 0;
+  read_records(stream, package.e.name, [&](const Record& record) {
+    if (note) new_delta(package.saved_delta, record.command, record.section, record.option, record.value);
+    if (apply(package, record)) ++applied;
+  });
+  return applied;
+}
+
+}  // namespace uci
+
+extern "C" char const uci_command_char[] = {'+', '-', '\0', '@', '^', '|', '~'};

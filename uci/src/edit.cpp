@@ -1,0 +1,219 @@
+// The editing functions: change an element, record the change.
+#include "edit.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "context.h"
+#include "package_parser.h"
+#include "tuple.h"
+
+namespace uci {
+namespace {
+
+void record(uci_package& package, uci_command command, std::string_view section, const char* option,
+            const char* value) {
+  if (package.has_delta) new_delta(package.delta, command, section, option, value);
+}
+
+void require(bool condition, int code) {
+  if (!condition) throw Failure{code};
+}
+
+bool is_empty(const char* text) { return text == nullptr || *text == '\0'; }
+
+// Looks `ptr` up and requires a value and a section.
+void resolve_with_value(uci_context& context, uci_ptr& ptr) {
+  resolve(context, ptr);
+  require(ptr.value != nullptr && ptr.section != nullptr, UCI_ERR_INVAL);
+}
+
+// Deleting with a value: an item of a list by its index. True when that is what was asked for.
+bool delete_item(uci_ptr& ptr) {
+  if (ptr.o == nullptr || ptr.o->type != UCI_TYPE_LIST || is_empty(ptr.value)) return false;
+  char* end = nullptr;
+  const long index = std::strtol(ptr.value, &end, 10);
+  if (end == ptr.value) throw Failure{1};  // a bare 1, which callers of the command know as its exit status
+  if (remove_item_at(*ptr.o, static_cast<int>(index))) {
+    record(*ptr.p, UCI_CMD_REMOVE, ptr.section, ptr.option, std::to_string(index).c_str());
+  }
+  return true;
+}
+
+void delete_found(uci_ptr& ptr) {
+  if (delete_item(ptr)) return;
+  record(*ptr.p, UCI_CMD_REMOVE, ptr.s->e.name, ptr.o != nullptr ? ptr.o->e.name : nullptr, nullptr);
+  if (ptr.o != nullptr) {
+    free_option(ptr.o);
+    ptr.o = nullptr;
+    ptr.last = &ptr.s->e;
+    return;
+  }
+  free_section(ptr.s);
+  ptr.s = nullptr;
+  ptr.last = &ptr.p->e;
+}
+
+void set_empty(uci_ptr& ptr) {
+  const bool found = ptr.option != nullptr ? ptr.o != nullptr : ptr.s != nullptr;
+  if (found) {
+    ptr.value = nullptr;
+    delete_found(ptr);
+    return;
+  }
+  require(ptr.option == nullptr || ptr.s != nullptr, UCI_ERR_INVAL);
+}
+
+void set_option(uci_ptr& ptr) {
+  require(ptr.s != nullptr, UCI_ERR_INVAL);
+  const bool same = ptr.o != nullptr && ptr.o->type == UCI_TYPE_STRING && std::strcmp(ptr.o->v.string, ptr.value) == 0;
+  if (same) return;
+  record(*ptr.p, UCI_CMD_CHANGE, ptr.section, ptr.option, ptr.value);
+  ptr.o = set_string(*ptr.s, ptr.option, ptr.value);
+}
+
+void set_section_type(uci_ptr& ptr) {
+  require(is_type(ptr.value), UCI_ERR_INVAL);
+  if (ptr.s != nullptr && std::strcmp(ptr.s->type, ptr.value) == 0) return;
+  record(*ptr.p, UCI_CMD_CHANGE, ptr.section, nullptr, ptr.value);
+  ptr.s = set_section(*ptr.p, ptr.section, ptr.value);
+}
+
+}  // namespace
+
+uci_option* set_string(uci_section& section, std::string_view name, std::string_view value) {
+  uci_option* option = find_option(section, name);
+  if (option == nullptr) return new_string(section, name, value);
+  make_string(*option, value);
+  return option;
+}
+
+uci_section* set_section(uci_package& package, std::string_view name, std::string_view type) {
+  uci_section* section = find_section(package, name);
+  if (section == nullptr) return new_section(package, type, std::string(name).c_str());
+  if (std::strlen(section->type) != type.size()) section->anonymous = false;
+  replace_text(section->type, type);
+  return section;
+}
+
+uci_option* add_item(uci_section& section, std::string_view name, std::string_view value) {
+  uci_option* option = find_option(section, name);
+  if (option == nullptr) option = new_list(section, name);
+  make_list(*option);
+  append_item(*option, value);
+  return option;
+}
+
+void remove_items(uci_option& option, std::string_view value) {
+  uci_element* item = nullptr;
+  uci_element* next = nullptr;
+  uci_foreach_element_safe(&option.v.list, next, item) {
+    if (value == item->name) free_element(item);
+  }
+}
+
+bool remove_item_at(uci_option& option, int index) {
+  uci_element* item = nullptr;
+  uci_foreach_element(&option.v.list, item) {
+    if (index-- != 0) continue;
+    free_element(item);
+    return true;
+  }
+  return false;
+}
+
+bool move_section(uci_section& section, int index) {
+  uci_list& sections = section.package->sections;
+  uci_list* const next_before = section.e.list.next;
+  list_remove(section.e.list);
+  uci_list* target = sections.next;
+  while (target != &sections && index-- > 0) target = target->next;
+  list_insert(*target, section.e.list);
+  return section.e.list.next != next_before;
+}
+
+}  // namespace uci
+
+using uci::Failure;
+using uci::guarded;
+
+extern "C" {
+
+int uci_set(uci_context* ctx, uci_ptr* ptr) {
+  return guarded(ctx, [&](uci_context& context) {
+    uci::require(ptr != nullptr, UCI_ERR_INVAL);
+    uci::resolve_with_value(context, *ptr);
+    if (*ptr->value == '\0') {
+      uci::set_empty(*ptr);
+    } else if (ptr->option != nullptr) {
+      uci::set_option(*ptr);
+    } else {
+      uci::set_section_type(*ptr);
+    }
+  });
+}
+
+int uci_add_list(uci_context* ctx, uci_ptr* ptr) {
+  return guarded(ctx, [&](uci_context& context) {
+    uci::require(ptr != nullptr, UCI_ERR_INVAL);
+    uci::resolve_with_value(context, *ptr);
+    uci::require(ptr->s != nullptr && ptr->option != nullptr, UCI_ERR_INVAL);
+    uci::record(*ptr->p, UCI_CMD_LIST_ADD, ptr->section, ptr->option, ptr->value);
+    ptr->o = uci::add_item(*ptr->s, ptr->option, ptr->value);
+  });
+}
+
+int uci_del_list(uci_context* ctx, uci_ptr* ptr) {
+  return guarded(ctx, [&](uci_context& context) {
+    uci::require(ptr != nullptr, UCI_ERR_INVAL);
+    uci::resolve_with_value(context, *ptr);
+    uci::require(ptr->s != nullptr, UCI_ERR_INVAL);
+    if (ptr->o == nullptr || ptr->o->type != UCI_TYPE_LIST) return;
+    uci::record(*ptr->p, UCI_CMD_LIST_DEL, ptr->section, ptr->option, ptr->value);
+    uci::remove_items(*ptr->o, ptr->value);
+  });
+}
+
+int uci_delete(uci_context* ctx, uci_ptr* ptr) {
+  const int result = guarded(ctx, [&](uci_context& context) {
+    uci::require(ptr != nullptr, UCI_ERR_INVAL);
+    uci::resolve(context, *ptr);
+    uci::require(ptr->section != nullptr, UCI_ERR_INVAL);
+    uci::require((ptr->flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0 && ptr->s != nullptr, UCI_ERR_NOTFOUND);
+    uci::delete_found(*ptr);
+  });
+  if (ctx != nullptr && result == 1) ctx->err = UCI_OK;
+  return result;
+}
+
+int uci_rename(uci_context* ctx, uci_ptr* ptr) {
+  return guarded(ctx, [&](uci_context& context) {
+    uci::require(ptr != nullptr, UCI_ERR_INVAL);
+    uci::resolve(context, *ptr);
+    uci::require((ptr->flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0, UCI_ERR_NOTFOUND);
+    uci::require(ptr->value != nullptr && ptr->s != nullptr, UCI_ERR_INVAL);
+    uci::record(*ptr->p, UCI_CMD_RENAME, ptr->s->e.name, ptr->o != nullptr ? ptr->o->e.name : nullptr, ptr->value);
+    if (ptr->o == nullptr) ptr->s->anonymous = false;
+    uci::replace_text(ptr->o != nullptr ? ptr->o->e.name : ptr->s->e.name, ptr->value);
+  });
+}
+
+int uci_add_section(uci_context* ctx, uci_package* p, const char* type, uci_section** res) {
+  return guarded(ctx, [&](uci_context&) {
+    uci::require(p != nullptr && type != nullptr && res != nullptr, UCI_ERR_INVAL);
+    *res = uci::new_section(*p, type, nullptr);
+    uci::record(*p, UCI_CMD_ADD, (*res)->e.name, nullptr, type);
+  });
+}
+
+int uci_reorder_section(uci_context* ctx, uci_section* s, int pos) {
+  return guarded(ctx, [&](uci_context&) {
+    uci::require(s != nullptr, UCI_ERR_INVAL);
+    if (uci::move_section(*s, pos)) {
+      uci::record(*s->package, UCI_CMD_REORDER, s->e.name, nullptr, std::to_string(pos).c_str());
+    }
+  });
+}
+
+}  // extern "C"

@@ -1,0 +1,21 @@
+// Changing of loaded packages. These change the elements; the public functions above them also record the change.
+#pragma once
+
+#include "elements.h"
+
+namespace uci {
+
+// The option, made or replaced in its place.
+uci_option* set_string(uci_section& section, std::string_view name, std::string_view value);
+// The named section, made or retyped.
+uci_section* set_section(uci_package& package, std::string_view name, std::string_view type);
+// The option, made or turned into a list, with the item appended.
+uci_option* add_item(uci_section& section, std::string_view name, std::string_view value);
+// Removes every item equal to `value`.
+void remove_items(uci_option& option, std::string_view value);
+// Removes the item of that index. False when there is none.
+bool remove_item_at(uci_option& option, int index);
+// Puts the section before the one that then has this index. False when it stood there already.
+bool move_section(uci_section& section, int index);
+
+}  // namespace uci

@@ -1,0 +1,306 @@
+// Loading, staging and committing of packages, all under the locks that the platform's other tools take.
+#include "package_file.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <sys/stat.h>
+#include <vector>
+
+#include "context.h"
+#include "delta.h"
+#include "locked_file.h"
+#include "package_parser.h"
+#include "text.h"
+#include "tuple.h"
+
+namespace uci {
+namespace {
+
+struct CloseStream {
+  void operator()(std::FILE* stream) const noexcept { std::fclose(stream); }
+};
+using Stream = std::unique_ptr<std::FILE, CloseStream>;
+
+struct FreePackage {
+  void operator()(uci_package* package) const noexcept { free_package(package); }
+};
+using PackagePtr = std::unique_ptr<uci_package, FreePackage>;
+
+constexpr mode_t kPermissions = 0777;
+
+bool is_path(std::string_view name) { return name.starts_with('/') || name.starts_with("./"); }
+
+struct Location {
+  std::string path;
+  std::string name;
+  bool has_delta = true;
+  bool uses_conf2 = false;
+};
+
+Location locate(const uci_context& context, std::string_view name) {
+  if (!is_type(name)) throw Failure{UCI_ERR_INVAL};
+  if (is_path(name)) return {std::string(name), std::string(name.substr(name.rfind('/') + 1)), false, false};
+  if (name.starts_with('.')) throw Failure{UCI_ERR_NOTFOUND};
+  const std::string conf2 = context.conf2dir == nullptr ? "" : std::string(context.conf2dir) + "/" + std::string(name);
+  struct stat status {};
+  if (!conf2.empty() && stat(conf2.c_str(), &status) == 0) return {conf2, std::string(name), true, true};
+  return {std::string(context.confdir) + "/" + std::string(name), std::string(name), true, false};
+}
+
+void require_readable(const LockedFile& file) {
+  if (!file.is_open()) throw Failure{errno == ENOENT || errno == ENOTDIR ? UCI_ERR_NOTFOUND : UCI_ERR_IO};
+  if (!file.is_regular()) throw Failure{UCI_ERR_NOTFOUND};
+}
+
+std::string delta_path(std::string_view directory, const uci_package& package) {
+  return std::string(directory) + "/" + package.e.name;
+}
+
+PackagePtr parse_file(uci_context& context, const Location& location, const LockedFile& file) {
+  PackagePtr package(new_package(context, location.name));
+  const Stream stream(file.read_stream());
+  parse_package(context, stream.get(), *package);
+  package->path = strdup(location.path.c_str());
+  package->has_delta = location.has_delta;
+  package->uses_conf2 = location.uses_conf2;
+  return package;
+}
+
+int apply_delta_file(const LockedFile& file, uci_package& package) {
+  if (!file.is_open()) return 0;
+  const Stream stream(file.read_stream());
+  return apply_records(stream.get(), package);
+}
+
+// Applies the delta files of all folders in their order. The one of the savedir is given when it is locked already.
+int apply_delta_files(uci_context& context, uci_package& package, const LockedFile* savedir_file) {
+  int count = 0;
+  uci_element* directory = nullptr;
+  uci_foreach_element(&context.delta_path, directory) {
+    if (savedir_file != nullptr && std::strcmp(directory->name, context.savedir) == 0) {
+      count += apply_delta_file(*savedir_file, package);
+    } else {
+      count += apply_delta_file(LockedFile(delta_path(directory->name, package), Lock::kShared), package);
+    }
+  }
+  return count;
+}
+
+// The savedir is made when it is missing, as the package folder is.
+void make_savedir(const uci_context& context) {
+  struct stat status {};
+  if (stat(context.savedir, &status) == 0) return;
+  const mode_t mode = stat(context.confdir, &status) == 0 ? status.st_mode & kPermissions : mode_t{UCI_DIRMODE};
+  mkdir(context.savedir, mode);
+}
+
+// The delta file of the savedir, made when there is something to put into it. Not open when there is none.
+LockedFile open_delta_file(const uci_context& context, const uci_package& package) {
+  if (uci_list_empty(&package.delta)) return LockedFile(delta_path(context.savedir, package), Lock::kExclusive);
+  make_savedir(context);
+  struct stat status {};
+  const std::string config = std::string(context.confdir) + "/" + package.e.name;
+  const mode_t mode = stat(config.c_str(), &status) == 0 ? status.st_mode & kPermissions : mode_t{UCI_FILEMODE};
+  LockedFile file(delta_path(context.savedir, package), Lock::kExclusive, true, mode);
+  if (!file.is_open() || !file.is_regular()) throw Failure{UCI_ERR_IO};
+  return file;
+}
+
+void append_pending(LockedFile& delta_file, uci_package& package) {
+  std::string text;
+  uci_element* element = nullptr;
+  uci_foreach_element(&package.delta, element) text += format_record(package.e.name, record_of(*uci_to_delta(element)));
+  if (text.empty()) return;
+  delta_file.append(text);
+  free_deltas(package.delta);
+}
+
+void link_package(uci_context& context, PackagePtr& package) { list_add_tail(context.root, package.release()->e.list); }
+
+// The file that a commit of this package goes to, locked. A vanished one is made, empty.
+LockedFile open_for_commit(const uci_package& package) {
+  LockedFile file(package.path, Lock::kExclusive, true, UCI_FILEMODE);
+  if (!file.is_open() || !file.is_regular()) throw Failure{UCI_ERR_IO};
+  return file;
+}
+
+void write_package(uci_package& package, const LockedFile& file) {
+  replace_file(package.path, format_package(package, false), file);
+}
+
+// Re-reads the file under its lock, applies all that is staged, writes it, and only then empties the delta file.
+void commit_with_delta(uci_context& context, uci_package*& handle) {
+  const LockedFile file = open_for_commit(*handle);
+  LockedFile delta_file = open_delta_file(context, *handle);
+  append_pending(delta_file, *handle);
+  const Location location{handle->path, handle->e.name, handle->has_delta, handle->uses_conf2};
+  PackagePtr fresh = parse_file(context, location, file);
+  if (apply_delta_files(context, *fresh, &delta_file) > 0) {
+    write_package(*fresh, file);
+    if (delta_file.is_open()) delta_file.truncate();
+    free_deltas(fresh->saved_delta);
+  }
+  free_package(handle);
+  handle = fresh.get();
+  link_package(context, fresh);
+}
+
+// The caller's own elements, with what is staged applied on top.
+void commit_overwriting(uci_context& context, uci_package& package) {
+  const LockedFile file = open_for_commit(package);
+  LockedFile delta_file = open_delta_file(context, package);
+  if (apply_delta_files(context, package, &delta_file) == 0) return;
+  write_package(package, file);
+  if (delta_file.is_open()) delta_file.truncate();
+  free_deltas(package.delta);
+  free_deltas(package.saved_delta);
+}
+
+void commit_from_memory(uci_package& package) {
+  write_package(package, open_for_commit(package));
+  free_deltas(package.delta);
+}
+
+void commit(uci_context& context, uci_package*& handle, bool overwrite) {
+  if (handle->path == nullptr) {
+    if (!overwrite) throw Failure{UCI_ERR_INVAL};
+    handle->path = strdup((std::string(context.confdir) + "/" + handle->e.name).c_str());
+    commit_from_memory(*handle);
+  } else if (!handle->has_delta) {
+    commit_from_memory(*handle);
+  } else if (overwrite) {
+    commit_overwriting(context, *handle);
+  } else {
+    commit_with_delta(context, handle);
+  }
+}
+
+bool is_reverted(const Record& record, const uci_ptr& ptr) {
+  if (ptr.section == nullptr) return true;
+  if (std::strcmp(record.section, ptr.section) != 0) return false;
+  return ptr.option == nullptr || (record.option != nullptr && std::strcmp(record.option, ptr.option) == 0);
+}
+
+// Keeps the records that are not reverted. A file that holds anything else is left alone.
+void filter_delta_file(uci_context& context, const uci_package& package, const uci_ptr& ptr) {
+  LockedFile file(delta_path(context.savedir, package), Lock::kExclusive);
+  if (!file.is_open()) return;
+  std::string kept;
+  const Stream stream(file.read_stream());
+  const int count = read_records(stream.get(), package.e.name, [&](const Record& record) {
+    if (!is_reverted(record, ptr)) kept += format_record(package.e.name, record);
+  });
+  if (count > 0) file.rewrite(kept);
+}
+
+void revert(uci_context& context, uci_ptr& ptr) {
+  resolve(context, ptr);
+  uci_package* package = ptr.p;
+  if (!package->has_delta) throw Failure{UCI_ERR_INVAL};
+  // The names may point into what is unloaded below.
+  const std::string name = package->e.name;
+  const std::optional<std::string> section = ptr.section ? std::optional<std::string>(ptr.section) : std::nullopt;
+  const std::optional<std::string> option = ptr.option ? std::optional<std::string>(ptr.option) : std::nullopt;
+  uci_ptr names{};
+  names.section = section ? section->c_str() : nullptr;
+  names.option = option ? option->c_str() : nullptr;
+  save_package(context, *package);
+  filter_delta_file(context, *package, names);
+  free_package(package);
+  ptr.p = nullptr;
+  ptr.p = load_package(context, name.c_str());
+}
+
+}  // namespace
+
+uci_package* load_package(uci_context& context, const char* name) {
+  const Location location = locate(context, name);
+  if (find(context.root, location.name) != nullptr) throw Failure{UCI_ERR_DUPLICATE};
+  const LockedFile file(location.path, Lock::kShared);
+  require_readable(file);
+  PackagePtr package = parse_file(context, location, file);
+  if (package->has_delta) apply_delta_files(context, *package, nullptr);
+  uci_package* loaded = package.get();
+  link_package(context, package);
+  return loaded;
+}
+
+void save_package(uci_context& context, uci_package& package) {
+  if (package.path == nullptr) throw Failure{UCI_ERR_INVAL};
+  if (!package.has_delta) return commit_from_memory(package);
+  if (uci_list_empty(&package.delta)) return;
+  LockedFile delta_file = open_delta_file(context, package);
+  append_pending(delta_file, package);
+}
+
+std::string format_package(const uci_package& package, bool header) {
+  const bool all_names = (package.ctx->flags & UCI_FLAG_EXPORT_NAME) != 0;
+  std::string text = header ? "package " + escaped(package.e.name) + "\n" : "";
+  const uci_element* section_element = nullptr;
+  uci_foreach_element(&package.sections, section_element) {
+    uci_section& section = *uci_to_section(const_cast<uci_element*>(section_element));
+    text += "\nconfig " + escaped(section.type);
+    if (!section.anonymous || all_names) text += " " + quoted(section.e.name);
+    text += "\n";
+    uci_element* option_element = nullptr;
+    uci_foreach_element(&section.options, option_element) {
+      uci_option& option = *uci_to_option(option_element);
+      const std::string name = escaped(option.e.name);
+      if (option.type == UCI_TYPE_STRING) {
+        text += "\toption " + name + " " + quoted(option.v.string) + "\n";
+        continue;
+      }
+      uci_element* item = nullptr;
+      uci_foreach_element(&option.v.list, item) text += "\tlist " + name + " " + quoted(item->name) + "\n";
+    }
+  }
+  return text += "\n";
+}
+
+}  // namespace uci
+
+using uci::Failure;
+using uci::guarded;
+
+extern "C" {
+
+int uci_load(uci_context* ctx, const char* name, uci_package** package) {
+  return guarded(ctx, [&](uci_context& context) {
+    if (name == nullptr) throw Failure{UCI_ERR_INVAL};
+    uci_package* loaded = uci::load_package(context, name);
+    if (package != nullptr) *package = loaded;
+  });
+}
+
+int uci_unload(uci_context* ctx, uci_package* p) {
+  return guarded(ctx, [&](uci_context&) {
+    if (p == nullptr) throw Failure{UCI_ERR_INVAL};
+    uci::free_package(p);
+  });
+}
+
+int uci_save(uci_context* ctx, uci_package* p) {
+  return guarded(ctx, [&](uci_context& context) {
+    if (p == nullptr) throw Failure{UCI_ERR_INVAL};
+    uci::save_package(context, *p);
+  });
+}
+
+int uci_commit(uci_context* ctx, uci_package** p, bool overwrite) {
+  return guarded(ctx, [&](uci_context& context) {
+    if (p == nullptr || *p == nullptr) throw Failure{UCI_ERR_INVAL};
+    uci::commit(context, *p, overwrite);
+  });
+}
+
+int uci_revert(uci_context* ctx, uci_ptr* ptr) {
+  return guarded(ctx, [&](uci_context& context) {
+    if (ptr == nullptr) throw Failure{UCI_ERR_INVAL};
+    uci::revert(context, *ptr);
+  });
+}
+
+}  // extern "C"
