@@ -36,3 +36,6 @@ int get_mac_filter_enable(int& out);
 
 // Restarts the wireless stack the way the mesh state requires, in the background of a shell job. Always 0.
 int wifi_reload();
+
+// Writes `value` ("0" off, "255" on; at most 8 bytes) to the brightness of an LED such as "led_2g".
+void LedForWifi(const char* value, const char* led);

@@ -1,0 +1,72 @@
+// Look-up of the MLD that carries an access point in the mesh.
+#include "domain/mesh_mld.h"
+
+#include <algorithm>
+
+#include "interface_plan.h"
+#include "platform/log.h"
+
+namespace mesh_mld {
+
+const Row* find_row(int brand, int role, int mode, int onboarded) {
+  const auto fits = [=](const Row& row) {
+    if (row.is_orvane != (brand == kBrandOrvane) || row.role != role || row.mode != mode) return false;
+    return row.onboarded == Onboarded::kAny || (row.onboarded == Onboarded::kYes) == (onboarded != 0);
+  };
+  const auto* found = std::ranges::find_if(kRows, fits);
+  return found == kRows.end() ? nullptr : found;
+}
+
+const char* find_mld(const Row& row, std::string_view ifname) {
+  const auto found =
+      std::ranges::find(row.pairs, ifname, [](const Pair& pair) { return std::string_view(pair.ifname); });
+  return found == row.pairs.end() ? nullptr : found->mld;
+}
+
+}  // namespace mesh_mld
+
+namespace {
+
+// Those who read the log know the uneven naming: an unknown role counts as an unknown device where the brand is not
+// orvane, and an unknown mode of a joined agent as an unknown role.
+void log_unknown(int brand, int role, int mode, int onboarded) {
+  const bool has_role = role == kMeshRoleController || role == kMeshRoleAgent;
+  const bool is_orvane = brand == kBrandOrvane;
+  if (!has_role && !is_orvane) {
+    log_error("Unknown device_id: %u", static_cast<unsigned>(brand));
+  } else if (!has_role || (!is_orvane && role == kMeshRoleAgent && onboarded != 0)) {
+    log_error("Unknown mesh_role: %u", static_cast<unsigned>(role));
+  } else {
+    log_error("Unknown mesh_mode: %u", static_cast<unsigned>(mode));
+  }
+}
+
+}  // namespace
+
+const char* get_mesh_mld_by_ifname(const char* ifname) {
+  int role = kMeshRoleNone;
+  int mode = 0;
+  int onboarded = 0;
+  if (ifname == nullptr) return nullptr;
+  if (get_mesh_role_value(role) != 0) {
+    log_error("Failed to get meshRole");
+    return nullptr;
+  }
+  if (get_mesh_mode_value(mode) != 0) {
+    log_error("Failed to get mesh_mode");
+    return nullptr;
+  }
+  if (get_agent_onboarding_status(onboarded) != 0) {
+    log_error("Failed to get onboarding_status");
+    return nullptr;
+  }
+  const int brand = get_brand_index();
+  const mesh_mld::Row* row = mesh_mld::find_row(brand, role, mode, onboarded);
+  if (row == nullptr) {
+    log_unknown(brand, role, mode, onboarded);
+    return nullptr;
+  }
+  const char* mld = mesh_mld::find_mld(*row, ifname);
+  if (mld == nullptr) log_error("No mld found for ifname: %s", ifname);
+  return mld;
+}

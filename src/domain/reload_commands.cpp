@@ -1,0 +1,41 @@
+// Choice of the command that brings the wireless stack up.
+#include "domain/reload_commands.h"
+
+#include <algorithm>
+
+#include "platform/log.h"
+
+namespace reload {
+namespace {
+
+void log_unsupported(int brand, int mode) {
+  if (brand == kBrandOrvane) {
+    log_error("Not supported meshMode(%d) for ORVANE device", mode);
+  } else if (brand == kBrandTesmir) {
+    log_error("Not supported meshMode(%d) for TESMIR device", mode);
+  } else {
+    log_error("Not supported device_id(%d)", brand);
+  }
+}
+
+}  // namespace
+
+std::string wifi_reload_command(int brand, int role, int mode) {
+  if (role != kMeshRoleController && role != kMeshRoleAgent) return kPlain;
+  const auto* row = std::ranges::find_if(
+      kWifiReload, [=](const MeshRow& r) { return r.brand == brand && r.role == role && r.mode == mode; });
+  if (row != kWifiReload.end()) return std::string("wifi reload && ") + row->command;
+  log_unsupported(brand, mode);
+  // A tesmir controller alone is reloaded in a mode that it does not know.
+  return brand == kBrandTesmir && role == kMeshRoleController ? kPlain : "";
+}
+
+std::string chain_command(int brand, int mode) {
+  const auto* row = std::ranges::find_if(
+      kChainBringUp, [=](const MeshRow& r) { return r.brand == brand && (r.mode == kAnyMode || r.mode == mode); });
+  if (row != kChainBringUp.end()) return std::string(kChainHead) + row->command;
+  log_unsupported(brand, mode);
+  return "";
+}
+
+}  // namespace reload

@@ -1,0 +1,152 @@
+// Writing of the MLO SSID.
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "domain/security_codes.h"
+#include "encrypted_body.h"
+#include "mesh_codes.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "wireless/setting_write.h"
+#include "wireless/wireless_options.h"
+
+namespace {
+
+// Which of kMloLinks are on, by MLO mode. Modes 0 and 2 cannot be written.
+struct MloMode {
+  int mode;
+  std::array<bool, kMloLinks.size()> is_on;
+};
+constexpr std::array<MloMode, 3> kModes{{
+    {1, {true, true, false}},
+    {3, {false, true, true}},
+    {4, {true, true, true}},
+}};
+constexpr const char* k6gLink = kMloLinks[2];
+
+struct Unit {
+  int brand;
+  int role;
+  bool is_tesmir_mesh;  // tesmir units alone have MLO in a mesh
+};
+
+void set_links(const MloMode& mode, const WirelessIfaceInfo& info, bool is_mirrored) {
+  for (std::size_t link = 0; link < kMloLinks.size(); ++link) {
+    const char* ifname = kMloLinks[link];
+    set_wireless_option(is_mirrored, ifname, "disabled", mode.is_on[link] ? "0" : "1");
+    set_wireless_option(is_mirrored, ifname, "hidden", std::to_string(info.wifi_stealth));
+    set_wireless_option(is_mirrored, ifname, "ssid", info.ssid);
+    set_wireless_option(is_mirrored, ifname, "wpa_group_rekey", std::to_string(info.wpa_rekey_interval));
+  }
+}
+
+void set_mld_ssid(const std::string& ssid, const Unit& unit) {
+  UciSetOption(nullptr, "wireless", unit.is_tesmir_mesh ? "mld2" : "mld0", "mld_ssid", ssid.c_str());
+  if (unit.brand == kBrandTesmir && unit.role == kMeshRoleController) {
+    UciSetOption(nullptr, "wireless_for_easymesh", "mld0", "mld_ssid", ssid.c_str());
+  }
+}
+
+int set_fronthaul(const WirelessIfaceInfo& info) {
+  for (const char* link : kMloLinks) {
+    WirelessIfaceInfo link_info = info;
+    if (link == k6gLink) link_info.wifi_security = kSecurityWpa3;
+    if (set_repacd_info(link_info, link) == 0) continue;
+    log_error("set_repacd_info failed");
+    return 1;
+  }
+  return 0;
+}
+
+// The client chooses between open and not open alone.
+int link_security(int requested, const char* link) {
+  if (requested == kSecurityOpen) return kSecurityOpen;
+  return link == k6gLink ? kSecurityWpa3 : kSecurityMixed;
+}
+
+bool is_cut(std::string_view address, std::string_view value) { return address.size() + value.size() > kUciAddressMax; }
+
+// A key that lost its end would lock out every device: it is refused. The addresses are the longest that the writers
+// below use.
+bool is_key_cut(const std::string& escaped, int wifi_security, const Unit& unit) {
+  if (unit.brand == kBrandTesmir && is_cut("button_mesh.easymesh.mlo_key=", escaped)) return true;
+  if (wifi_security == kSecurityOpen) return false;
+  return is_cut(unit.role == kMeshRoleController ? "wireless_for_easymesh.ath05.key=" : "wireless.ath05.key=", escaped);
+}
+
+int set_security(const WirelessIfaceInfo& info, const Unit& unit) {
+  std::string escaped;
+  if (escape_single_quotes(info.password.c_str(), escaped, kEscapedPasswordSize) != 0 ||
+      is_key_cut(escaped, info.wifi_security, unit)) {
+    log_error("Failed to escape password (buffer too small or invalid input)");
+    return 1;
+  }
+  for (const char* link : kMloLinks) {
+    if (set_mlo_encryption(link, link_security(info.wifi_security, link), escaped.c_str(), unit.role) == 0) continue;
+    log_error("set_mlo_encryption failed");
+    return 1;
+  }
+  return 0;
+}
+
+}  // namespace
+
+int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) {
+  Unit unit{get_brand_index(), kMeshRoleNone, false};
+  if (unit.brand == kBrandOrvane && mesh_enabled == 1) {
+    log_error("ORVANE device does not support MLO with mesh enabled");
+    return 0;
+  }
+  const auto* mode = std::ranges::find(kModes, mlo_mode, &MloMode::mode);
+  if (mode == kModes.end()) {
+    log_error("mlo value %d is not supported.", mlo_mode);
+    clear_mlo_config();
+    return 0;
+  }
+  if (get_mesh_role_value(unit.role) != 0) {
+    log_error("get_mesh_role_value failed");
+    return 1;
+  }
+  unit.is_tesmir_mesh = unit.brand == kBrandTesmir && mesh_enabled == 1;
+  set_links(*mode, info, unit.is_tesmir_mesh);
+  set_mld_ssid(info.ssid, unit);
+  if (unit.is_tesmir_mesh && set_fronthaul(info) != 0) return 1;
+  if (set_security(info, unit) != 0) return 1;
+  os_system("uci commit wireless");
+  return 0;
+}
+
+int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role) {
+  if (get_brand_index() == kBrandTesmir && std::string_view(ifname) == k6gLink && *escaped_password != '\0') {
+    UciSetOption(nullptr, "button_mesh", "easymesh", "mlo_key", escaped_password);
+  }
+  const security::Writing* writing = security::find_writing(security::kMloWritings, wifi_security);
+  if (writing == nullptr) {
+    log_error("set_mlo_encryption: unknown encryption type %d", wifi_security);
+    return 1;
+  }
+  for (const char* package : wireless_packages(mesh_role == kMeshRoleController)) {
+    security::write(*writing, package, ifname, escaped_password);
+  }
+  return 0;
+}
+
+void clear_mlo_config() {
+  UciDelSection(nullptr, "wireless", "mld0");
+  for (const char* link : kMloLinks) UciDelOption(nullptr, "wireless", link, "mld");
+  UciDelOption(nullptr, "wireless", "wifi2", "enable_ema");
+  for (const char* link : kMloLinks) UciSetOption(nullptr, "wireless", link, "disabled", "1");
+  os_system("uci commit wireless");
+}
+
+int escape_single_quotes(const char* input, std::string& output, std::size_t output_size) {
+  output.clear();
+  if (input == nullptr || output_size < kEscapedPasswordSize) return 1;
+  std::string escaped = escape_single_quotes(std::string_view(input));
+  if (escaped.size() > output_size - 1) return 1;
+  output = std::move(escaped);
+  return 0;
+}

@@ -1,0 +1,41 @@
+// The fronthaul mirror in package repacd.
+#include <algorithm>
+
+#include "domain/fronthaul_override.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+#include "wireless/setting_write.h"
+
+namespace {
+
+void set_map_option(const char* option, const char* value) {
+  UciSetOption(nullptr, "repacd", "MAPConfig", option, value);
+}
+
+}  // namespace
+
+int set_repacd_info(const WirelessIfaceInfo& info, const char* ifname) {
+  if (ifname == nullptr) {
+    log_error("set_repacd_info: WirelessInfo or interface is NULL");
+    return 1;
+  }
+  const fronthaul::Override* row = find_repacd_override(ifname);
+  if (row == nullptr) {
+    log_debug("set_repacd_info: repacd_config_sync is NULL, no need to set");
+    return 0;
+  }
+  if (!info.ssid.empty()) set_map_option(row->ssid, info.ssid.c_str());
+  if (!info.password.empty()) set_map_option(row->key, info.password.c_str());
+  const auto* auth = std::ranges::find(fronthaul::kAuths, info.wifi_security, &fronthaul::Auth::code);
+  if (auth != fronthaul::kAuths.end()) {
+    set_map_option(row->auth, auth->value);
+  } else if (info.wifi_security == kSecurityOpen) {
+    set_map_option(row->key, fronthaul::kOpenKey);
+  } else {
+    log_error("set_repacd_info: unknown wifiSecurity %d", info.wifi_security);
+    return 1;
+  }
+  os_system("uci commit repacd");
+  return 0;
+}

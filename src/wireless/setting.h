@@ -1,0 +1,10 @@
+// Parts of GET and POST /api/v1/wireless/setting that are tested by themselves.
+#pragma once
+
+#include <string>
+
+#include <json-c/json.h>
+
+// Adds "set2GChannel", "set5GChannel" and "set6GChannel": the configured channels, and for a connected repeater the
+// operating ones. 0 on success, 1 on failure (logged).
+int get_channel_value(json_object* root, const std::string& op_mode, int mesh_enabled);

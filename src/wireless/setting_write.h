@@ -1,0 +1,52 @@
+// The writers behind POST /api/v1/wireless/setting.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "wireless/ssid_info.h"
+
+// All int results: 0 on success, 1 on failure (logged). A unit with the role of a controller keeps a copy of its
+// wireless options in wireless_for_easymesh; the writers keep it in step.
+
+// Channels of the three radios (-1 off, 0 automatic), and their LEDs. Stops at the first that is not permitted.
+int set_channel_Value(int channel_2g, int channel_5g, int channel_6g);
+
+// One SSID slot of the repeater's (flag 1) or router's table. Nothing is written for slots without an access point.
+// With band steering on, the 5 and 6 GHz main SSIDs take over what the 2.4 GHz one said last: that template belongs
+// to the process and outlives the request.
+int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info);
+// Encryption options and key. `wps_state` becomes 0 when the security rules WPS out, else stays.
+int set_wireless_encryption(const WirelessIfaceInfo& info, const char* ifname, int mesh_role, int& wps_state);
+// 0 for no password, 8..63 bytes of ASCII, or 64 hexadecimal digits.
+int check_wifi_password(const char* password);
+// WPS off (0) or on (any other) for ath0 and ath1, unless the MAC filter is on; -1 leaves it alone.
+void change_wpsStatus(int wps_state, const char* ifname);
+
+// The fronthaul mirror in repacd for one access point; one without a row in the override table has none.
+int set_repacd_info(const WirelessIfaceInfo& info, const char* ifname);
+
+// The MLO SSID on the links of an MLO mode. Modes that cannot be written clear MLO; an orvane mesh has none to write.
+int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled);
+int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role);
+void clear_mlo_config();
+inline constexpr std::size_t kEscapedPasswordSize = 261;
+// Each ' becomes '\''. Fails (`output` empty) on no input, an `output_size` below kEscapedPasswordSize, or a result
+// of more than output_size - 1 bytes.
+int escape_single_quotes(const char* input, std::string& output, std::size_t output_size);
+
+// What a "Mesh SSID" element changes: a sum.
+inline constexpr int kMeshEnableChanged = 1;
+inline constexpr int kMeshModeChanged = 2;
+inline constexpr int kMeshPasswordChanged = 4;
+int get_mesh_change_flags(int requested_mesh, int requested_mode, const std::string& password);
+
+enum class MeshChange {
+  kNone,
+  kSwitchedOn,  // the platform's script that makes this unit a controller was started
+  kModeOnly,    // only the mode changed: the request is over, and the mesh has to be closed
+};
+MeshChange apply_mesh_change(int requested_mesh, int requested_mode, const std::string& password);
+// The mesh mode that a band label stands for; `fallback` for any other text.
+int mesh_mode_of_band(std::string_view band, int fallback);

@@ -1,0 +1,156 @@
+// Writing of one SSID slot.
+#include <algorithm>
+#include <cctype>
+#include <string>
+#include <string_view>
+
+#include "domain/security_codes.h"
+#include "mesh_codes.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "wireless.h"
+#include "wireless/setting_write.h"
+#include "wireless/wireless_options.h"
+
+namespace {
+
+constexpr int kLeaveWpsAlone = -1;
+
+// What the 2.4 GHz main SSID said last, for the other main SSIDs while band steering is on. The request loop has one
+// thread; requests that send their slots in another order get what an earlier request left.
+struct BandSteeringTemplate {
+  WirelessIfaceInfo info;
+  bool is_valid = false;
+};
+BandSteeringTemplate band_steering_template;
+
+void follow_band_steering(std::string_view ssid_name, WirelessIfaceInfo& info) {
+  int enabled = 0;
+  if (get_bandSteering_Value(enabled) != 0 || enabled != 1) return;
+  if (ssid_name == "SSID1") band_steering_template = {info, true};
+  if (ssid_name == "SSID8") band_steering_template.is_valid = false;
+  if (!band_steering_template.is_valid || (ssid_name != "SSID4" && ssid_name != "SSID7")) return;
+  const WirelessIfaceInfo& model = band_steering_template.info;
+  info.ssid = model.ssid;
+  info.password = model.password;
+  info.wifi_stealth = model.wifi_stealth;
+  info.wpa_rekey_interval = model.wpa_rekey_interval;
+  if (ssid_name == "SSID4") info.wifi_security = model.wifi_security;  // 6 GHz keeps its own
+}
+
+void set_ssid(const SsidSlot& slot, const std::string& ssid, bool is_controller) {
+  set_wireless_option(is_controller, slot.ifname, "ssid", ssid);
+  const char* mld = slot.mld;
+  if (is_controller) {
+    UciSetOption(nullptr, "wireless_for_easymesh", slot.mld, "mld_ssid", ssid.c_str());
+    if (const char* mesh_mld = get_mesh_mld_by_ifname(slot.ifname)) mld = mesh_mld;
+  }
+  if (mld != nullptr) UciSetOption(nullptr, "wireless", mld, "mld_ssid", ssid.c_str());
+}
+
+// The SSID that mesh agents take over as their fronthaul.
+bool is_fronthaul_slot(int brand, std::string_view ssid_name) {
+  return (brand == kBrandOrvane && ssid_name == "SSID1") || (brand == kBrandTesmir && ssid_name == "SSID4");
+}
+
+int set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
+  if (is_fronthaul_slot(get_brand_index(), slot.ssid_name)) {
+    UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulSSID", info.ssid.c_str());
+    UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulKey", info.password.c_str());
+  }
+  if (set_repacd_info(info, slot.ifname) == 0) return 0;
+  log_error("set_repacd_info failed");
+  return 1;
+}
+
+// The whole slot, once it is known to have an access point.
+int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& requested, bool is_controller) {
+  WirelessIfaceInfo info = requested;
+  set_wireless_option(is_controller, slot.ifname, "disabled", info.ssid_status == 0 ? "1" : "0");
+  follow_band_steering(slot.ssid_name, info);
+  set_ssid(slot, info.ssid, is_controller);
+
+  int wps_state = kLeaveWpsAlone;
+  const int role = is_controller ? kMeshRoleController : kMeshRoleNone;
+  if (set_wireless_encryption(info, slot.ifname, role, wps_state) != 0) {
+    log_error("set_wireless_encryption failed");
+    return 1;
+  }
+  if (is_controller && set_fronthaul(slot, info) != 0) return 1;
+  if (info.wifi_stealth == 1) change_wpsStatus(0, slot.ifname);
+  set_wireless_option(is_controller, slot.ifname, "hidden", std::to_string(info.wifi_stealth));
+  set_wireless_option(is_controller, slot.ifname, "wpa_group_rekey", std::to_string(info.wpa_rekey_interval));
+  return 0;
+}
+
+}  // namespace
+
+int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info) {
+  if (ssid_name == nullptr) return 1;
+  int role = kMeshRoleNone;
+  if (get_mesh_role_value(role) != 0) {
+    log_error("get_mesh_role_value failed");
+    return 1;
+  }
+  const SsidSlot* slot = find_wireless_config(repeater_flag, ssid_name);
+  if (slot == nullptr) {
+    log_error("Find_wireless_config: ssidName %s not found", ssid_name);
+    return 1;
+  }
+  if (slot->ifname == nullptr) return 0;
+  return set_slot(*slot, info, role == kMeshRoleController);
+}
+
+int set_wireless_encryption(const WirelessIfaceInfo& info, const char* ifname, int mesh_role, int& wps_state) {
+  const std::string_view name = ifname;
+  if (info.wifi_security != kSecurityOpen) {
+    if (check_wifi_password(info.password.c_str()) != 0) {
+      log_error("Password check failed");
+      return 1;
+    }
+    if (name == kMainSsids[2]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key6G", info.password.c_str());
+    if (name == kMainSsids[1]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key5G", info.password.c_str());
+  }
+  const auto& table = name.starts_with(kMainSsids[2]) ? security::kSsidWritings6g : security::kSsidWritings;
+  const security::Writing* writing = security::find_writing(table, info.wifi_security);
+  if (info.wifi_security == kSecurityWpa3 || info.wifi_security == kSecurityOpen) wps_state = 0;
+  for (const char* package : wireless_packages(mesh_role == kMeshRoleController)) {
+    if (writing != nullptr) security::write(*writing, package, ifname, info.password.c_str());
+    change_wpsStatus(wps_state, ifname);
+  }
+  return 0;
+}
+
+int check_wifi_password(const char* password) {
+  constexpr std::size_t kShortest = 8;
+  constexpr std::size_t kHexKey = 64;
+  const std::string_view text = password == nullptr ? "" : password;
+  if (text.empty()) return 0;
+  const auto is_ascii = [](unsigned char c) { return c < 0x80; };
+  const auto is_hex = [](unsigned char c) { return std::isxdigit(c) != 0; };
+  if (text.size() == kHexKey) return std::ranges::all_of(text, is_hex) ? 0 : 1;
+  const bool is_passphrase = text.size() >= kShortest && text.size() < kHexKey;
+  return is_passphrase && std::ranges::all_of(text, is_ascii) ? 0 : 1;
+}
+
+void change_wpsStatus(int wps_state, const char* ifname) {
+  if (wps_state == kLeaveWpsAlone) {
+    log_error("Should not to change wps status");
+    return;
+  }
+  int mesh = 0;
+  if (get_mesh_value(mesh) != 0) {
+    log_error("get mesh value error");
+    return;
+  }
+  int mac_filter = 0;
+  if (get_mac_filter_enable(mac_filter) != 0) log_error("Failed to get mac filter status return default value");
+  if (mac_filter == 1) {
+    log_debug("Enable macfilter func, no wps func");
+    return;
+  }
+  const std::string_view name = ifname;
+  if (name != kMainSsids[0] && name != kMainSsids[1]) return;
+  UciSetOption("/etc/config", "wireless", ifname, "wps_state", wps_state == 0 ? "1" : "2");
+  UciSetOption("/etc/config", "wireless", ifname, "wps_pbc", wps_state == 0 ? "0" : "1");
+}

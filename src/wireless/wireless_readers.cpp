@@ -1,0 +1,67 @@
+// Small readers of the wireless settings that other areas use, too.
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "mesh_codes.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+#include "wireless.h"
+
+namespace {
+
+constexpr std::size_t kNumberSize = 4;
+constexpr std::size_t kLineSize = 256;
+constexpr std::size_t kSsidMax = 32;
+constexpr std::size_t kPassphraseMax = 64;
+
+// The file that hostapd runs the backhaul of an agent with.
+const char* backhaul_file(int brand, int mesh_mode) {
+  const bool is_mld41 = mesh_mode == kMeshMode245And6 || (brand == kBrandTesmir && mesh_mode == kMeshMode24And5);
+  return is_mld41 ? "/tmp/run/hostapd-mld41.conf" : "/tmp/run/hostapd-mld31.conf";
+}
+
+}  // namespace
+
+int get_bandSteering_Value(int& out) {
+  const std::optional<std::string> enable = uci_read("lbd", "config", "Enable", kNumberSize);
+  if (!enable) return 1;
+  out = std::atoi(enable->c_str()) == 1 ? 1 : 0;
+  return 0;
+}
+
+int get_agent_backhul_info(std::string& ssid, std::string& passphrase) {
+  int mode = 0;
+  if (get_mesh_mode_value(mode) != 0) {
+    log_error("Failed to get mesh_mode");
+    return 1;
+  }
+  const char* path = backhaul_file(get_brand_index(), mode);
+  const std::optional<std::string> text = platform::read_file(path);
+  if (!text) {
+    log_error("Failed to open backhaul info file %s", path);
+    return 1;
+  }
+  constexpr std::string_view kPassphrase = "wpa_passphrase=";
+  constexpr std::string_view kSsid = "ssid=";
+  std::optional<std::string> found_ssid;
+  std::optional<std::string> found_passphrase;
+  for (const std::string& line : platform::split_lines(*text, kLineSize)) {
+    const std::string value(without_line_end(line));
+    if (value.starts_with(kPassphrase)) {
+      found_passphrase = value.substr(kPassphrase.size(), kPassphraseMax);
+    } else if (value.starts_with(kSsid)) {
+      found_ssid = value.substr(kSsid.size(), kSsidMax);
+    }
+  }
+  if (!found_ssid || !found_passphrase) {
+    log_error("Failed to find ssid or wpa_passphrase in the file");
+    return 1;
+  }
+  ssid = *found_ssid;
+  passphrase = *found_passphrase;
+  return 0;
+}
