@@ -1,7 +1,10 @@
 """The repeater's routes through the web server: a walk from the scan to the loss and the return of the uplink."""
 
+import json
 import os
+import re
 import time
+from pathlib import Path
 
 import pytest
 
@@ -117,3 +120,21 @@ def test_requests_that_are_none_are_refused(live):
     router = live(mode="re")
     for body in (None, "hello", "[]", {}, request(multiRuEnable=2), request(ssid="x" * 33)):
         assert router.post(CONNECT, body).json == {"result": 1, "version": 1, "waitTime": 20}
+
+
+def documented(kind, route):
+    """The example of docs/api/repeater.md."""
+    text = (Path(__file__).resolve().parents[2] / "docs" / "api" / "repeater.md").read_text()
+    return json.loads(re.search(rf"```json {kind} {re.escape(route)}\n(.*?)```", text, re.S)[1])
+
+
+def test_the_documented_examples_hold(live):
+    router = live(mode="re")
+    listed = router.get(SURVEY).json
+    example = documented("answer", f"GET {SURVEY}")
+    assert listed | {"wifiApList": [e for e in listed["wifiApList"] if e["essid"] == "Upstream-5G"]} == example
+    router.root.remove("/router/state/stations")
+    assert router.post(CONNECT, documented("request", f"POST {CONNECT}")).json == documented("answer", f"POST {CONNECT}")
+    wait_until(lambda: router.root.exists("/router/state/stations"), "the restart of Wi-Fi")
+    assert router.get(RESULT).json == documented("answer", f"GET {RESULT}")
+    assert router.get(CONNECT).json == documented("answer", f"GET {CONNECT}")
