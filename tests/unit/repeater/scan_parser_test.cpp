@@ -178,6 +178,19 @@ TEST(ScanParser, CutsALineThatIsTooLong) {
             shown_with(R"("security": 0)"));
 }
 
+// Quadratic work would run into the time limit of the test program.
+TEST(ScanParser, TakesLongTextsInTheTimeTheyTake) {
+  constexpr std::size_t kLong = 16 << 20;
+  EXPECT_EQ(survey(0, std::string(kLong, 'x')), "[ ]");
+  EXPECT_EQ(
+      survey(0, with_lines("\tSSID: " + std::string(kLong, '\\'))),
+      shown_with(R"("security": 1)").replace(shown_with("").find("\"net\""), 5, "\"" + std::string(254, '\\') + "\""));
+  constexpr std::size_t kBlocks = 50000;
+  std::string text;
+  for (std::size_t i = 0; i < kBlocks; ++i) text += with_lines("");
+  EXPECT_EQ(json_object_array_length(parse_scan(0, text).get()), kBlocks);
+}
+
 TEST(ScanParser, EndsALineAtAZeroByte) {
   using std::string_literals::operator""s;
   EXPECT_EQ(
