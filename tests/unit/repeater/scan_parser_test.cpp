@@ -182,9 +182,7 @@ TEST(ScanParser, CutsALineThatIsTooLong) {
 TEST(ScanParser, TakesLongTextsInTheTimeTheyTake) {
   constexpr std::size_t kLong = 16 << 20;
   EXPECT_EQ(survey(0, std::string(kLong, 'x')), "[ ]");
-  EXPECT_EQ(
-      survey(0, with_lines("\tSSID: " + std::string(kLong, '\\'))),
-      shown_with(R"("security": 1)").replace(shown_with("").find("\"net\""), 5, "\"" + std::string(254, '\\') + "\""));
+  EXPECT_EQ(essid_of(" " + std::string(kLong, 'a')), std::string(127, 'a'));
   constexpr std::size_t kBlocks = 50000;
   std::string text;
   for (std::size_t i = 0; i < kBlocks; ++i) text += with_lines("");
