@@ -1,14 +1,13 @@
 // Parsers of the sources and the commands that fill them.
 #include "mesh/client_sources.h"
 
-#include <arpa/inet.h>
-#include <ifaddrs.h>
-
 #include <algorithm>
+#include <arpa/inet.h>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ifaddrs.h>
 #include <memory>
 #include <utility>
 
@@ -176,7 +175,8 @@ std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view m
     if (std::exchange(is_heading, false)) continue;
     int port = 0;
     std::array<char, 18> learned{};
-    if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2 && mac_equal(learned.data(), mac)) return port;
+    if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2 && mac_equal(learned.data(), mac))
+      return port;
   }
   return std::nullopt;
 }

@@ -70,7 +70,7 @@ class DumpIndex {
   LineNumbers bridged_;
   LineNumbers bridge_headings_;
   std::vector<InterfaceRow> interfaces_;
-  std::unordered_map<int, std::vector<std::size_t>> rows_of_index_;            // positions in interfaces_
+  std::unordered_map<int, std::vector<std::size_t>> rows_of_index_;           // positions in interfaces_
   std::unordered_map<std::string, std::vector<std::size_t>> rows_of_medium_;  // likewise
 };
 

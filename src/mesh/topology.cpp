@@ -157,9 +157,8 @@ class TopologyParser {
     device.level = above.level + 1;
     above.children.push_back(*child);
     above.hasLinks = true;
-    device.connectionType = parent_mac == root_mac_
-                                ? backhaul_.get_backhaul_type_from_remote(device.mac)
-                                : backhaul_.get_backhaul_type_via_bridge(above.mac, device.mac);
+    device.connectionType = parent_mac == root_mac_ ? backhaul_.get_backhaul_type_from_remote(device.mac)
+                                                    : backhaul_.get_backhaul_type_via_bridge(above.mac, device.mac);
   }
 
   // True when the line belongs to the root's legacy table.
@@ -266,10 +265,10 @@ class TopologyParser {
   const TopologySources& sources_;
   BackhaulReader backhaul_;
   TopologyInfo info_;
-  std::unordered_map<std::string, std::size_t> positions_;       // of devices, by MAC
-  std::unordered_map<std::size_t, std::string> headers_;         // MACs, by the line of their header
+  std::unordered_map<std::string, std::size_t> positions_;  // of devices, by MAC
+  std::unordered_map<std::size_t, std::string> headers_;    // MACs, by the line of their header
   std::optional<Ancestry> ancestry_;
-  std::vector<std::unordered_set<std::string>> stations_;        // MACs of each device's stations
+  std::vector<std::unordered_set<std::string>> stations_;  // MACs of each device's stations
 
   std::string current_mac_;
   std::string root_mac_;

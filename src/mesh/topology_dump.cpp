@@ -45,8 +45,7 @@ std::optional<std::string> get_topology_dump() {
   const std::optional<std::string> op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
   if (!op_mode) return std::nullopt;
   const auto* row = std::ranges::find(kDumpCommands, *op_mode, &DumpCommand::op_mode);
-  platform::ProcessResult result =
-      platform::run_shell(row == kDumpCommands.end() ? kRouterDumpCommand : row->command);
+  platform::ProcessResult result = platform::run_shell(row == kDumpCommands.end() ? kRouterDumpCommand : row->command);
   if (result.output.empty()) return std::nullopt;
   return std::move(result.output);
 }

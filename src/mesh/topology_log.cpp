@@ -1,11 +1,10 @@
 // The topology log and the console.
 #include "mesh/topology_log.h"
 
-#include <sys/stat.h>
-
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <sys/stat.h>
 
 #include "platform/file.h"
 
@@ -41,8 +40,9 @@ void append_to_log(const char* text) {
 
 void print_device(const TopologyInfo& info, const TopologyDevice& device, int indent) {
   const bool is_root = &device == info.root_device();
-  topo_log("%*s%sMAC: %s, IP: %s, Connection: %s\n", indent, "", is_root ? "Device: " : "├─ Child Device: ",
-           device.mac.c_str(), device.ip.c_str(), device.connectionType.c_str());
+  topo_log("%*s%sMAC: %s, IP: %s, Connection: %s\n", indent, "",
+           is_root ? "Device: " : "├─ Child Device: ", device.mac.c_str(), device.ip.c_str(),
+           device.connectionType.c_str());
   if (!device.stations.empty()) topo_log("%*sStations Info:\n", indent + kIndent, "");
   for (const TopologyStation& station : device.stations) {
     topo_log("%*s- MAC: %s, Connection Type: %s\n", indent + 2 * kIndent, "", station.mac.c_str(),
