@@ -1,27 +1,27 @@
 // Stands for any tool of the router: keeps what it was called with, then answers as it was told to.
 //
-// Linked under the name of a tool (/router/bin/ifconfig), or called by a script in its place (/etc/init.d/dnsmasq). One run:
+// Linked under the name of a tool (/router/bin/ifconfig), or called by a script in its place (/etc/init.d/dnsmasq). One
+// run:
 //   1. appends {"tool": ..., "args": [...], "stdin": ...} as one line to /router/calls.jsonl;
 //   2. gives the first answer of /router/answers/<tool>.json whose arguments match;
 //   3. else becomes /router/tools/<tool>, when there is one;
 //   4. else prints nothing and exits with 0.
 // <tool> is the name it was called by, or the whole path when it was called by one. "stdin" is kept for the tools that
 // have a file in /router/record-stdin/, and for answers that ask for it.
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/file.h>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <memory>
 #include <optional>
+#include <signal.h>
 #include <string>
 #include <string_view>
+#include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 #include <json-c/json.h>
@@ -71,7 +71,11 @@ std::optional<std::string> read_file(const std::string& path) {
 std::size_t utf8_length(std::string_view text) {
   const auto byte = [&](std::size_t i) { return i < text.size() ? static_cast<std::uint8_t>(text[i]) : 0U; };
   const unsigned lead = byte(0);
-  const std::size_t length = lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : (lead & 0xF0U) == 0xE0 ? 3 : lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
+  const std::size_t length = lead < 0x80                   ? 1
+                             : lead >= 0xC2 && lead < 0xE0 ? 2
+                             : (lead & 0xF0U) == 0xE0      ? 3
+                             : lead >= 0xF0 && lead < 0xF5 ? 4
+                                                           : 0;
   for (std::size_t i = 1; i < length; ++i) {
     if ((byte(i) & 0xC0U) != 0x80) return 0;
   }
@@ -169,7 +173,9 @@ bool matches(json_object* rule, const std::vector<std::string>& args) {
   if (count > args.size() || (flag_of(rule, "exact") && count != args.size())) return false;
   for (std::size_t i = 0; i < count; ++i) {
     json_object* word = json_object_array_get_idx(wanted, i);
-    if (args[i] != std::string_view(json_object_get_string(word), static_cast<std::size_t>(json_object_get_string_len(word)))) return false;
+    if (args[i] !=
+        std::string_view(json_object_get_string(word), static_cast<std::size_t>(json_object_get_string_len(word))))
+      return false;
   }
   return true;
 }
@@ -189,7 +195,7 @@ std::size_t count_use(const std::string& name) {
   const int fd = open((kHome + "uses/" + name).c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) return 0;
   flock(fd, LOCK_EX);
-  struct stat status{};
+  struct stat status {};
   fstat(fd, &status);
   write_all(fd, ".");
   close(fd);
@@ -256,7 +262,7 @@ int become_tool(const std::string& path, const Call& call, char** argv) {
 // A path is a script that says for whom the stand-in was called; a name is a link to it.
 std::string tool_name(std::string_view called_as) {
   if (const char* path = getenv("STAND_IN_FOR"); path != nullptr) {
-    const std::string name = path;
+    std::string name = path;
     unsetenv("STAND_IN_FOR");
     return name;
   }

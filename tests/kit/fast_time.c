@@ -34,7 +34,8 @@ static void keep(const char* tool, time_t seconds, long nanoseconds) {
     snprintf(fraction, sizeof fraction, "%09ld", nanoseconds);
     size_t digits = strlen(fraction);
     while (digits > 1 && fraction[digits - 1] == '0') fraction[--digits] = '\0';
-    length = snprintf(line, sizeof line, "{\"tool\": \"%s\", \"args\": [\"%lld.%s\"]}\n", tool, (long long)seconds, fraction);
+    length = snprintf(line, sizeof line, "{\"tool\": \"%s\", \"args\": [\"%lld.%s\"]}\n", tool, (long long)seconds,
+                      fraction);
   }
   const int error = errno;
   const int fd = open("/router/calls.jsonl", O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
