@@ -16,6 +16,7 @@ import subprocess
 from pathlib import Path
 
 import uci_text
+from mesh_wiring import wiring
 from variants import BRANDS, DEVICE_IDS, MODES
 
 HERE = Path(__file__).resolve().parent
@@ -111,7 +112,7 @@ class Root:
             return
         self.copy_tree(FACTORY / "config", "/etc/config")
         self.copy_tree(FACTORY / brand / "config", "/etc/config")
-        self.set_options({**BRANDS[brand], **MODES[mode]})
+        self.set_options({**BRANDS[brand], **MODES[mode], **wiring(brand, mode)})
 
     def set_options(self, options: dict[str, str | list[str] | None]) -> None:
         """Sets options of packages by address: {"dhcp.lan.ignore": "1", "wireless.ath13": "wifi-iface"}; None deletes."""

@@ -25,7 +25,7 @@ constexpr std::array<MloMode, 3> kModes{{
     {3, {false, true, true}},
     {4, {true, true, true}},
 }};
-constexpr const char* k6gLink = kMloLinks[2];
+constexpr std::string_view k6gLink = "ath25";
 
 struct Unit {
   int brand;

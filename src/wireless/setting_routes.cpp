@@ -1,4 +1,5 @@
 // POST /api/v1/wireless/setting.
+#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -48,6 +49,11 @@ void parse_element(json_object* element, WirelessIfaceInfo& info) {
   }
 }
 
+// UCI keeps no control characters but tab, line feed and carriage return: such a text would be lost without a word.
+bool is_storable(std::string_view text) {
+  return std::ranges::none_of(text, [](unsigned char c) { return c < 0x20 && c != '\t' && c != '\n' && c != '\r'; });
+}
+
 const char* text_or_null(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
 
 // The array of slots; nullptr unless it is one and holds objects alone.
@@ -87,10 +93,19 @@ Verdict set_mlo(const Change& change, const WirelessIfaceInfo& info, int mesh_en
   return Verdict::kFailed;
 }
 
+// In an orvane mesh the MLO slot shows the backhaul. Sent back as it was shown, it asks for no MLO network.
+bool is_backhaul_sent_back(const WirelessIfaceInfo& info, int brand) {
+  int mesh = 0;
+  if (brand != kBrandOrvane || get_mesh_value(mesh) != 0 || mesh != 1) return false;
+  SsidSlot slot = *find_wireless_config(1, kMeshSlotName);
+  WirelessIfaceInfo shown;
+  return get_mesh_info(slot, shown, mesh) == 0 && shown.ssid == info.ssid && shown.password == info.password;
+}
+
 Verdict set_repeater_element(json_object* element, const WirelessIfaceInfo& info, Change& change) {
   const auto name = json::text_member(element, "ssidName");
   if (set_wireless_info(1, text_or_null(name), info) != 0) return Verdict::kFailed;
-  if (change.mlo == 0 || name != kMloSlotName) return Verdict::kApplied;
+  if (change.mlo == 0 || name != kMloSlotName || is_backhaul_sent_back(info, change.brand)) return Verdict::kApplied;
   return set_mlo(change, info, 0);
 }
 
@@ -147,6 +162,10 @@ Verdict set_elements(json_object* elements, Change& change) {
   for (std::size_t i = 0; i < json_object_array_length(elements); ++i) {
     json_object* element = json_object_array_get_idx(elements, i);
     parse_element(element, info);
+    if (!is_storable(info.ssid) || !is_storable(info.password)) {
+      log_error("ssidValue or ssidPassword holds control characters");
+      return Verdict::kFailed;
+    }
     const Verdict verdict =
         change.is_repeater ? set_repeater_element(element, info, change) : set_router_element(element, info, change);
     if (verdict != Verdict::kApplied) return verdict;
