@@ -52,7 +52,7 @@ TEST(ParseTopology, TellsTheBandsOfAStationFromTheInterfacesItIsSeenOn) {
   const TopologyInfo info = parse(fixture("one_agent"));
   // Seen on 2.4 and 5 GHz; on 6 GHz; by cable on the port below the 2.4 GHz radio; on 2.4 and 6 GHz.
   EXPECT_EQ(stations_of(info.devices[1]),
-            "00:0A WLAN_MLO_24G_5 2; 00:0B WLAN_MLO_6G 2; 00:0C ETHER 2; 00:0D WLAN_MLO_5G 2; ");
+            "00:0A WLAN_MLO_24G_5G 2; 00:0B WLAN_MLO_6G 2; 00:0C ETHER 2; 00:0D WLAN_MLO_5G 2; ");
 }
 
 TEST(ParseTopology, DropsAWiredStationOfAnotherPort) {
