@@ -11,7 +11,6 @@
 namespace {
 
 constexpr const char* kLogPath = "/tmp/topology.log";
-constexpr const char* kConsolePath = "/dev/console";
 constexpr std::size_t kTextSize = 1024;
 constexpr long kLogSize = 20480;
 constexpr long kLogReserve = 5120;
@@ -52,15 +51,6 @@ void print_device(const TopologyInfo& info, const TopologyDevice& device, int in
 }
 
 }  // namespace
-
-void console_print(const char* format, ...) {
-  const platform::FilePtr console = platform::open_file(kConsolePath, "w");
-  if (!console) return;
-  va_list arguments;
-  va_start(arguments, format);
-  std::vfprintf(console.get(), format, arguments);
-  va_end(arguments);
-}
 
 void topo_log(const char* format, ...) {
   std::array<char, kTextSize> text{};

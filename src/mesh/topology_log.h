@@ -2,13 +2,11 @@
 #pragma once
 
 #include "mesh/topology.h"
+#include "platform/console.h"
 
 // Appends one text of less than 1024 bytes to /tmp/topology.log; the file is emptied first when it is over 15 KB.
 // What cannot be written is told on the console.
 [[gnu::format(printf, 1, 2)]] void topo_log(const char* format, ...);
-
-// Writes to /dev/console, opened for the call.
-[[gnu::format(printf, 1, 2)]] void console_print(const char* format, ...);
 
 // The whole tree, one line a device or station.
 void print_topology(const TopologyInfo& info);
