@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdlib>
 #include <new>
+#include <sys/mman.h>
+#include <utility>
 
 #include "request_body.h"
 
@@ -24,32 +27,22 @@ std::size_t claimed_length(const char* text) {
 
 }  // namespace
 
-char* Body::extend(std::size_t more) {
-  const std::size_t needed = size_ + more + 1;
-  if (needed > capacity_) {
-    const std::size_t capacity = std::max(needed, capacity_ + capacity_ / 2);
-    char* grown = static_cast<char*>(std::realloc(data_.get(), capacity));
-    if (grown == nullptr) throw std::bad_alloc();
-    static_cast<void>(data_.release());
-    data_.reset(grown);
-    capacity_ = capacity;
-  }
-  return data_.get() + size_;
+Body::Body(std::size_t length) {
+  void* space = mmap(nullptr, length + 1, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (space == MAP_FAILED) throw std::bad_alloc();
+  data_ = std::unique_ptr<char, Unmap>(static_cast<char*>(space), Unmap{length + 1});
 }
 
-void Body::commit(std::size_t bytes) {
-  size_ += bytes;
-  data_.get()[size_] = '\0';
-}
+void Body::Unmap::operator()(char* data) const noexcept { munmap(data, length); }
 
 std::optional<Body> read_body(FCGX_Request* request, const char* content_length) {
   forget_received_body();
   claimed = claimed_length(content_length);
   if (claimed == 0) return std::nullopt;
-  Body body;
+  Body body(claimed);
   while (body.size() < claimed) {
     const std::size_t wanted = std::min(kPieceSize, claimed - body.size());
-    const int got = FCGX_GetStr(body.extend(wanted), static_cast<int>(wanted), request->in);
+    const int got = FCGX_GetStr(body.end(), static_cast<int>(wanted), request->in);
     body.commit(static_cast<std::size_t>(std::max(got, 0)));
     if (got < static_cast<int>(wanted)) break;
   }

@@ -2,29 +2,32 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 
 #include <fcgiapp.h>
 
-// A growing buffer. Large ones grow in place where the system can move pages, so that an upload stands in memory once.
+// Address space for a claimed length. The system gives memory to it as bytes arrive, so a claim costs nothing and an
+// upload stands in memory once.
 class Body {
  public:
-  // Makes room for `more` bytes behind what stands and returns where. Throws std::bad_alloc.
-  char* extend(std::size_t more);
-  // Takes `bytes` of the room made last, and ends the text there.
-  void commit(std::size_t bytes);
-  [[nodiscard]] const char* c_str() const { return data_ ? data_.get() : ""; }
+  // Throws std::bad_alloc when there is no such address space.
+  explicit Body(std::size_t claimed);
+  // Where the next bytes go; there is room for all that was claimed.
+  char* end() { return data_.get() + size_; }
+  // Takes `bytes` of what was put there.
+  void commit(std::size_t bytes) { size_ += bytes; }
+  // The text, NUL-terminated: memory that was never written is zero.
+  [[nodiscard]] const char* c_str() const { return data_.get(); }
   [[nodiscard]] std::size_t size() const { return size_; }
 
  private:
-  struct Free {
-    void operator()(char* data) const noexcept { std::free(data); }
+  struct Unmap {
+    std::size_t length = 0;
+    void operator()(char* data) const noexcept;
   };
-  std::unique_ptr<char, Free> data_;
+  std::unique_ptr<char, Unmap> data_{nullptr, Unmap{}};
   std::size_t size_ = 0;
-  std::size_t capacity_ = 0;
 };
 
 // The body of a POST. nullopt when `content_length` (as atoi reads it) is 0, negative or no number: then nothing is
