@@ -15,8 +15,10 @@ std::optional<int> if_switch(int value) { return value == 0 || value == 1 ? std:
 }  // namespace
 
 std::optional<int> read_switch(const json::JsonPtr& json, const char* key) {
-  const std::optional<int> value = json::int_member(json.get(), key);
-  return value ? if_switch(*value) : std::nullopt;
+  json_object* value = json::member(json.get(), key);
+  const json_type type = json_object_get_type(value);
+  if (type == json_type_null || type == json_type_array || type == json_type_object) return std::nullopt;
+  return if_switch(json_object_get_int(value));
 }
 
 std::optional<int> stored_switch(const char* package, const char* section, const char* option) {
