@@ -50,6 +50,9 @@ unsigned int UciDelList(const char* confdir, const char* package, const char* se
 unsigned int UciGetlist(const char* confdir, const char* package, const char* section, const char* option, char* out,
                         std::size_t element_size, std::size_t max_count, std::size_t* count);
 
+// The number of sections of that type, named and unnamed; -1 when the package cannot be loaded.
+int uci_count_sections(const char* package, const char* type);
+
 // UciGetOption into an owning text of at most size - 1 bytes (size as the buffer of the C call); nullopt on failure.
 std::optional<std::string> uci_read(const char* package, const char* section, const char* option, std::size_t size);
 

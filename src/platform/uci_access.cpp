@@ -213,6 +213,18 @@ unsigned int UciGetlist(const char* confdir, const char* package, const char* se
   return kSuccess;
 }
 
+int uci_count_sections(const char* package, const char* type) {
+  const UciContextPtr context = open_context(nullptr);
+  uci_package* loaded = nullptr;
+  if (!context || uci_load(context.get(), package, &loaded) != UCI_OK) return -1;
+  int count = 0;
+  uci_element* element = nullptr;
+  uci_foreach_element(&loaded->sections, element) {
+    if (std::string_view(uci_to_section(element)->type) == type) ++count;
+  }
+  return count;
+}
+
 std::optional<std::string> uci_read(const char* package, const char* section, const char* option, std::size_t size) {
   std::string text(size, '\0');
   if (UciGetOption(nullptr, package, section, option, text.data(), size) != kSuccess) return std::nullopt;

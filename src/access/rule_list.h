@@ -1,0 +1,24 @@
+// What the lists of parental control and port forwarding share: sections that are addressed by their position.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "answer/json.h"
+
+// "@type[index]"
+std::string position_of(const char* type, int index);
+
+// The `id` of every element, as atoi reads its text. nullopt when an element or id is missing, or there are more than
+// `most` of them.
+std::optional<std::vector<int>> read_ids(json_object* array, std::size_t most);
+
+// Deletes the sections of these positions, the last one first, so that no deletion moves one that is still to come.
+// False at the first failure (logged).
+bool delete_positions(const char* package, const char* type, std::vector<int> ids);
+
+// Deletes the first section of that type, as often as there are some. False at the first failure (logged), or when the
+// package cannot be read.
+bool delete_all(const char* confdir, const char* package, const char* type);

@@ -1,0 +1,202 @@
+// Reading and writing of the DHCP server's settings.
+#include "lan/dhcp_settings.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+#include "platform/log.h"
+#include "platform/process.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+
+namespace {
+
+constexpr std::size_t kOptionSize = 128;
+constexpr std::size_t kTextMax = 31;
+constexpr int kHoursOfDay = 24;
+
+bool set_lan_option(const char* option, const std::string& value, const char* message_tail) {
+  if (UciSetOption(nullptr, "dhcp", "lan", option, value.c_str()) == 0) return true;
+  log_error("fail to set dhcp.lan.%s%s by uci api\n", option, message_tail);
+  return false;
+}
+
+bool delete_lan_option(const char* option) {
+  if (UciDelOption(nullptr, "dhcp", "lan", option) == 0) return true;
+  log_error("fail to delete dhcp.lan.%s  by uci api\n", option);
+  return false;
+}
+
+void apply_dhcp() {
+  os_system("uci commit dhcp");
+  os_system("/etc/init.d/dnsmasq  restart");
+}
+
+int disable_dhcp() {
+  for (const char* option : {"leasetime", "start", "limit"}) {
+    if (!delete_lan_option(option)) return 1;
+  }
+  if (!set_lan_option("ignore", "1", " to 1")) return 1;
+  apply_dhcp();
+  return 0;
+}
+
+void delete_hosts(int count) {
+  for (int index = 0; index < count; ++index) os_system("uci del dhcp.@host[0]");
+}
+
+struct HostOption {
+  const char* option;
+  const char* message_name;
+  std::string value;
+};
+
+bool add_host(const FixedHost& host, int index, const std::string& lease) {
+  os_system("uci add dhcp host");
+  std::string mac = host.mac;
+  AddColonOfMac(mac);
+  const std::string section = "@host[" + std::to_string(index) + "]";
+  const std::array<HostOption, 5> options{{
+      {"ip", "ip", host.ip},
+      {"leasetime", "leaseTime", lease},
+      {"name", "name", std::to_string(index)},
+      {"dns", "dns", "1"},
+      {"mac", "mac", mac},
+  }};
+  for (const HostOption& option : options) {
+    if (UciSetOption(nullptr, "dhcp", section.c_str(), option.option, option.value.c_str()) == 0) continue;
+    log_error("fail to set dhcp.host.%s by uci api\n", option.message_name);
+    return false;
+  }
+  return true;
+}
+
+bool replace_hosts(const DhcpSettings& settings, const std::string& lease) {
+  delete_hosts(get_num_fix_ip());
+  if (settings.hosts.empty()) return true;
+  os_system("uci commit dhcp");
+  int index = 0;
+  return std::ranges::all_of(settings.hosts, [&](const FixedHost& host) { return add_host(host, index++, lease); });
+}
+
+// The first line that a command prints; `last` is what the buffer held and keeps when it prints nothing.
+void read_first_line(const std::string& command, std::string& last) {
+  std::array<char, 256> line{};
+  if (execute_cmd(command.c_str(), line.data(), line.size() - 1) == 0 && line[0] != '\0') last = line.data();
+}
+
+void read_hosts(DhcpSettings& settings) {
+  // One buffer for all, never cleared: a host without a MAC shows what was read before it.
+  std::string shown;
+  const int count = std::min(get_num_fix_ip(), static_cast<int>(kMostFixedHosts));
+  for (int index = 0; index < count; ++index) {
+    const std::string section = "uci get dhcp.@host\\[" + std::to_string(index) + "\\]\\.";
+    FixedHost host;
+    read_first_line(section + "ip", shown);
+    host.ip = shown.substr(0, kTextMax);
+    read_first_line(section + "mac", shown);
+    host.mac = shown.substr(0, kTextMax);
+    settings.hosts.push_back(host);
+  }
+}
+
+// The pool, of a server that is on. 0, or 1 on failure.
+int read_pool(DhcpSettings& settings) {
+  const std::optional<std::string> lease = uci_read("dhcp", "lan", "leasetime", kOptionSize);
+  if (!lease) {
+    log_error("Fail to get dhcp.lan.leasetime by uci api\n");
+    return 1;
+  }
+  settings.lease_time = lease_hours(*lease);
+  const std::optional<std::string> start = uci_read("dhcp", "lan", "start", kTextMax + 1);
+  if (!start) {
+    log_error("Fail to get dhcp.lan.start value by uci api\n");
+    return 1;
+  }
+  settings.start_address = *start;
+  const std::optional<std::string> limit = uci_read("dhcp", "lan", "limit", kOptionSize);
+  if (!limit) {
+    log_error("Fail to get dhcp.lan.limit value by uci api\n");
+    return 1;
+  }
+  std::string head;
+  const int first = GetLastDigitOfIP(settings.start_address, &head);
+  if (first <= 0) {
+    log_error("Fail to get last digit from dhcp start ip\n");
+    return 1;
+  }
+  const long last = std::clamp(first + std::strtol(limit->c_str(), nullptr, 10) - 1, -99999L, 99999L);
+  settings.end_address = (head + "." + std::to_string(last)).substr(0, kTextMax);
+  return 0;
+}
+
+}  // namespace
+
+std::string lease_text(int hours) {
+  const int days = hours / kHoursOfDay;
+  return days > 0 ? std::to_string(days) + "d" : std::to_string(hours % kHoursOfDay) + "h";
+}
+
+int lease_hours(const std::string& text) {
+  const long number = std::clamp(std::strtol(text.c_str(), nullptr, 10), -1000000L, 1000000L);
+  if (text.ends_with('h')) return static_cast<int>(number);
+  return text.ends_with('d') ? static_cast<int>(number) * kHoursOfDay : 0;
+}
+
+int get_num_fix_ip() {
+  const platform::ProcessResult result = platform::run_shell(R"(uci show dhcp | grep '@host\[.*\]=host')");
+  if (!result.started) {
+    log_error("Fail to execute CMD\n");
+    return 1;
+  }
+  return static_cast<int>(std::ranges::count(result.output, '\n'));
+}
+
+int GetLastDigitOfIP(const std::string& ip, std::string* head) {
+  constexpr std::size_t kMostDigits = 3;
+  if (ip.empty()) {
+    log_error("the value of passing parameter is empry when calling");
+    return -1;
+  }
+  const std::size_t dot = ip.rfind('.');
+  if (head != nullptr) *head = ip.substr(0, dot == std::string::npos ? 0 : dot);
+  return dot == std::string::npos ? 0 : std::atoi(ip.substr(dot + 1, kMostDigits).c_str());
+}
+
+void AddColonOfMac(std::string& mac) {
+  constexpr std::size_t kMacTextLength = 17;
+  if (mac.size() == kMacTextLength) {
+    log_debug("The mac address format is correct.\n");
+    return;
+  }
+  std::string spaced;
+  for (std::size_t index = 0; index < mac.size(); ++index) {
+    if (index != 0 && index % 2 == 0) spaced += ':';
+    spaced += mac[index];
+  }
+  mac = spaced;
+}
+
+int cmd_get_dhcp(DhcpSettings& settings) {
+  const std::string ignore = uci_read_or("dhcp", "lan", "ignore", kOptionSize, "");
+  const int is_ignored = std::atoi(ignore.c_str());
+  log_debug("atoi(getVal) is [%d]", is_ignored);
+  settings.enable = is_ignored == 1 ? 0 : 1;
+  if (settings.enable == 1 && read_pool(settings) != 0) return 1;
+  read_hosts(settings);
+  return 0;
+}
+
+int cmd_set_dhcp(const DhcpSettings& settings) {
+  if (settings.enable == 0) return disable_dhcp();
+  const std::string lease = lease_text(settings.lease_time);
+  const int limit =
+      GetLastDigitOfIP(settings.end_address, nullptr) - GetLastDigitOfIP(settings.start_address, nullptr) + 1;
+  const bool written = set_lan_option("ignore", "0", " to 0") && set_lan_option("leasetime", lease, "") &&
+                       set_lan_option("start", settings.start_address, "") &&
+                       set_lan_option("limit", std::to_string(limit), "") && replace_hosts(settings, lease);
+  if (!written) return 1;
+  apply_dhcp();
+  return 0;
+}

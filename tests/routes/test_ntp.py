@@ -1,0 +1,84 @@
+"""GET and POST /api/v1/ntp."""
+
+import pytest
+
+from kit import HOSTILE
+
+URI = "/api/v1/ntp"
+
+
+@pytest.fixture
+def ntp(router):
+    router.config("system", "config system\n\toption op_mode 'router'\n\nconfig timeserver 'ntp'\n\toption enabled '1'\n"
+                  "\tlist server 'ntp.example'\n\tlist server 'second.example'\n")
+    return router
+
+
+def test_the_switch_and_the_first_server_are_reported(ntp):
+    a = ntp.get(URI)
+    assert a.encrypted and a.text == '{ "result": 0, "version": 1, "enable": 1, "server": "ntp.example" }'
+
+
+@pytest.mark.parametrize("option, message", [("enabled", "Fail to get system.ntp.enabled value by uci api"),
+                                             ("server", "Fail to get system.ntp.server value by uci api")])
+def test_an_unreadable_option_is_result_1(ntp, option, message):
+    ntp.set(f"system.ntp.{option}", None)
+    a = ntp.get(URI)
+    assert a.encrypted and a.json == {"result": 1}
+    assert ntp.logged(message, priority=3)
+
+
+@pytest.mark.parametrize("enable, command", [(1, "restart"), (5, "restart"), (0, "stop")])
+def test_a_change_is_stored_and_the_service_told(ntp, enable, command):
+    a = ntp.post(URI, {"enable": enable, "server": "new.example"})
+    assert a.encrypted and a.json == {"result": 0, "version": 1, "waitTime": 20}
+    assert (ntp.option("system.ntp.enabled"), ntp.option("system.ntp.server")) == (str(enable), ["new.example"])
+    ntp.wait_for_call("/etc/init.d/sysntpd", command)
+
+
+def test_a_negative_switch_is_written_unsigned(ntp):
+    ntp.post(URI, {"enable": -1, "server": "x"})
+    assert ntp.option("system.ntp.enabled") == "4294967295"
+
+
+def test_a_server_without_a_switch_is_stored_and_answered_plain_result_1(ntp):
+    a = ntp.post(URI, {"server": "new.example"})
+    assert not a.encrypted and a.body == b'{"result": 1}'
+    assert ntp.option("system.ntp.server") == ["new.example"]
+    assert ntp.calls("/etc/init.d/sysntpd") == []
+
+
+def test_a_switch_without_a_server_is_stored_and_answered_plain_result_1(ntp):
+    a = ntp.post(URI, {"enable": 0})
+    assert not a.encrypted and a.body == b'{"result": 1}'
+    assert ntp.option("system.ntp.enabled") == "0"
+
+
+def test_a_list_that_cannot_be_deleted_is_a_plain_result_2(ntp):
+    ntp.set("system.ntp.server", None)
+    a = ntp.post(URI, {"enable": 1, "server": "x"})
+    assert not a.encrypted and a.body == b'{"result": 2}'
+    assert ntp.logged("fail to del system.ntp.server by uci api", priority=3)
+
+
+def test_without_the_section_every_write_fails(router):
+    router.config("system", "config system\n")
+    a = router.post(URI, {"enable": 1, "server": "x"})
+    assert not a.encrypted and a.body == b'{"result": 2}'
+    assert router.logged("fail to set system.ntp.enabled by uci api", priority=3)
+    assert router.logged("fail to set system.ntp.server by uci api", priority=3)
+
+
+@pytest.mark.parametrize("body, message", [(None, "empty request_body is passed on seting dhcp config"),
+                                           (b"not json", "can't parse request_body to json format.")])
+def test_an_unusable_body_is_a_plain_result_1(ntp, body, message):
+    a = ntp.post(URI, body)
+    assert not a.encrypted and a.body == b'{"result": 1}'
+    assert ntp.logged(message, priority=3)
+
+
+@pytest.mark.parametrize("text", [t for n, t in HOSTILE.items() if n not in ("empty", "control", "long", "long-quotes")])
+def test_hostile_servers_are_stored_whole_and_do_nothing(ntp, text):
+    assert ntp.post(URI, {"enable": 1, "server": text}).json["result"] == 0
+    assert ntp.option("system.ntp.server") == [text]
+    ntp.assert_nothing_ran()
