@@ -2,14 +2,21 @@
 #include "request/body.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <vector>
+#include <new>
+#include <sys/mman.h>
+#include <utility>
+
+#include "request_body.h"
 
 namespace {
 
 constexpr std::size_t kPieceSize = std::size_t{64} * 1024;
+
+// Of the one request that is served at a time.
+std::size_t received = 0;
+std::size_t claimed = 0;
 
 // The claim in bytes; 0 for what is no length. Beyond int, where atoi is undefined, the claim counts as the largest.
 std::size_t claimed_length(const char* text) {
@@ -20,17 +27,31 @@ std::size_t claimed_length(const char* text) {
 
 }  // namespace
 
-std::optional<std::string> read_body(FCGX_Request* request, const char* content_length) {
-  const std::size_t claimed = claimed_length(content_length);
+Body::Body(std::size_t length) {
+  void* space = mmap(nullptr, length + 1, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (space == MAP_FAILED) throw std::bad_alloc();
+  data_ = std::unique_ptr<char, Unmap>(static_cast<char*>(space), Unmap{length + 1});
+}
+
+void Body::Unmap::operator()(char* data) const noexcept { munmap(data, length); }
+
+std::optional<Body> read_body(FCGX_Request* request, const char* content_length) {
+  forget_received_body();
+  claimed = claimed_length(content_length);
   if (claimed == 0) return std::nullopt;
-  std::string body;
-  std::vector<char> piece(std::min(claimed, kPieceSize));
+  Body body(claimed);
   while (body.size() < claimed) {
-    const int wanted = static_cast<int>(std::min(piece.size(), claimed - body.size()));
-    const int got = FCGX_GetStr(piece.data(), wanted, request->in);
-    if (got <= 0) break;
-    body.append(piece.data(), static_cast<std::size_t>(got));
-    if (got < wanted) break;
+    const std::size_t wanted = std::min(kPieceSize, claimed - body.size());
+    const int got = FCGX_GetStr(body.end(), static_cast<int>(wanted), request->in);
+    body.commit(static_cast<std::size_t>(std::max(got, 0)));
+    if (got < static_cast<int>(wanted)) break;
   }
+  received = body.size();
   return body;
 }
+
+void forget_received_body() { received = claimed = 0; }
+
+std::size_t received_body_length(const FCGX_Request* /*request*/) { return received; }
+
+bool is_body_complete(const FCGX_Request* /*request*/) { return received > 0 && received == claimed; }

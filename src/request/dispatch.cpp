@@ -42,30 +42,35 @@ int dispatch_get(FCGX_Request* request, std::string_view uri) {
   return kHandled;
 }
 
+int call_post_handler(FCGX_Request* request, std::string_view uri, const char* body) {
+  const PostHandler handler = find_handler(post_routes, uri);
+  if (handler == nullptr) return kNotHandled;
+  handler(request, body);
+  return kHandled;
+}
+
 int dispatch_post(FCGX_Request* request, std::string_view uri) {
   const char* length = FCGX_GetParam("CONTENT_LENGTH", request->envp);
   if (length == nullptr) {
     answer_router_error(request, "No content received");
     return kNotHandled;
   }
-  std::optional<std::string> body;
+  std::optional<Body> body;
   try {
     body = read_body(request, length);
   } catch (const std::bad_alloc&) {
     answer_router_error(request, "Memory allocation error");
     return kNotHandled;
   }
-  if (body && !has_raw_body(uri)) {
-    body = decrypt_content_api(body->c_str(), std::strlen(body->c_str()));
-    if (!body) {
-      answer_router_error(request, "decrypt error");
-      return kNotHandled;
-    }
+  if (!body) return call_post_handler(request, uri, nullptr);
+  if (has_raw_body(uri)) return call_post_handler(request, uri, body->c_str());
+  const std::optional<std::string> plaintext = decrypt_content_api(body->c_str(), std::strlen(body->c_str()));
+  if (!plaintext) {
+    answer_router_error(request, "decrypt error");
+    return kNotHandled;
   }
-  const PostHandler handler = find_handler(post_routes, uri);
-  if (handler == nullptr) return kNotHandled;
-  handler(request, body ? body->c_str() : nullptr);
-  return kHandled;
+  body.reset();
+  return call_post_handler(request, uri, plaintext->c_str());
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <pthread.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -16,8 +17,11 @@
 static const long kMomentNs = 1000000;
 static const long long kGrainNs = 50000000;
 
-// The programs that the program under test starts bring their own time.
-__attribute__((constructor)) static void keep_to_this_process(void) { unsetenv("LD_PRELOAD"); }
+// The programs that the program under test starts bring their own time. A shell that prepares the root and then becomes
+// the program hands the preload on.
+__attribute__((constructor)) static void keep_to_this_process(void) {
+  if (strcmp(program_invocation_short_name, "sh") != 0) unsetenv("LD_PRELOAD");
+}
 
 static void take_a_moment(void) {
   const struct timespec moment = {0, kMomentNs};
@@ -80,6 +84,23 @@ int clock_nanosleep(clockid_t clock, int flags, const struct timespec* wanted, s
   take_a_moment();
   if (left != NULL) memset(left, 0, sizeof *left);
   return 0;
+}
+
+// A wait with a deadline for a condition variable is kept as {"tool": "wait", "args": ["1"]}: a notification ends it as
+// ever, and its time is over after a moment.
+int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const struct timespec* until) {
+  static int (*real)(pthread_cond_t*, pthread_mutex_t*, clockid_t, const struct timespec*);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "pthread_cond_clockwait");
+  struct timespec soon;
+  clock_gettime(clock, &soon);
+  const long long nanoseconds = (long long)(until->tv_sec - soon.tv_sec) * 1000000000 + (until->tv_nsec - soon.tv_nsec);
+  const long long seconds = (nanoseconds + 500000000) / 1000000000;
+  if (seconds < 1) return real(condition, mutex, clock, until);
+  keep("wait", (time_t)seconds, 0);
+  soon.tv_nsec += kMomentNs;
+  soon.tv_sec += soon.tv_nsec / 1000000000;
+  soon.tv_nsec %= 1000000000;
+  return real(condition, mutex, clock, &soon);
 }
 
 // A timer is kept as {"tool": "timer", "args": ["20"]} and goes off after a moment. Disarming one is not kept.

@@ -5,7 +5,8 @@ from pathlib import Path
 
 import pytest
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1]))
+for folder in (Path(__file__).resolve().parents[1], Path(__file__).resolve().parent):
+    sys.path.insert(0, str(folder))  # the kit; helpers that the tests of an area share
 
 import kit  # noqa: E402
 

@@ -31,6 +31,7 @@ void run_line(Session& session, std::vector<std::string>& words) {
     return;
   }
   std::vector<char*> pointers;
+  pointers.reserve(words.size());
   for (std::string& word : words) pointers.push_back(word.data());
   const int status = run_command(session, pointers);
   if (status == kExitUsage && !session.quiet) std::fprintf(stderr, "Unknown command\n");

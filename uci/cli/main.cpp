@@ -88,6 +88,14 @@ Parsed parse_options(Session& session, int argc, char** argv) {
   return optind < argc ? Parsed::kRun : Parsed::kUsage;
 }
 
+// False, with its message, when what was printed did not arrive.
+bool finish_output(Session& session) {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return true;
+  session.context->err = UCI_ERR_IO;
+  session.print_error();
+  return false;
+}
+
 int run(int argc, char** argv) {
   Session session;
   if (!session.context) {
@@ -101,11 +109,10 @@ int run(int argc, char** argv) {
     print_usage(session.program);
     return 0;
   }
-  int status = run_command(session, std::span(argv + optind, static_cast<std::size_t>(argc - optind)));
+  const int status = run_command(session, std::span(argv + optind, static_cast<std::size_t>(argc - optind)));
   if (status == kExitUsage) print_usage(session.program);
   if (session.input != stdin) std::fclose(session.input);
-  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) status = status == 0 ? kExitFailure : status;
-  return status;
+  return finish_output(session) ? status : kExitFailure;
 }
 
 }  // namespace

@@ -71,7 +71,8 @@ void show_package(const Session& session, uci_package& package) {
   uci_element* element = nullptr;
   uci_foreach_element(&package.sections, element) {
     uci_section& section = *uci_to_section(element);
-    const std::string position = "@" + std::string(section.type) + "[" + std::to_string(counts[section.type]++) + "]";
+    std::string position = "@";
+    position.append(section.type).append("[").append(std::to_string(counts[section.type]++)).append("]");
     const bool by_position = section.anonymous && !session.generated_names;
     show_section(session, package.e.name, section, by_position ? position.c_str() : section.e.name);
   }

@@ -1,4 +1,5 @@
 /* The public interface of the UCI library: libuci's names, layouts and result codes, for C99 and C++11 on. */
+/* NOLINTBEGIN(bugprone-reserved-identifier,modernize-use-nullptr): names that programs know, and C has no nullptr */
 #ifndef ROUTER_API_UCI_H
 #define ROUTER_API_UCI_H
 
@@ -245,12 +246,31 @@ uint32_t uci_hash_options(struct uci_option** tb, int n_opts);
 #define uci_type_section UCI_TYPE_SECTION
 #define uci_type_option UCI_TYPE_OPTION
 
-/* The element is the first member of each of these, so a NULL stays NULL. */
+/* From an element to what it is the first member of, so a NULL stays NULL. */
+#ifdef UCI_DEBUG_TYPECAST
+static inline void uci_check_type(const struct uci_element* e, enum uci_type type, const char* name) {
+  if (e != NULL && e->type != type) {
+    fprintf(stderr, "uci: element %s is no %s (type %d)\n", e->name != NULL ? e->name : "", name, (int)e->type);
+  }
+}
+#define UCI_DEFINE_CAST(name)                                             \
+  static inline struct uci_##name* uci_to_##name(struct uci_element* e) { \
+    uci_check_type(e, uci_type_##name, #name);                            \
+    return (struct uci_##name*)(void*)e;                                  \
+  }
+UCI_DEFINE_CAST(backend)
+UCI_DEFINE_CAST(delta)
+UCI_DEFINE_CAST(package)
+UCI_DEFINE_CAST(section)
+UCI_DEFINE_CAST(option)
+#undef UCI_DEFINE_CAST
+#else
 #define uci_to_backend(ptr) ((struct uci_backend*)(void*)(ptr))
 #define uci_to_delta(ptr) ((struct uci_delta*)(void*)(ptr))
 #define uci_to_package(ptr) ((struct uci_package*)(void*)(ptr))
 #define uci_to_section(ptr) ((struct uci_section*)(void*)(ptr))
 #define uci_to_option(ptr) ((struct uci_option*)(void*)(ptr))
+#endif
 
 #define uci_dataptr(ptr) (((char*)(ptr)) + sizeof(*(ptr)))
 
@@ -287,3 +307,4 @@ static inline const char* uci_lookup_option_string(struct uci_context* ctx, stru
 #endif
 
 #endif
+/* NOLINTEND(bugprone-reserved-identifier,modernize-use-nullptr) */

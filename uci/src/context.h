@@ -32,6 +32,7 @@ template <class Body>
 int guarded(uci_context* context, Body&& body) {
   if (context == nullptr) return UCI_ERR_INVAL;
   context->err = UCI_OK;
+  context->pctx->reason.clear();
   try {
     body(*context);
   } catch (const Failure& failure) {
@@ -41,7 +42,6 @@ int guarded(uci_context* context, Body&& body) {
   } catch (const std::exception&) {
     context->err = UCI_ERR_UNKNOWN;
   }
-  if (context->err != UCI_ERR_PARSE) context->pctx->reason.clear();
   return context->err;
 }
 

@@ -77,6 +77,7 @@ bool remove(uci_section& section, const Record& record) {
 
 bool rename(uci_section& section, const Record& record) {
   if (record.option == nullptr) {
+    if (!may_be_named(section, record.value)) return false;
     section.anonymous = false;
     replace_text(section.e.name, record.value);
     return true;

@@ -1,6 +1,7 @@
 // The editing functions: change an element, record the change.
 #include "edit.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -12,16 +13,25 @@
 namespace uci {
 namespace {
 
-void record(uci_package& package, uci_command command, std::string_view section, const char* option,
-            const char* value) {
-  if (package.has_delta) new_delta(package.delta, command, section, option, value);
-}
-
 void require(bool condition, int code) {
   if (!condition) throw Failure{code};
 }
 
-bool is_empty(const char* text) { return text == nullptr || *text == '\0'; }
+// Names stand unquoted in delta and package files. What would end the name, or the record, there could change others.
+bool is_recordable(std::string_view name, const uci_package& package) {
+  if (!package.has_delta) return is_name(name);
+  return !name.empty() && std::ranges::none_of(name, [](char character) {
+    return static_cast<unsigned char>(character) < ' ' || std::strchr("'\"\\#;=.", character) != nullptr;
+  });
+}
+
+// Notes a change before it is made. Throws Failure{UCI_ERR_INVAL} for names that cannot be noted.
+void record(uci_package& package, uci_command command, std::string_view section, const char* option,
+            const char* value) {
+  require(is_recordable(section, package), UCI_ERR_INVAL);
+  require(option == nullptr || is_recordable(option, package), UCI_ERR_INVAL);
+  if (package.has_delta) new_delta(package.delta, command, section, option, value);
+}
 
 // Looks `ptr` up and requires a value and a section.
 void resolve_with_value(uci_context& context, uci_ptr& ptr) {
@@ -29,12 +39,16 @@ void resolve_with_value(uci_context& context, uci_ptr& ptr) {
   require(ptr.value != nullptr && ptr.section != nullptr, UCI_ERR_INVAL);
 }
 
+// Thrown for a list item that is named by no number.
+struct NotANumber {};
+
 // Deleting with a value: an item of a list by its index. True when that is what was asked for.
 bool delete_item(uci_ptr& ptr) {
-  if (ptr.o == nullptr || ptr.o->type != UCI_TYPE_LIST || is_empty(ptr.value)) return false;
+  if (ptr.o == nullptr || ptr.o->type != UCI_TYPE_LIST) return false;
+  if (ptr.value == nullptr || *ptr.value == '\0') return false;
   char* end = nullptr;
   const long index = std::strtol(ptr.value, &end, 10);
-  if (end == ptr.value) throw Failure{1};  // a bare 1, which callers of the command know as its exit status
+  if (end == ptr.value) throw NotANumber{};
   if (remove_item_at(*ptr.o, static_cast<int>(index))) {
     record(*ptr.p, UCI_CMD_REMOVE, ptr.section, ptr.option, std::to_string(index).c_str());
   }
@@ -123,6 +137,11 @@ bool remove_item_at(uci_option& option, int index) {
   return false;
 }
 
+bool may_be_named(const uci_section& section, std::string_view name) {
+  const uci_section* other = find_section(*section.package, name);
+  return other == nullptr || other == &section || std::strcmp(other->type, section.type) == 0;
+}
+
 bool move_section(uci_section& section, int index) {
   uci_list& sections = section.package->sections;
   uci_list* const next_before = section.e.list.next;
@@ -135,7 +154,6 @@ bool move_section(uci_section& section, int index) {
 
 }  // namespace uci
 
-using uci::Failure;
 using uci::guarded;
 
 extern "C" {
@@ -176,15 +194,19 @@ int uci_del_list(uci_context* ctx, uci_ptr* ptr) {
 }
 
 int uci_delete(uci_context* ctx, uci_ptr* ptr) {
+  bool is_number = true;
   const int result = guarded(ctx, [&](uci_context& context) {
     uci::require(ptr != nullptr, UCI_ERR_INVAL);
     uci::resolve(context, *ptr);
     uci::require(ptr->section != nullptr, UCI_ERR_INVAL);
     uci::require((ptr->flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0 && ptr->s != nullptr, UCI_ERR_NOTFOUND);
-    uci::delete_found(*ptr);
+    try {
+      uci::delete_found(*ptr);
+    } catch (const uci::NotANumber&) {
+      is_number = false;
+    }
   });
-  if (ctx != nullptr && result == 1) ctx->err = UCI_OK;
-  return result;
+  return is_number ? result : 1;  // a bare 1 without ctx->err, which callers of the command know as its exit status
 }
 
 int uci_rename(uci_context* ctx, uci_ptr* ptr) {
@@ -193,6 +215,8 @@ int uci_rename(uci_context* ctx, uci_ptr* ptr) {
     uci::resolve(context, *ptr);
     uci::require((ptr->flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0, UCI_ERR_NOTFOUND);
     uci::require(ptr->value != nullptr && ptr->s != nullptr, UCI_ERR_INVAL);
+    uci::require(ptr->p->has_delta || uci::is_name(ptr->value), UCI_ERR_INVAL);
+    uci::require(ptr->o != nullptr || uci::may_be_named(*ptr->s, ptr->value), UCI_ERR_DUPLICATE);
     uci::record(*ptr->p, UCI_CMD_RENAME, ptr->s->e.name, ptr->o != nullptr ? ptr->o->e.name : nullptr, ptr->value);
     if (ptr->o == nullptr) ptr->s->anonymous = false;
     uci::replace_text(ptr->o != nullptr ? ptr->o->e.name : ptr->s->e.name, ptr->value);
@@ -202,6 +226,7 @@ int uci_rename(uci_context* ctx, uci_ptr* ptr) {
 int uci_add_section(uci_context* ctx, uci_package* p, const char* type, uci_section** res) {
   return guarded(ctx, [&](uci_context&) {
     uci::require(p != nullptr && type != nullptr && res != nullptr, UCI_ERR_INVAL);
+    uci::require(p->has_delta || uci::is_type(type), UCI_ERR_INVAL);
     *res = uci::new_section(*p, type, nullptr);
     uci::record(*p, UCI_CMD_ADD, (*res)->e.name, nullptr, type);
   });
@@ -209,7 +234,7 @@ int uci_add_section(uci_context* ctx, uci_package* p, const char* type, uci_sect
 
 int uci_reorder_section(uci_context* ctx, uci_section* s, int pos) {
   return guarded(ctx, [&](uci_context&) {
-    uci::require(s != nullptr, UCI_ERR_INVAL);
+    uci::require(s != nullptr && uci::is_recordable(s->e.name, *s->package), UCI_ERR_INVAL);
     if (uci::move_section(*s, pos)) {
       uci::record(*s->package, UCI_CMD_REORDER, s->e.name, nullptr, std::to_string(pos).c_str());
     }

@@ -15,6 +15,8 @@ uci_option* add_item(uci_section& section, std::string_view name, std::string_vi
 void remove_items(uci_option& option, std::string_view value);
 // Removes the item of that index. False when there is none.
 bool remove_item_at(uci_option& option, int index);
+// False when a section of another type has this name: a file that held both could not be read again.
+bool may_be_named(const uci_section& section, std::string_view name);
 // Puts the section before the one that then has this index. False when it stood there already.
 bool move_section(uci_section& section, int index);
 

@@ -43,17 +43,50 @@ uci_option* new_option(uci_section& section, std::string_view name) {
   return option;
 }
 
-void free_value(uci_option& option) {
-  if (option.type == UCI_TYPE_STRING) {
-    std::free(option.v.string);
-    return;
-  }
-  while (!uci_list_empty(&option.v.list)) free_element(list_to_element(option.v.list.next));
+// The destroy functions free an element that is in no list any more, or in one that goes with it.
+
+void destroy_element(uci_element* element) {
+  std::free(element->name);
+  delete element;
 }
 
-void release(uci_element& element) {
-  list_remove(element.list);
-  std::free(element.name);
+template <class Object>
+void destroy_all(uci_list& list, void (*destroy)(Object*)) {
+  uci_list* node = list.next;
+  list_init(list);
+  while (node != &list) {
+    uci_list* const next = node->next;
+    destroy(reinterpret_cast<Object*>(list_to_element(node)));  // the element is the first member
+    node = next;
+  }
+}
+
+void destroy_value(uci_option& option) {
+  if (option.type == UCI_TYPE_STRING) {
+    std::free(option.v.string);
+  } else {
+    destroy_all(option.v.list, destroy_element);
+  }
+}
+
+void destroy_option(uci_option* option) {
+  destroy_value(*option);
+  std::free(option->e.name);
+  delete option;
+}
+
+void destroy_section(uci_section* section) {
+  destroy_all(section->options, destroy_option);
+  std::free(section->e.name);
+  std::free(section->type);
+  delete section;
+}
+
+void destroy_delta(uci_delta* delta) {
+  std::free(delta->e.name);
+  std::free(delta->section);
+  std::free(delta->value);
+  delete delta;
 }
 
 }  // namespace
@@ -148,45 +181,35 @@ uci_delta* new_delta(uci_list& list, uci_command command, std::string_view secti
 }
 
 void free_element(uci_element* element) {
-  release(*element);
-  delete element;
+  list_remove(element->list);
+  destroy_element(element);
 }
 
 void free_option(uci_option* option) {
-  free_value(*option);
-  release(option->e);
-  delete option;
+  list_remove(option->e.list);
+  destroy_option(option);
 }
 
 void free_section(uci_section* section) {
-  while (!uci_list_empty(&section->options)) free_option(uci_to_option(list_to_element(section->options.next)));
-  release(section->e);
-  std::free(section->type);
-  delete section;
+  list_remove(section->e.list);
+  destroy_section(section);
 }
 
-void free_deltas(uci_list& list) {
-  while (!uci_list_empty(&list)) {
-    uci_delta* delta = uci_to_delta(list_to_element(list.next));
-    release(delta->e);
-    std::free(delta->section);
-    std::free(delta->value);
-    delete delta;
-  }
-}
+void free_deltas(uci_list& list) { destroy_all(list, destroy_delta); }
 
 void free_package(uci_package* package) {
-  while (!uci_list_empty(&package->sections)) free_section(uci_to_section(list_to_element(package->sections.next)));
+  list_remove(package->e.list);
+  destroy_all(package->sections, destroy_section);
   free_deltas(package->delta);
   free_deltas(package->saved_delta);
-  release(package->e);
   std::free(package->path);
+  std::free(package->e.name);
   delete package;
 }
 
 void make_string(uci_option& option, std::string_view value) {
   char* text = copy_text(value);
-  free_value(option);
+  destroy_value(option);
   option.type = UCI_TYPE_STRING;
   option.v.string = text;
 }

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "context.h"
-#include "package_file.h"
 #include "package_parser.h"
+#include "package_text.h"
 
 namespace uci {
 namespace {

@@ -2,8 +2,9 @@
 #include "locked_file.h"
 
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
+#include <ctime>
+#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
 #include <sys/file.h>
@@ -30,7 +31,7 @@ bool write_all(int descriptor, std::string_view text) {
 
 struct stat status_of(int descriptor) {
   struct stat status {};
-  fstat(descriptor, &status);
+  if (fstat(descriptor, &status) != 0) fail_io();
   return status;
 }
 
@@ -44,16 +45,50 @@ std::string resolved(const std::string& path) {
   return real.get();
 }
 
+// With its slash. The path is an absolute one.
 std::string folder_of(const std::string& path) {
   const std::size_t slash = path.rfind('/');
-  return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  return path.substr(0, slash + 1);
 }
 
-void sync_folder(const std::string& folder) {
-  const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (descriptor < 0) return;
-  fsync(descriptor);  // a file system that cannot sync a folder has nothing to sync
-  close(descriptor);
+// The folder of a file that is to be replaced, opened before anything is done, so that only its sync can fail later.
+class Folder {
+ public:
+  explicit Folder(const std::string& path) : descriptor_(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    if (descriptor_ < 0 && errno != EACCES) fail_io();  // one that may be written but not read cannot be synced
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  ~Folder() {
+    if (descriptor_ >= 0) close(descriptor_);
+  }
+  void sync() const {
+    if (descriptor_ < 0 || fsync(descriptor_) == 0) return;
+    const bool has_nothing_to_sync = errno == EINVAL || errno == ENOTSUP || errno == ENOSYS;  // the file system
+    if (!has_nothing_to_sync) fail_io();
+  }
+
+ private:
+  int descriptor_;
+};
+
+// A process that was killed while it wrote leaves its file behind. No commit takes so long that it could still come.
+constexpr std::time_t kStaleAfter_s = 600;
+constexpr std::string_view kTemporarySuffix = ".uci-XXXXXX";
+
+void remove_stale(const std::string& folder, const std::string& prefix) {
+  DIR* entries = opendir(folder.c_str());
+  if (entries == nullptr) return;
+  while (const dirent* entry = readdir(entries)) {
+    const std::string_view name = entry->d_name;
+    if (!name.starts_with(prefix) || name.size() != prefix.size() + 6) continue;
+    struct stat status {};
+    const int at = dirfd(entries);
+    const bool is_stale = fstatat(at, entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(status.st_mode) &&
+                          status.st_mtime + kStaleAfter_s < std::time(nullptr);
+    if (is_stale) unlinkat(at, entry->d_name, 0);
+  }
+  closedir(entries);
 }
 
 // A new file beside the one that it will replace; gone again unless it was put there.
@@ -61,7 +96,10 @@ class TemporaryFile {
  public:
   explicit TemporaryFile(const std::string& target) {
     const std::string folder = folder_of(target);
-    path_ = folder + "." + target.substr(folder == "." ? 0 : folder.size()) + ".uci-XXXXXX";
+    std::string name = ".";
+    name.append(target, folder.size()).append(kTemporarySuffix);
+    remove_stale(folder, name.substr(0, name.size() - 6));
+    path_ = folder + name;
     descriptor_ = mkostemp(path_.data(), O_CLOEXEC);
     if (descriptor_ < 0) fail_io();
   }
@@ -72,16 +110,28 @@ class TemporaryFile {
     if (!path_.empty()) unlink(path_.c_str());
   }
 
-  void fill(std::string_view content, const LockedFile& like) {
-    if (!write_all(descriptor_, content)) fail_io();
-    if (fchown(descriptor_, like.owner(), like.group()) != 0) errno = 0;  // only root may keep a foreign owner
-    if (fchmod(descriptor_, like.mode()) != 0 || fsync(descriptor_) != 0) fail_io();
+  void be_like(const LockedFile& other) {
+    if (fchown(descriptor_, other.owner(), other.group()) != 0) errno = 0;  // only root may keep a foreign owner
+    if (fchmod(descriptor_, other.mode()) != 0) fail_io();
+  }
+
+  void fill(std::string_view content) {
+    if (!write_all(descriptor_, content) || fsync(descriptor_) != 0) fail_io();
     if (close(std::exchange(descriptor_, -1)) != 0) fail_io();
   }
 
   void rename_to(const std::string& target) {
     if (rename(path_.c_str(), target.c_str()) != 0) fail_io();
     path_.clear();
+  }
+
+  // False when there is a file already.
+  bool link_to(const std::string& target) {
+    if (link(path_.c_str(), target.c_str()) == 0) return true;
+    if (errno == EEXIST) return false;
+    if (errno != EPERM && errno != ENOTSUP && errno != ENOSYS) fail_io();
+    rename_to(target);  // a file system without hard links
+    return true;
   }
 
  private:
@@ -99,22 +149,30 @@ LockedFile::LockedFile(const std::string& path, Lock lock, bool create, mode_t m
 // True when done, open or not; false when another file stands at the path by now.
 bool LockedFile::try_open(const std::string& path, Lock lock, int flags, mode_t mode) {
   descriptor_ = ::open(path.c_str(), flags, mode);
+  error_ = descriptor_ < 0 ? errno : 0;
   if (descriptor_ < 0) return true;
-  while (flock(descriptor_, lock == Lock::kShared ? LOCK_SH : LOCK_EX) != 0 && errno == EINTR) continue;
+  while (flock(descriptor_, lock == Lock::kShared ? LOCK_SH : LOCK_EX) != 0) {
+    if (errno == EINTR) continue;
+    if (lock == Lock::kShared) break;  // a file is replaced as a whole, so it can be read without
+    close();
+    fail_io();
+  }
   const struct stat held = status_of(descriptor_);
   struct stat standing {};
-  if (stat(path.c_str(), &standing) == 0 && standing.st_ino == held.st_ino && standing.st_dev == held.st_dev)
-    return true;
-  close();
-  return false;
+  const bool is_current =
+      stat(path.c_str(), &standing) == 0 && standing.st_ino == held.st_ino && standing.st_dev == held.st_dev;
+  if (!is_current) close();
+  return is_current;
 }
 
-LockedFile::LockedFile(LockedFile&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+LockedFile::LockedFile(LockedFile&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)), error_(other.error_) {}
 
 LockedFile& LockedFile::operator=(LockedFile&& other) noexcept {
   if (this != &other) {
     close();
     descriptor_ = std::exchange(other.descriptor_, -1);
+    error_ = other.error_;
   }
   return *this;
 }
@@ -125,7 +183,7 @@ void LockedFile::close() {
   if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
 }
 
-bool LockedFile::is_regular() const { return S_ISREG(status_of(descriptor_).st_mode); }
+bool LockedFile::is_regular() const { return is_open() && S_ISREG(status_of(descriptor_).st_mode); }
 mode_t LockedFile::mode() const { return status_of(descriptor_).st_mode & 07777; }
 uid_t LockedFile::owner() const { return status_of(descriptor_).st_uid; }
 gid_t LockedFile::group() const { return status_of(descriptor_).st_gid; }
@@ -150,17 +208,28 @@ void LockedFile::truncate() {
   if (ftruncate(descriptor_, 0) != 0) fail_io();
 }
 
-void LockedFile::rewrite(std::string_view text) {
-  truncate();
-  if (lseek(descriptor_, 0, SEEK_SET) < 0 || !write_all(descriptor_, text)) fail_io();
-}
-
 void replace_file(const std::string& path, std::string_view content, const LockedFile& old) {
   const std::string target = resolved(path);
+  const Folder folder(folder_of(target));
   TemporaryFile file(target);
-  file.fill(content, old);
+  file.be_like(old);
+  file.fill(content);
   file.rename_to(target);
-  sync_folder(folder_of(target));
+  folder.sync();
+}
+
+bool create_file(const std::string& path, std::string_view content) {
+  struct stat status {};
+  if (lstat(path.c_str(), &status) == 0) return false;
+  const std::size_t slash = path.rfind('/');
+  const std::string target = resolved(slash == std::string::npos ? "." : path.substr(0, slash + 1)) + "/" +
+                             path.substr(slash == std::string::npos ? 0 : slash + 1);
+  const Folder folder(folder_of(target));
+  TemporaryFile file(target);
+  file.fill(content);
+  if (!file.link_to(target)) return false;
+  folder.sync();
+  return true;
 }
 
 }  // namespace uci

@@ -1,6 +1,7 @@
 // Files under advisory locks, and their atomic replacement.
 #pragma once
 
+#include <cerrno>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -15,7 +16,8 @@ enum class Lock { kShared, kExclusive };
 class LockedFile {
  public:
   LockedFile() = default;
-  // `create` makes a missing file with `mode`. Not open() afterwards when that failed; errno tells why.
+  // `create` makes a missing file with `mode`. Not open afterwards when that failed. Throws Failure{UCI_ERR_IO} when
+  // the file system has no exclusive lock to give.
   LockedFile(const std::string& path, Lock lock, bool create = false, mode_t mode = 0600);
   LockedFile(LockedFile&& other) noexcept;
   LockedFile& operator=(LockedFile&& other) noexcept;
@@ -24,6 +26,9 @@ class LockedFile {
   ~LockedFile();
 
   [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
+  // True when it is not open because there is no such file.
+  [[nodiscard]] bool is_missing() const { return !is_open() && (error_ == ENOENT || error_ == ENOTDIR); }
+  // True for an open file that is a plain file, not a folder or a device.
   [[nodiscard]] bool is_regular() const;
   [[nodiscard]] mode_t mode() const;
   [[nodiscard]] uid_t owner() const;
@@ -35,18 +40,22 @@ class LockedFile {
   void append(std::string_view text);
   // Empties the file. Throws Failure{UCI_ERR_IO}.
   void truncate();
-  // Replaces the content. Throws Failure{UCI_ERR_IO}.
-  void rewrite(std::string_view text);
 
  private:
   bool try_open(const std::string& path, Lock lock, int flags, mode_t mode);
   void close();
   int descriptor_ = -1;
+  int error_ = 0;  // why it is not open
 };
 
 // Puts a new file with this content in the place of `path` (of its target, for a symbolic link): written beside it,
 // synced, renamed, the folder synced. `old` is the locked file that is replaced: its mode, and its owner where that is
-// allowed, are kept. Throws Failure{UCI_ERR_IO} and leaves the old file as it was.
+// allowed, are kept. Throws Failure{UCI_ERR_IO}; the file is the old one then, or, when only the sync of the folder
+// failed, the new one.
 void replace_file(const std::string& path, std::string_view content, const LockedFile& old);
+
+// Puts a new file there, whole or not at all, readable for its owner only. False, and nothing done, when there is a
+// file already. Throws Failure{UCI_ERR_IO}.
+bool create_file(const std::string& path, std::string_view content);
 
 }  // namespace uci

@@ -1,7 +1,6 @@
 // Loading, staging and committing of packages, all under the locks that the platform's other tools take.
 #include "package_file.h"
 
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -13,7 +12,7 @@
 #include "delta.h"
 #include "locked_file.h"
 #include "package_parser.h"
-#include "text.h"
+#include "package_text.h"
 #include "tuple.h"
 
 namespace uci {
@@ -33,6 +32,11 @@ constexpr mode_t kPermissions = 0777;
 
 bool is_path(std::string_view name) { return name.starts_with('/') || name.starts_with("./"); }
 
+// A name that climbs out of its folder is no package's. Only a path says openly that it may be any file.
+bool leads_upwards(std::string_view name) {
+  return name.find("/../") != std::string_view::npos || name.ends_with("/..");
+}
+
 struct Location {
   std::string path;
   std::string name;
@@ -43,7 +47,7 @@ struct Location {
 Location locate(const uci_context& context, std::string_view name) {
   if (!is_type(name)) throw Failure{UCI_ERR_INVAL};
   if (is_path(name)) return {std::string(name), std::string(name.substr(name.rfind('/') + 1)), false, false};
-  if (name.starts_with('.')) throw Failure{UCI_ERR_NOTFOUND};
+  if (name.starts_with('.') || leads_upwards(name)) throw Failure{UCI_ERR_NOTFOUND};
   const std::string conf2 = context.conf2dir == nullptr ? "" : std::string(context.conf2dir) + "/" + std::string(name);
   struct stat status {};
   if (!conf2.empty() && stat(conf2.c_str(), &status) == 0) return {conf2, std::string(name), true, true};
@@ -51,7 +55,7 @@ Location locate(const uci_context& context, std::string_view name) {
 }
 
 void require_readable(const LockedFile& file) {
-  if (!file.is_open()) throw Failure{errno == ENOENT || errno == ENOTDIR ? UCI_ERR_NOTFOUND : UCI_ERR_IO};
+  if (!file.is_open() && !file.is_missing()) throw Failure{UCI_ERR_IO};
   if (!file.is_regular()) throw Failure{UCI_ERR_NOTFOUND};
 }
 
@@ -59,18 +63,25 @@ std::string delta_path(std::string_view directory, const uci_package& package) {
   return std::string(directory) + "/" + package.e.name;
 }
 
+bool is_same_file(const std::string& one, const std::string& other) {
+  struct stat first {};
+  struct stat second {};
+  return stat(one.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+         first.st_ino == second.st_ino;
+}
+
 PackagePtr parse_file(uci_context& context, const Location& location, const LockedFile& file) {
   PackagePtr package(new_package(context, location.name));
   const Stream stream(file.read_stream());
   parse_package(context, stream.get(), *package);
-  package->path = strdup(location.path.c_str());
+  replace_text(package->path, location.path);
   package->has_delta = location.has_delta;
   package->uses_conf2 = location.uses_conf2;
   return package;
 }
 
 int apply_delta_file(const LockedFile& file, uci_package& package) {
-  if (!file.is_open()) return 0;
+  if (!file.is_regular()) return 0;
   const Stream stream(file.read_stream());
   return apply_records(stream.get(), package);
 }
@@ -80,16 +91,18 @@ int apply_delta_files(uci_context& context, uci_package& package, const LockedFi
   int count = 0;
   uci_element* directory = nullptr;
   uci_foreach_element(&context.delta_path, directory) {
-    if (savedir_file != nullptr && std::strcmp(directory->name, context.savedir) == 0) {
+    const std::string path = delta_path(directory->name, package);
+    // Also under another name of the folder: the lock on it is held, and would be waited for.
+    if (savedir_file != nullptr && is_same_file(path, delta_path(context.savedir, package))) {
       count += apply_delta_file(*savedir_file, package);
     } else {
-      count += apply_delta_file(LockedFile(delta_path(directory->name, package), Lock::kShared), package);
+      count += apply_delta_file(LockedFile(path, Lock::kShared), package);
     }
   }
   return count;
 }
 
-// The savedir is made when it is missing, as the package folder is.
+// The savedir is made when it is missing, with the mode of the package folder.
 void make_savedir(const uci_context& context) {
   struct stat status {};
   if (stat(context.savedir, &status) == 0) return;
@@ -99,13 +112,20 @@ void make_savedir(const uci_context& context) {
 
 // The delta file of the savedir, made when there is something to put into it. Not open when there is none.
 LockedFile open_delta_file(const uci_context& context, const uci_package& package) {
-  if (uci_list_empty(&package.delta)) return LockedFile(delta_path(context.savedir, package), Lock::kExclusive);
+  // A savedir that is the package folder: no changes into the package file, no waiting for the own lock.
+  if (is_same_file(delta_path(context.savedir, package), package.path)) throw Failure{UCI_ERR_IO};
+  if (uci_list_empty(&package.delta)) {
+    LockedFile file(delta_path(context.savedir, package), Lock::kExclusive);
+    // What is staged there and cannot be read must not be passed over.
+    if (!file.is_missing() && !file.is_regular()) throw Failure{UCI_ERR_IO};
+    return file;
+  }
   make_savedir(context);
   struct stat status {};
   const std::string config = std::string(context.confdir) + "/" + package.e.name;
   const mode_t mode = stat(config.c_str(), &status) == 0 ? status.st_mode & kPermissions : mode_t{UCI_FILEMODE};
   LockedFile file(delta_path(context.savedir, package), Lock::kExclusive, true, mode);
-  if (!file.is_open() || !file.is_regular()) throw Failure{UCI_ERR_IO};
+  if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   return file;
 }
 
@@ -121,9 +141,9 @@ void append_pending(LockedFile& delta_file, uci_package& package) {
 void link_package(uci_context& context, PackagePtr& package) { list_add_tail(context.root, package.release()->e.list); }
 
 // The file that a commit of this package goes to, locked. A vanished one is made, empty.
-LockedFile open_for_commit(const uci_package& package) {
-  LockedFile file(package.path, Lock::kExclusive, true, UCI_FILEMODE);
-  if (!file.is_open() || !file.is_regular()) throw Failure{UCI_ERR_IO};
+LockedFile open_for_commit(const std::string& path) {
+  LockedFile file(path, Lock::kExclusive, true, UCI_FILEMODE);
+  if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   return file;
 }
 
@@ -133,7 +153,7 @@ void write_package(uci_package& package, const LockedFile& file) {
 
 // Re-reads the file under its lock, applies all that is staged, writes it, and only then empties the delta file.
 void commit_with_delta(uci_context& context, uci_package*& handle) {
-  const LockedFile file = open_for_commit(*handle);
+  const LockedFile file = open_for_commit(handle->path);
   LockedFile delta_file = open_delta_file(context, *handle);
   append_pending(delta_file, *handle);
   const Location location{handle->path, handle->e.name, handle->has_delta, handle->uses_conf2};
@@ -150,7 +170,7 @@ void commit_with_delta(uci_context& context, uci_package*& handle) {
 
 // The caller's own elements, with what is staged applied on top.
 void commit_overwriting(uci_context& context, uci_package& package) {
-  const LockedFile file = open_for_commit(package);
+  const LockedFile file = open_for_commit(package.path);
   LockedFile delta_file = open_delta_file(context, package);
   if (apply_delta_files(context, package, &delta_file) == 0) return;
   write_package(package, file);
@@ -160,15 +180,22 @@ void commit_overwriting(uci_context& context, uci_package& package) {
 }
 
 void commit_from_memory(uci_package& package) {
-  write_package(package, open_for_commit(package));
+  write_package(package, open_for_commit(package.path));
   free_deltas(package.delta);
+}
+
+// A package without a file gets one. A new file never stands there empty, not even when this process is killed.
+void commit_imported(const uci_context& context, uci_package& package) {
+  const std::string path = std::string(context.confdir) + "/" + package.e.name;
+  const std::string text = format_package(package, false);
+  if (!create_file(path, text)) replace_file(path, text, open_for_commit(path));
+  replace_text(package.path, path);
 }
 
 void commit(uci_context& context, uci_package*& handle, bool overwrite) {
   if (handle->path == nullptr) {
     if (!overwrite) throw Failure{UCI_ERR_INVAL};
-    handle->path = strdup((std::string(context.confdir) + "/" + handle->e.name).c_str());
-    commit_from_memory(*handle);
+    commit_imported(context, *handle);
   } else if (!handle->has_delta) {
     commit_from_memory(*handle);
   } else if (overwrite) {
@@ -186,14 +213,16 @@ bool is_reverted(const Record& record, const uci_ptr& ptr) {
 
 // Keeps the records that are not reverted. A file that holds anything else is left alone.
 void filter_delta_file(uci_context& context, const uci_package& package, const uci_ptr& ptr) {
-  LockedFile file(delta_path(context.savedir, package), Lock::kExclusive);
-  if (!file.is_open()) return;
+  const std::string path = delta_path(context.savedir, package);
+  const LockedFile file(path, Lock::kExclusive);
+  if (file.is_missing()) return;
+  if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   std::string kept;
   const Stream stream(file.read_stream());
   const int count = read_records(stream.get(), package.e.name, [&](const Record& record) {
     if (!is_reverted(record, ptr)) kept += format_record(package.e.name, record);
   });
-  if (count > 0) file.rewrite(kept);
+  if (count > 0) replace_file(path, kept, file);
 }
 
 void revert(uci_context& context, uci_ptr& ptr) {
@@ -234,30 +263,6 @@ void save_package(uci_context& context, uci_package& package) {
   if (uci_list_empty(&package.delta)) return;
   LockedFile delta_file = open_delta_file(context, package);
   append_pending(delta_file, package);
-}
-
-std::string format_package(const uci_package& package, bool header) {
-  const bool all_names = (package.ctx->flags & UCI_FLAG_EXPORT_NAME) != 0;
-  std::string text = header ? "package " + escaped(package.e.name) + "\n" : "";
-  const uci_element* section_element = nullptr;
-  uci_foreach_element(&package.sections, section_element) {
-    uci_section& section = *uci_to_section(const_cast<uci_element*>(section_element));
-    text += "\nconfig " + escaped(section.type);
-    if (!section.anonymous || all_names) text += " " + quoted(section.e.name);
-    text += "\n";
-    uci_element* option_element = nullptr;
-    uci_foreach_element(&section.options, option_element) {
-      uci_option& option = *uci_to_option(option_element);
-      const std::string name = escaped(option.e.name);
-      if (option.type == UCI_TYPE_STRING) {
-        text += "\toption " + name + " " + quoted(option.v.string) + "\n";
-        continue;
-      }
-      uci_element* item = nullptr;
-      uci_foreach_element(&option.v.list, item) text += "\tlist " + name + " " + quoted(item->name) + "\n";
-    }
-  }
-  return text += "\n";
 }
 
 }  // namespace uci

@@ -1,17 +1,12 @@
 // Packages and their files: loading, staging, committing.
 #pragma once
 
-#include <string>
-
 #include "elements.h"
 
 namespace uci {
 
 // Reads the package and what is staged for it. Throws Failure; nothing is added to the context then.
 uci_package* load_package(uci_context& context, const char* name);
-
-// The text of a package file, with the "package" line when `header` is set.
-std::string format_package(const uci_package& package, bool header);
 
 // Appends the unsaved changes to the delta file. Throws Failure{UCI_ERR_IO}; the changes are kept then.
 void save_package(uci_context& context, uci_package& package);

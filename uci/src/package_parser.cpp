@@ -160,19 +160,22 @@ bool is_type(std::string_view type) {
 void FillSink::fill(uci_package* package) {
   package_ = package;
   section_ = nullptr;
+  sections_.clear();
 }
 
 bool FillSink::section(const std::string& type, const std::string& name, bool strict) {
-  uci_section* existing = name.empty() ? nullptr : find_section(*package_, name);
-  if (existing == nullptr) {
+  const auto existing = name.empty() ? sections_.end() : sections_.find(name);
+  if (existing == sections_.end()) {
     section_ = new_section(*package_, type, name.empty() ? nullptr : name.c_str());
+    sections_.emplace(section_->e.name, section_);
     return true;
   }
-  if (type != existing->type) {
+  uci_section& reopened = *existing->second;
+  if (type != reopened.type) {
     if (strict) return false;
-    replace_text(existing->type, type);
+    replace_text(reopened.type, type);
   }
-  section_ = existing;
+  section_ = &reopened;
   return true;
 }
 

@@ -2,6 +2,9 @@
 #pragma once
 
 #include <cstdio>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 
 #include "elements.h"
 
@@ -33,13 +36,15 @@ class FillSink : public StatementSink {
   void list(const std::string& name, const std::string& value) override;
 
  protected:
-  // The package that sections go to from now on.
+  // The package that sections go to from now on; it has none yet.
   void fill(uci_package* package);
   [[nodiscard]] uci_package* filled() const { return package_; }
 
  private:
   uci_package* package_ = nullptr;
   uci_section* section_ = nullptr;
+  // The first section of each name, so that reading a long package takes no search per section.
+  std::unordered_map<std::string_view, uci_section*> sections_;
 };
 
 // Parses the whole stream. Strict: throws Failure{UCI_ERR_PARSE} at the first error. Otherwise skips what is wrong.

@@ -6,8 +6,7 @@
 
 namespace uci {
 
-inline std::string escaped(std::string_view text) {
-  std::string result;
+inline void append_escaped(std::string& result, std::string_view text) {
   for (const char character : text) {
     if (character == '\'') {
       result += "'\\''";
@@ -15,9 +14,18 @@ inline std::string escaped(std::string_view text) {
       result += character;
     }
   }
-  return result;
 }
 
-inline std::string quoted(std::string_view text) { return '\'' + escaped(text) + '\''; }
+inline void append_quoted(std::string& result, std::string_view text) {
+  result += '\'';
+  append_escaped(result, text);
+  result += '\'';
+}
+
+inline std::string quoted(std::string_view text) {
+  std::string result;
+  append_quoted(result, text);
+  return result;
+}
 
 }  // namespace uci

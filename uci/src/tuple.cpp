@@ -48,19 +48,15 @@ Position parse_position(const char* text) {
   return {std::string_view(text + 1, static_cast<std::size_t>(open - text - 1)), static_cast<int>(index)};
 }
 
+// Counts from the end for a negative index, -1 being the last.
 uci_section* find_at(uci_package& package, const Position& position) {
-  const auto matches = [&position](const uci_section& section) {
-    return position.type.empty() || position.type == section.type;
-  };
-  int wanted = position.index;
-  uci_element* element = nullptr;
-  if (wanted < 0) {
-    uci_foreach_element(&package.sections, element) wanted += matches(*uci_to_section(element)) ? 1 : 0;
-    if (wanted < 0) return nullptr;
-  }
-  uci_foreach_element(&package.sections, element) {
-    uci_section* section = uci_to_section(element);
-    if (matches(*section) && wanted-- == 0) return section;
+  const bool from_end = position.index < 0;
+  long left = from_end ? -1L - position.index : position.index;
+  const auto step = [from_end](const uci_list& node) { return from_end ? node.prev : node.next; };
+  for (uci_list* node = step(package.sections); node != &package.sections; node = step(*node)) {
+    uci_section* section = uci_to_section(list_to_element(node));
+    const bool matches = position.type.empty() || position.type == section->type;
+    if (matches && left-- == 0) return section;
   }
   return nullptr;
 }

@@ -2,11 +2,15 @@
 #include "words.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <sys/types.h>
+
+#include "elements.h"
 
 namespace uci {
 namespace {
@@ -22,9 +26,15 @@ struct FreeText {
 bool WordReader::append_line() {
   char* raw = nullptr;
   std::size_t capacity = 0;
+  errno = 0;
   const ssize_t length = getline(&raw, &capacity, stream_);
   const std::unique_ptr<char, FreeText> owned(raw);
-  if (length <= 0) return false;
+  if (length <= 0) {
+    // A text that broke off must not pass for a short one: a commit would write what was read of it.
+    if (errno == ENOMEM) throw std::bad_alloc();
+    if (std::ferror(stream_) != 0) throw Failure{UCI_ERR_IO};
+    return false;
+  }
   const std::size_t size = static_cast<std::size_t>(length);
   // Padding behind the last line end, as of a text in a C buffer, is no line.
   if (std::string_view(raw, size).find_first_not_of('\0') == std::string_view::npos) return false;
@@ -65,7 +75,7 @@ std::string WordReader::keyword() {
   }
   const std::size_t begin = position_;
   position_ = std::min(text_.find_first_of(" \t", begin), text_.size());
-  const std::string keyword = text_.substr(begin, position_ - begin);
+  std::string keyword = text_.substr(begin, position_ - begin);
   keyword_ended_file_ = at_end();
   if (!at_end()) ++position_;
   return keyword;

@@ -20,7 +20,8 @@ class WordReader {
   WordReader() = default;
   explicit WordReader(std::FILE* stream) : stream_(stream) {}
 
-  // Begins a new statement line; false at the end of the stream. A NUL byte throws WordError.
+  // Begins a new statement line; false at the end of the stream. A NUL byte throws WordError, a read error
+  // Failure{UCI_ERR_IO}.
   bool next_line();
   // True when the statement line holds another statement (behind a semicolon).
   bool at_statement();

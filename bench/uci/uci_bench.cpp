@@ -1,0 +1,147 @@
+// What loading, looking up, setting and committing cost on a wireless package, and how that grows with its sections.
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <unistd.h>
+
+#include <benchmark/benchmark.h>
+#include <uci.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct FreeContext {
+  void operator()(uci_context* context) const noexcept { uci_free_context(context); }
+};
+using ContextPtr = std::unique_ptr<uci_context, FreeContext>;
+
+constexpr int kRouterSections = 40;  // three radios and the access points, backhaul and station interfaces on them
+
+std::string wireless_text(int sections) {
+  std::string text;
+  for (int index = 0; index < sections; ++index) {
+    const std::string number = std::to_string(index);
+    text.append("\nconfig wifi-iface 'ath").append(number);
+    text.append("'\n\toption device 'wifi").append(std::to_string(index % 3));
+    text.append("'\n\toption mode 'ap'\n\toption network 'lan'\n\toption ssid 'network-").append(number);
+    text.append("'\n\toption encryption 'sae-mixed'\n\toption key 'a passphrase of some length'\n");
+    text.append("\toption hidden '0'\n\toption disabled '0'\n");
+    text.append("\tlist basic_rates '6'\n\tlist basic_rates '12'\n\tlist basic_rates '24'\n");
+  }
+  return text.append("\n");
+}
+
+// A folder of packages in memory where there is one, so that the numbers are the library's and not the disk's.
+class PackageFolder {
+ public:
+  explicit PackageFolder(int sections) {
+    std::string folder = access("/dev/shm", W_OK) == 0 ? "/dev/shm/uci-bench-XXXXXX" : "/tmp/uci-bench-XXXXXX";
+    if (mkdtemp(folder.data()) == nullptr) std::abort();
+    folder_ = folder;
+    fs::create_directories(folder_ / "conf");
+    std::ofstream(folder_ / "conf/wireless") << wireless_text(sections);
+  }
+  PackageFolder(const PackageFolder&) = delete;
+  PackageFolder& operator=(const PackageFolder&) = delete;
+  ~PackageFolder() { fs::remove_all(folder_); }
+
+  [[nodiscard]] ContextPtr open() const {
+    ContextPtr context(uci_alloc_context());
+    uci_set_confdir(context.get(), (folder_ / "conf").c_str());
+    uci_set_savedir(context.get(), (folder_ / "save").c_str());
+    return context;
+  }
+
+ private:
+  fs::path folder_;
+};
+
+void require(benchmark::State& state, int code) {
+  if (code != UCI_OK) state.SkipWithError("a call failed");
+}
+
+uci_ptr look_up(benchmark::State& state, uci_context* context, std::string& tuple) {
+  uci_ptr ptr{};
+  require(state, uci_lookup_ptr(context, &ptr, tuple.data(), true));
+  return ptr;
+}
+
+void load(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  while (state.KeepRunning()) {
+    const ContextPtr context = folder.open();
+    require(state, uci_load(context.get(), "wireless", nullptr));
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+// The last section by its name: the longest search.
+void look_up_name(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  const ContextPtr context = folder.open();
+  require(state, uci_load(context.get(), "wireless", nullptr));
+  const std::string name = "wireless.ath" + std::to_string(state.range(0) - 1) + ".ssid";
+  while (state.KeepRunning()) {
+    std::string tuple = name;
+    benchmark::DoNotOptimize(look_up(state, context.get(), tuple).o);
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+// The last section by its position from the first.
+void look_up_position(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  const ContextPtr context = folder.open();
+  require(state, uci_load(context.get(), "wireless", nullptr));
+  const std::string name = "wireless.@wifi-iface[" + std::to_string(state.range(0) - 1) + "].ssid";
+  while (state.KeepRunning()) {
+    std::string tuple = name;
+    benchmark::DoNotOptimize(look_up(state, context.get(), tuple).o);
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+// In memory and staged, as `uci set` does, on a package that is loaded.
+void set_and_save(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  const ContextPtr context = folder.open();
+  require(state, uci_load(context.get(), "wireless", nullptr));
+  int value = 0;
+  while (state.KeepRunning()) {
+    std::string tuple = "wireless.ath0.ssid=name-" + std::to_string(++value);
+    uci_ptr ptr = look_up(state, context.get(), tuple);
+    require(state, uci_set(context.get(), &ptr));
+    require(state, uci_save(context.get(), ptr.p));
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+// A whole change as the program makes it: load, set, commit.
+void set_and_commit(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  int value = 0;
+  while (state.KeepRunning()) {
+    const ContextPtr context = folder.open();
+    std::string tuple = "wireless.ath0.ssid=name-" + std::to_string(++value);
+    uci_ptr ptr = look_up(state, context.get(), tuple);
+    require(state, uci_set(context.get(), &ptr));
+    require(state, uci_commit(context.get(), &ptr.p, false));
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+void sizes(benchmark::internal::Benchmark* bench) {
+  for (const int sections : {10, kRouterSections, 100, 1000, 10000}) bench->Arg(sections);
+  bench->Unit(benchmark::kMicrosecond);
+}
+
+BENCHMARK(load)->Apply(sizes)->Complexity(benchmark::oN);
+BENCHMARK(look_up_name)->Apply(sizes)->Complexity(benchmark::oN);
+BENCHMARK(look_up_position)->Apply(sizes)->Complexity(benchmark::oN);
+BENCHMARK(set_and_save)->Apply(sizes)->Complexity(benchmark::o1);  // the first section, one record
+BENCHMARK(set_and_commit)->Apply(sizes)->Complexity(benchmark::oN);
+
+}  // namespace

@@ -1,0 +1,159 @@
+// GET /api/v1/mesh/agent-info: the agents below this controller.
+#include "mesh/agent_info.h"
+
+#include <array>
+#include <cctype>
+#include <cstdio>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "mesh/backhaul.h"
+#include "mesh/topology_log.h"
+#include "mesh_codes.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "uci_access.h"
+
+namespace {
+
+constexpr const char* kModel = "MX-9P300KLD";
+constexpr const char* kLeasesPath = "/tmp/dhcp.leases";
+constexpr std::size_t kLineSize = 1024;
+
+struct Lease {
+  std::string mac;
+  std::string host_name;
+};
+
+std::string lower_case(std::string text) {
+  for (char& character : text) character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
+  return text;
+}
+
+std::vector<Lease> parse_leases(std::string_view text) {
+  std::vector<Lease> leases;
+  for (const std::string& line : platform::split_lines(text, kLineSize)) {
+    std::array<char, kMacLength + 1> mac{};
+    std::array<char, 64> host_name{};
+    if (std::sscanf(line.c_str(), "%*s %17s %*s %63s", mac.data(), host_name.data()) < 2) continue;
+    leases.push_back({lower_case(mac.data()), host_name.data()});
+  }
+  return leases;
+}
+
+std::string model_of(const std::vector<Lease>& leases, const std::string& mac) {
+  for (const Lease& lease : leases) {
+    if (lease.mac == lower_case(mac)) return lease.host_name;
+  }
+  log_error("Hostname not found for MAC %s, set to MX-9P300KLD", mac.c_str());
+  return kModel;
+}
+
+AgentInfo agent_of(const TopologyInfo& info, std::size_t device_position, int number) {
+  const TopologyDevice& device = info.devices[device_position];
+  AgentInfo agent;
+  agent.agentDeviceNumber = number;
+  agent.macAddress = device.mac;
+  agent.ipv4Address = device.ip;
+  if (number != 0 && device.parent) agent.connectParentMacAddress = info.devices[*device.parent].mac;
+  agent.connectionType = number == 0 ? 0 : connection_type_code(device.connectionType);
+  return agent;
+}
+
+void set_led_status(std::vector<AgentInfo>& agents) {
+  for (AgentInfo& agent : agents) agent.ledStatus = agent.macAddress.empty() ? 0 : 1;
+}
+
+// False on failure, which is logged.
+bool add_agents(json_object* array) {
+  const std::optional<std::string> dump = get_topology_dump();
+  if (!dump) {
+    log_error("Failed to get topology data");
+    return false;
+  }
+  std::vector<AgentInfo> agents = topology_to_agents(parse_topology(*dump));
+  if (get_agent_model_info(agents) != 0) {
+    log_error("Failed to get agent model info");
+    return false;
+  }
+  set_led_status(agents);
+  for (std::size_t row = 1; row < agents.size(); ++row) add_agent_info_to_json_array(array, &agents[row]);
+  return true;
+}
+
+}  // namespace
+
+std::vector<AgentInfo> topology_to_agents(const TopologyInfo& info) {
+  std::vector<AgentInfo> agents;
+  std::vector<std::size_t> waiting;
+  if (info.root) waiting.push_back(*info.root);
+  while (!waiting.empty() && agents.size() < kMostAgentRows) {
+    const std::size_t device = waiting.back();
+    waiting.pop_back();
+    agents.push_back(agent_of(info, device, static_cast<int>(agents.size())));
+    const std::vector<std::size_t>& children = info.devices[device].children;
+    waiting.insert(waiting.end(), children.rbegin(), children.rend());
+  }
+  return agents;
+}
+
+int get_agent_model_info(std::vector<AgentInfo>& agents) {
+  constexpr std::size_t kHostNameSize = 64;
+  if (!uci_read("system", "@system[0]", "hostname", kHostNameSize)) {
+    log_error("Failed to get hostname");
+    return 1;
+  }
+  if (!agents.empty()) agents[0].model = kModel;  // whatever the router's own host name is
+  const std::optional<std::string> text = platform::read_file(kLeasesPath);
+  if (!text) {
+    std::printf("Failed to open file");
+    std::fflush(stdout);
+    return 1;
+  }
+  const std::vector<Lease> leases = parse_leases(*text);
+  for (std::size_t row = 1; row < agents.size(); ++row) agents[row].model = model_of(leases, agents[row].macAddress);
+  return 0;
+}
+
+int add_agent_info_to_json_array(json_object* array, const AgentInfo* agent) {
+  if (array == nullptr || agent == nullptr) {
+    log_error("Invalid input parameters to add_agent_info_to_json_array");
+    return 1;
+  }
+  json::JsonPtr row = json::new_object();
+  json_object* object = row.get();
+  json::add(object, "agentDeviceNumber", agent->agentDeviceNumber);
+  json::add(object, "model", agent->model);
+  json::add(object, "macAddress", agent->macAddress);
+  json::add(object, "ipv4Address", agent->ipv4Address);
+  json::add(object, "connectParentMacAddress", agent->connectParentMacAddress);
+  json::add(object, "location", agent->location);
+  json::add(object, "locationCustom", agent->locationCustom);
+  json::add(object, "connectionType", agent->connectionType);
+  json::add(object, "linkQuality", agent->linkQuality);
+  json::add(object, "ledStatus", agent->ledStatus);
+  json::append(array, std::move(row));
+  return 0;
+}
+
+int handle_get_mesh_agent_info(FCGX_Request* request) {
+  int role = kMeshRoleNone;
+  if (get_mesh_role_value(role) != 0) {
+    log_error("Failed to get mesh role");
+    answer_plain(request, kResultUnusable);
+    return 1;
+  }
+  json::JsonPtr agents = json::new_array();
+  if (role == kMeshRoleController && !add_agents(agents.get())) {
+    answer_plain(request, kResultUnusable);
+    return 1;
+  }
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "agentInfo", std::move(agents));
+  topo_log("handle_get_mesh_agent_info = %s\n",
+           json_object_to_json_string_ext(document.get(), JSON_C_TO_STRING_PRETTY));
+  return answer(request, document);
+}

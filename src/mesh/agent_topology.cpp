@@ -1,0 +1,75 @@
+// The mesh as an agent sees it.
+#include <algorithm>
+
+#include "mesh/client_sources.h"
+#include "mesh/dump_index.h"
+#include "mesh/topology_log.h"
+
+namespace {
+
+constexpr std::size_t kMostAgents = 16;
+
+bool is_device_header(std::string_view line) {
+  return holds(line, "IEEE 1905.1 device:") && (holds(line, "IPv4 address:") || holds(line, "MAP Agent"));
+}
+
+void add_unique(std::vector<std::string>& macs, const std::string& mac) {
+  if (!mac.empty() && std::ranges::find(macs, mac) == macs.end()) macs.push_back(mac);
+}
+
+// Walks the legacy tables: stations of Ethernet ports, the WAN port eth1 left out.
+class LegacyReader {
+ public:
+  // The MAC of a wired device on this line; empty when it holds none.
+  std::string read(std::string_view line) {
+    if (holds(line, "Legacy Devices:")) {
+      in_table_ = true;
+      is_wired_ = false;
+      return {};
+    }
+    if (holds(line, "Radios:")) in_table_ = false;
+    if (!in_table_) return {};
+    if (const auto name = text_behind(line, "Interface ", ":")) {
+      is_wired_ = holds(*name, "eth") && *name != "eth1";
+      return {};
+    }
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    if (!is_wired_ || !holds(line, ":") || line.size() < kMacLength) return {};
+    return std::string(line.substr(0, kMacLength));
+  }
+
+ private:
+  bool in_table_ = false;
+  bool is_wired_ = false;
+};
+
+}  // namespace
+
+AgentTopo parse_agent_topology(std::string_view dump) {
+  AgentTopo topology;
+  LegacyReader legacy;
+  const DumpIndex index(dump);
+  for (const std::string_view line : index.lines()) {
+    if (is_device_header(line)) {
+      if (topology.agents.size() < kMostAgents) add_unique(topology.agents, header_mac(line));
+      continue;
+    }
+    add_unique(topology.legacy, legacy.read(line));
+  }
+  return topology;
+}
+
+void print_agent_topology(const AgentTopo* topology) {
+  if (topology == nullptr) {
+    console_print("AgentTopo is NULL\n");
+    return;
+  }
+  topo_log("===== Agent Topology =====\n");
+  topo_log("Agent count: %d\n", static_cast<int>(topology->agents.size()));
+  int number = 0;
+  for (const std::string& mac : topology->agents) topo_log("  Agent[%d]: %s\n", number++, mac.c_str());
+  topo_log("Legacy wired device count: %d\n", static_cast<int>(topology->legacy.size()));
+  number = 0;
+  for (const std::string& mac : topology->legacy) topo_log("  Legacy[%d]: %s\n", number++, mac.c_str());
+  topo_log("==========================\n");
+}

@@ -1,0 +1,114 @@
+// GET /api/v1/router/client-list: every device on the router's LAN.
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <optional>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "mesh/client_scenarios.h"
+#include "mesh/topology_log.h"
+#include "platform/log.h"
+#include "uci_access.h"
+
+namespace {
+
+struct MeshState {
+  bool enabled = false;
+  std::string role;
+  [[nodiscard]] bool is_agent() const { return enabled && role.starts_with("agent"); }
+  [[nodiscard]] bool is_controller() const { return role.starts_with("controller"); }
+};
+
+MeshState read_mesh_state() {
+  const std::string enabled = uci_read_or("button_mesh", "easymesh", "enable", 4, "0");
+  return {std::atoi(enabled.c_str()) != 0, uci_read_or("button_mesh", "easymesh", "role", 16, "")};
+}
+
+// nullopt when the mesh cannot be asked.
+std::optional<ClientTable> collect_clients(const MeshState& mesh, const ClientTable& arp) {
+  if (!mesh.enabled) return handle_non_mesh_scenario(arp);
+  const std::optional<std::string> dump = get_topology_dump();
+  if (!dump) {
+    if (mesh.is_agent()) log_error("Failed to get agent topology data");
+    return std::nullopt;
+  }
+  if (mesh.is_agent()) {
+    const AgentTopo topology = parse_agent_topology(*dump);
+    print_agent_topology(&topology);
+    return handle_agent_scenario(topology);
+  }
+  const TopologyInfo topology = parse_topology(*dump);
+  print_topology(topology);
+  return handle_controller_scenario(arp, topology);
+}
+
+void copy_addresses(const ClientTable& arp, ClientTable& clients) {
+  for (ClientRecord& row : clients.rows()) {
+    if (const ClientRecord* known = arp.find(row.mac)) row.ip = known->ip;
+  }
+}
+
+json::JsonPtr client_entry(const ClientRecord& row) {
+  json::JsonPtr entry = json::new_object();
+  json::add(entry.get(), "macAddress", row.mac);
+  json::add(entry.get(), "connectionType", row.connectionType);
+  json::add(entry.get(), "rssi", std::atoi(row.rssi.c_str()));
+  return entry;
+}
+
+// The signal is a text here, unlike in clientList: the mesh page relies on it.
+json::JsonPtr satellite_entry(const ClientRecord& row) {
+  json::JsonPtr entry = json::new_object();
+  json::add(entry.get(), "macAddress", row.mac);
+  json::add(entry.get(), "connectionType", row.connectionType);
+  json::add(entry.get(), "rssi", row.rssi.empty() ? std::string("0") : row.rssi);
+  return entry;
+}
+
+// "easyMesh01" to "easyMesh09", "easyMesh10" to "easyMesh16".
+std::string satellite_key(int number) {
+  std::array<char, 16> key{};
+  std::snprintf(key.data(), key.size(), "easyMesh%02d", number + 1);
+  return key.data();
+}
+
+void add_satellites(json_object* root, const ClientTable& clients) {
+  for (int number = 0; number < kMostSatellites; ++number) {
+    json::JsonPtr entries = json::new_array();
+    for (const ClientRecord& row : clients.rows()) {
+      if (!row.isMeshDevice && row.agentIndex == number) json::append(entries.get(), satellite_entry(row));
+    }
+    if (json_object_array_length(entries.get()) > 0) json::add(root, satellite_key(number).c_str(), std::move(entries));
+  }
+}
+
+json::JsonPtr build_document(const MeshState& mesh, const ClientTable& clients) {
+  json::JsonPtr list = json::new_array();
+  for (const ClientRecord& row : clients.rows()) {
+    const bool behind_satellite = mesh.is_controller() && row.agentIndex != -1;
+    if (!row.isMeshDevice && !behind_satellite) json::append(list.get(), client_entry(row));
+  }
+  json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "numOfClient", static_cast<int>(clients.rows().size()));
+  json::add(document.get(), "clientList", std::move(list));
+  if (mesh.enabled && mesh.is_controller()) add_satellites(document.get(), clients);
+  return document;
+}
+
+}  // namespace
+
+// Answers nothing when the mesh cannot be asked: the client list page then keeps what it shows.
+int handle_get_client_list(FCGX_Request* request) {
+  const MeshState mesh = read_mesh_state();
+  refresh_arp();
+  const ClientTable arp = collect_arp_clients();
+  std::optional<ClientTable> clients = collect_clients(mesh, arp);
+  if (!clients) return mesh.is_agent() ? 1 : -1;
+  copy_addresses(arp, *clients);
+  const json::JsonPtr document = build_document(mesh, *clients);
+  topo_log("handle_get_client_list = %s\n", json_object_to_json_string_ext(document.get(), JSON_C_TO_STRING_PRETTY));
+  answer(request, document);
+  return -1;
+}

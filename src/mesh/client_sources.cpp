@@ -1,0 +1,202 @@
+// Parsers of the sources and the commands that fill them.
+#include "mesh/client_sources.h"
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ifaddrs.h>
+#include <memory>
+#include <utility>
+
+#include "mesh/dump_index.h"
+#include "platform/background.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "system_helpers.h"
+
+namespace {
+
+constexpr std::size_t kMostWifiClients = 127;
+constexpr std::size_t kWifiLineSize = 64;
+constexpr const char* kWifiListPath = "/tmp/clientList.txt";
+
+// By the mask of the bands: 1 2.4 GHz, 2 5 GHz, 4 6 GHz, 8 wired.
+constexpr std::array<int, 9> kTypeOfBandMask{-1, 1, 2, 4, 3, 7, 5, 6, 0};
+
+struct WifiClient {
+  std::string mac;
+  std::string rssi;
+  std::string operating_band;
+  std::string mlo;
+  std::string mld_addr;
+};
+
+std::string behind(std::string_view line, char mark, std::size_t most) {
+  const std::size_t found = line.find(mark);
+  return found == std::string_view::npos ? std::string() : std::string(line.substr(found + 1, most));
+}
+
+void read_wifi_line(std::string_view line, std::vector<WifiClient>& clients) {
+  if (holds(line, "mac_rssi")) {
+    if (clients.size() < kMostWifiClients) clients.push_back({behind(line, ':', 17), behind(line, ' ', 7), "", "", ""});
+    return;
+  }
+  if (clients.empty()) return;
+  WifiClient& client = clients.back();
+  if (holds(line, "operating_band")) {
+    client.operating_band = behind(line, ':', 63);
+  } else if (holds(line, "mlo")) {
+    client.mlo = behind(line, ':', 3);
+  } else if (holds(line, "mld_addr")) {
+    client.mld_addr = behind(line, ':', 17);
+  }
+}
+
+int type_of_bands(std::string_view bands) {
+  std::size_t mask = 0;
+  if (holds(bands, "2.4GHz")) mask += 1;
+  if (holds(bands, "5GHz")) mask += 2;
+  if (holds(bands, "6GHz")) mask += 4;
+  if (holds(bands, "ETHER") || holds(bands, "eth0")) mask = 8;
+  return kTypeOfBandMask[mask];
+}
+
+ClientRecord record_of(const WifiClient& client) {
+  ClientRecord record;
+  record.mac = normalize_mac(client.mlo.starts_with("Yes") ? client.mld_addr : client.mac);
+  record.rssi = client.rssi;
+  record.connectionType = type_of_bands(client.operating_band);
+  record.isWireless = true;
+  record.fromWifi = true;
+  return record;
+}
+
+std::optional<std::string> address_of(const char* ifname) {
+  ifaddrs* addresses = nullptr;
+  if (getifaddrs(&addresses) != 0) return std::nullopt;
+  const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> owner(addresses, freeifaddrs);
+  for (const ifaddrs* entry = addresses; entry != nullptr; entry = entry->ifa_next) {
+    if (entry->ifa_addr == nullptr || entry->ifa_addr->sa_family != AF_INET) continue;
+    if (std::strcmp(entry->ifa_name, ifname) != 0) continue;
+    std::array<char, INET_ADDRSTRLEN> text{};
+    const auto* address = reinterpret_cast<const sockaddr_in*>(entry->ifa_addr);
+    inet_ntop(AF_INET, &address->sin_addr, text.data(), text.size());
+    return text.data();
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::string get_network_subnet(std::string_view ip) {
+  std::array<int, 4> parts{};
+  const std::string text(ip);
+  if (std::sscanf(text.c_str(), "%3d.%3d.%3d.%3d", &parts[0], &parts[1], &parts[2], &parts[3]) != 4) {
+    log_error("Error in parsing the network_sunnet,ip[%s]", text.c_str());
+    return "192.168.0.0/24";
+  }
+  return std::to_string(parts[0]) + "." + std::to_string(parts[1]) + "." + std::to_string(parts[2]) + ".0/24";
+}
+
+void refresh_arp() {
+  constexpr unsigned int kScanTime = 2;
+  os_system("echo 1 > /proc/sys/net/ipv4/conf/br-lan/arp_accept");
+  os_system("ip -4 neigh flush dev br-lan");
+  const std::optional<std::string> address = address_of("br-lan");
+  if (!address) return;
+  // The subnet is made of four numbers of the kernel's.
+  os_system("arp-scan -I br-lan --quiet " + get_network_subnet(*address) + " >/dev/null 2>&1");
+  platform::sleep_seconds(kScanTime);
+}
+
+ClientTable parse_arp_clients(std::string_view proc_net_arp) {
+  constexpr unsigned int kComplete = 0x2;
+  ClientTable table;
+  bool is_heading = true;
+  for (const std::string& line : platform::split_lines(proc_net_arp)) {
+    if (std::exchange(is_heading, false)) continue;
+    std::array<char, 16> ip{};
+    std::array<char, 16> type{};
+    std::array<char, 16> flags{};
+    std::array<char, 18> mac{};
+    std::array<char, 16> mask{};
+    std::array<char, 16> device{};
+    if (std::sscanf(line.c_str(), "%15s %15s %15s %17s %15s %15s", ip.data(), type.data(), flags.data(), mac.data(),
+                    mask.data(), device.data()) != 6) {
+      continue;
+    }
+    unsigned int bits = 0;
+    const bool complete = std::sscanf(flags.data(), "0x%8x", &bits) == 1 && (bits & kComplete) != 0;
+    if (!complete || std::strcmp(device.data(), "br-lan") != 0) continue;
+    if (std::strcmp(mac.data(), "00:00:00:00:00:00") == 0) continue;
+    ClientRecord record;
+    record.mac = normalize_mac(mac.data());
+    record.ip = ip.data();
+    record.fromArp = true;
+    table.merge(record);
+  }
+  return table;
+}
+
+ClientTable collect_arp_clients() { return parse_arp_clients(platform::read_file("/proc/net/arp").value_or("")); }
+
+ClientTable parse_wifi_clients(std::string_view client_list) {
+  std::vector<WifiClient> clients;
+  for (const std::string& line : platform::split_lines(client_list, kWifiLineSize)) {
+    read_wifi_line(without_line_end(line), clients);
+  }
+  ClientTable table;
+  for (const WifiClient& client : clients) table.merge(record_of(client));
+  return table;
+}
+
+ClientTable collect_wifi_clients() {
+  os_system("/etc/wireClient.sh");
+  return parse_wifi_clients(platform::read_file(kWifiListPath).value_or(""));
+}
+
+std::optional<int> get_interface_port(const char* ifname) {
+  const std::string path = std::string("/sys/class/net/br-lan/brif/") + ifname + "/port_no";
+  const std::optional<std::string> text = platform::read_file(path.c_str(), 32);
+  if (!text || text->empty()) return std::nullopt;
+  const bool is_hexadecimal = text->starts_with("0x") || text->starts_with("0X");
+  const int port = static_cast<int>(std::strtol(text->c_str(), nullptr, is_hexadecimal ? 16 : 10));
+  log_debug("Interface %s port from file: %s -> %d", ifname, std::string(without_line_end(*text)).c_str(), port);
+  return port;
+}
+
+std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view mac) {
+  bool is_heading = true;
+  for (const std::string& line : platform::split_lines(showmacs)) {
+    if (std::exchange(is_heading, false)) continue;
+    int port = 0;
+    std::array<char, 18> learned{};
+    if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2 && mac_equal(learned.data(), mac))
+      return port;
+  }
+  return std::nullopt;
+}
+
+void WiredPorts::read() {
+  read_ = true;
+  eth0_ = get_interface_port("eth0");
+  eth2_ = get_interface_port("eth2");
+  showmacs_ = platform::run_shell("brctl showmacs br-lan").output;
+}
+
+bool WiredPorts::is_wired_device(std::string_view mac) {
+  if (!read_) read();
+  if (!eth0_) log_error("Failed to get eth0 port");
+  if (eth0_ && !eth2_) log_error("Failed to get eth2 port");
+  if (!eth0_ || !eth2_) return false;
+  const std::optional<int> port = get_port_by_mac(showmacs_, mac);
+  if (!port) {
+    log_error("Target MAC %s not found in bridge", std::string(mac).c_str());
+    return false;
+  }
+  return *port == *eth0_ || *port == *eth2_;
+}

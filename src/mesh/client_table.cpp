@@ -1,0 +1,72 @@
+// Merging of client rows.
+#include "mesh/client_table.h"
+
+#include <cctype>
+
+#include "mesh/topology.h"
+
+namespace {
+
+constexpr std::size_t kMacDigits = 12;
+
+// The hexadecimal digits of a MAC text, in upper case, at most `most`.
+std::string digits_of(std::string_view text, std::size_t most) {
+  std::string digits;
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (std::isxdigit(byte) != 0 && digits.size() < most) digits += static_cast<char>(std::toupper(byte));
+  }
+  return digits;
+}
+
+void update(ClientRecord& row, const ClientRecord& record) {
+  if (record.fromTopology) {
+    row = record;
+  } else if (record.fromWifi && !row.fromTopology) {
+    row.connectionType = record.connectionType;
+    row.isWireless = true;
+    row.fromWifi = true;
+  } else if (record.fromArp && !row.fromTopology && !row.fromWifi) {
+    row.connectionType = record.connectionType;
+    row.fromArp = true;
+  }
+}
+
+}  // namespace
+
+std::string normalize_mac(std::string_view text) {
+  const std::string digits = digits_of(text, kMacDigits + 1);
+  if (digits.size() != kMacDigits) return std::string(text.substr(0, kMacLength));
+  std::string mac;
+  for (std::size_t digit = 0; digit < kMacDigits; ++digit) {
+    if (digit != 0 && digit % 2 == 0) mac += ':';
+    mac += digits[digit];
+  }
+  return mac;
+}
+
+bool mac_equal(std::string_view left, std::string_view right) {
+  return digits_of(left, kMacDigits) == digits_of(right, kMacDigits);
+}
+
+void ClientTable::merge(const ClientRecord& record) {
+  const auto [known, is_new] = positions_.try_emplace(digits_of(record.mac, kMacDigits), rows_.size());
+  if (is_new) {
+    rows_.push_back(record);
+  } else {
+    update(rows_[known->second], record);
+  }
+}
+
+ClientRecord* ClientTable::find(std::string_view mac) {
+  const auto known = positions_.find(digits_of(mac, kMacDigits));
+  return known == positions_.end() ? nullptr : &rows_[known->second];
+}
+
+const ClientRecord* ClientTable::find(std::string_view mac) const {
+  const auto known = positions_.find(digits_of(mac, kMacDigits));
+  return known == positions_.end() ? nullptr : &rows_[known->second];
+}
+
+void client_table_merge(ClientTable& table, const ClientRecord& record) { table.merge(record); }
+ClientRecord* client_table_find(ClientTable& table, std::string_view mac) { return table.find(mac); }

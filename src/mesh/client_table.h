@@ -1,0 +1,45 @@
+// The merged table of clients, keyed by MAC address.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+struct ClientRecord {
+  std::string mac;         // as normalize_mac writes it
+  std::string ip;          // at most 15 bytes
+  std::string rssi;        // as the driver reports it, at most 7 bytes
+  int connectionType = 0;  // 0 wired, 1 2.4, 2 5, 3 6, 4 2.4+5, 5 5+6, 6 2.4+5+6, 7 2.4+6 GHz
+  bool isWireless = false;
+  bool isMeshDevice = false;  // a mesh unit, never listed
+  int agentIndex = -1;        // number of the satellite that it hangs behind, -1 for the router itself
+  bool fromArp = false;
+  bool fromWifi = false;
+  bool fromTopology = false;
+};
+
+// Upper case with colons when the text holds exactly twelve hexadecimal digits, else the text itself (17 bytes).
+std::string normalize_mac(std::string_view text);
+
+// The hexadecimal digits of both, twelve at most, are the same in any case and number.
+bool mac_equal(std::string_view left, std::string_view right);
+
+// Rows in the order of their arrival.
+class ClientTable {
+ public:
+  // Adds the row, or updates the one of its MAC: topology ranks over Wi-Fi over ARP.
+  void merge(const ClientRecord& record);
+  ClientRecord* find(std::string_view mac);
+  [[nodiscard]] const ClientRecord* find(std::string_view mac) const;
+  std::vector<ClientRecord>& rows() { return rows_; }
+  [[nodiscard]] const std::vector<ClientRecord>& rows() const { return rows_; }
+
+ private:
+  std::vector<ClientRecord> rows_;
+  std::unordered_map<std::string, std::size_t> positions_;  // by hexadecimal digits
+};
+
+void client_table_merge(ClientTable& table, const ClientRecord& record);
+ClientRecord* client_table_find(ClientTable& table, std::string_view mac);

@@ -1,0 +1,147 @@
+// The one pass over a dump.
+#include "mesh/dump_index.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "mesh/topology.h"
+
+namespace {
+
+constexpr std::array<std::string_view, 4> kMediums{"ETHER", "WLAN2G", "WLAN5G", "WLAN6G"};
+
+bool is_digit(char character) { return character >= '0' && character <= '9'; }
+
+bool ends_interface_table(std::string_view line) {
+  const std::size_t bridged = line.find("Bridged addresses:");
+  return bridged != std::string_view::npos && std::ranges::any_of(line.substr(0, bridged), is_digit);
+}
+
+// Without every "(...)".
+std::string without_brackets(std::string_view line) {
+  std::string text;
+  while (true) {
+    const std::size_t open = line.find('(');
+    const std::size_t close = open == std::string_view::npos ? open : line.find(')', open);
+    text += line.substr(0, close == std::string_view::npos ? close : open);
+    if (close == std::string_view::npos) return text;
+    line.remove_prefix(close + 1);
+  }
+}
+
+template <class Rows>
+auto first_behind(const std::vector<std::size_t>& positions, const Rows& rows, std::size_t line) {
+  return std::ranges::upper_bound(positions, line, {}, [&rows](std::size_t position) { return rows[position].line; });
+}
+
+}  // namespace
+
+bool holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
+
+std::optional<std::string_view> text_behind(std::string_view line, std::string_view mark, std::string_view ends) {
+  const std::size_t found = line.find(mark);
+  if (found == std::string_view::npos) return std::nullopt;
+  line.remove_prefix(found + mark.size());
+  return line.substr(0, line.find_first_of(ends));
+}
+
+std::string header_mac(std::string_view line) {
+  const std::size_t mark = line.find("device: ");
+  if (mark == std::string_view::npos) return {};
+  line.remove_prefix(mark + std::string_view("device: ").size());
+  const std::size_t comma = line.find(',');
+  return comma == std::string_view::npos || comma > kMacLength ? std::string() : std::string(line.substr(0, comma));
+}
+
+std::optional<std::size_t> LineNumbers::after(std::size_t line) const {
+  const auto next = std::ranges::upper_bound(lines_, line);
+  return next == lines_.end() ? std::nullopt : std::optional(*next);
+}
+
+DumpIndex::DumpIndex(std::string_view dump) {
+  while (!dump.empty()) {
+    const std::size_t line_feed = dump.find('\n');
+    const std::string_view line = dump.substr(0, line_feed).substr(0, kDumpLineMax);
+    add_line(lines_.size(), line);
+    lines_.push_back(line);
+    dump.remove_prefix(line_feed == std::string_view::npos ? dump.size() : line_feed + 1);
+  }
+}
+
+void DumpIndex::add_line(std::size_t number, std::string_view line) {
+  if (holds(line, "QCA IEEE 1905.1 device:")) headers_.emplace(header_mac(line), number);
+  if (holds(line, "Upstream Device: None")) upstream_none_.add(number);
+  if (holds(line, "Index") && holds(line, "Medium Type")) interface_headings_.add(number);
+  if (ends_interface_table(line)) interface_ends_.add(number);
+  if (holds(line, "Remote connections (Directly connected to self)")) direct_remotes_.add(number);
+  if (holds(line, "Remote connections (Not directly connected to self)")) other_remotes_.add(number);
+  if (holds(line, "Interface name   Medium Type  MAC Address") && holds(line, "MID")) remote_headings_.add(number);
+  if (holds(line, "Bridged addresses:")) bridged_.add(number);
+  if (holds(line, "Address") && holds(line, "Interface Type")) bridge_headings_.add(number);
+  add_interface_row(number, line);
+}
+
+void DumpIndex::add_interface_row(std::size_t number, std::string_view line) {
+  const std::size_t first = line.find_first_not_of(" \t");
+  if (first == std::string_view::npos || !is_digit(line[first])) return;
+  InterfaceRow row;
+  row.line = number;
+  std::array<char, 32> medium{};
+  std::array<char, kMacLength + 1> mac{};
+  if (std::sscanf(without_brackets(line).c_str(), "%9d %31s %17s", &row.index, medium.data(), mac.data()) != 3) return;
+  row.medium = medium.data();
+  row.mac = mac.data();
+  if (std::ranges::find(kMediums, row.medium) == kMediums.end()) return;
+  rows_of_index_[row.index].push_back(interfaces_.size());
+  rows_of_medium_[row.medium].push_back(interfaces_.size());
+  interfaces_.push_back(std::move(row));
+}
+
+std::optional<std::size_t> DumpIndex::header_of(const std::string& mac) const {
+  const auto found = headers_.find(mac);
+  return found == headers_.end() || mac.empty() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<DumpIndex::Range> DumpIndex::interface_table(const std::string& mac) const {
+  const std::optional<std::size_t> header = header_of(mac);
+  if (!header) return std::nullopt;
+  const std::optional<std::size_t> heading = interface_headings_.after(*header);
+  if (!heading) return std::nullopt;
+  const std::size_t end = interface_ends_.after(*heading).value_or(lines_.size());
+  const std::optional<std::size_t> none = upstream_none_.after(*header);
+  if (none && *none < end) return std::nullopt;
+  return Range{*heading, end};
+}
+
+const InterfaceRow* DumpIndex::interface_row(const Range& range, int index) const {
+  const auto rows = rows_of_index_.find(index);
+  if (rows == rows_of_index_.end()) return nullptr;
+  const auto first = first_behind(rows->second, interfaces_, range.begin);
+  return first == rows->second.end() || interfaces_[*first].line >= range.end ? nullptr : &interfaces_[*first];
+}
+
+const InterfaceRow* DumpIndex::interface_of_medium(const Range& range, const char* medium) const {
+  const auto rows = rows_of_medium_.find(medium);
+  if (rows == rows_of_medium_.end()) return nullptr;
+  for (auto row = first_behind(rows->second, interfaces_, range.begin); row != rows->second.end(); ++row) {
+    const InterfaceRow& found = interfaces_[*row];
+    if (found.line >= range.end) return nullptr;
+    if (interface_row(range, found.index) == &found) return &found;
+  }
+  return nullptr;
+}
+
+std::optional<std::size_t> DumpIndex::remote_table(std::size_t header) const {
+  const std::optional<std::size_t> direct = direct_remotes_.after(header);
+  if (!direct) return std::nullopt;
+  const std::optional<std::size_t> heading = remote_headings_.after(*direct);
+  const std::optional<std::size_t> stop = other_remotes_.after(header);
+  if (!heading || (stop && *stop < *heading)) return std::nullopt;
+  return heading;
+}
+
+std::optional<std::size_t> DumpIndex::bridge_table(std::size_t header) const {
+  const std::optional<std::size_t> bridged = bridged_.after(header);
+  return bridged ? bridge_headings_.after(*bridged) : std::nullopt;
+}

@@ -1,0 +1,287 @@
+// Parsing of a topology dump: devices first, then the tree and the stations.
+#include "mesh/topology.h"
+
+#include <array>
+#include <charconv>
+#include <cstdio>
+#include <numeric>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "mesh/backhaul.h"
+#include "mesh/dump_index.h"
+
+namespace {
+
+constexpr std::size_t kStationTypeMax = 15;
+
+struct Header {
+  std::string mac;
+  std::string ip;
+};
+
+bool is_device_header(std::string_view line) {
+  return (holds(line, "QCA IEEE 1905.1 device:") && holds(line, "IPv4 address:")) ||
+         (holds(line, "IEEE 1905.1 device:") && holds(line, "MAP Agent"));
+}
+
+// "if a colon occurs and more than 10 characters follow it": the MAC without its first octet.
+std::string mac_tail(const std::string& mac) {
+  constexpr std::size_t kShortestTail = 10;
+  const std::size_t colon = mac.find(':');
+  if (colon != std::string::npos && mac.size() - colon - 1 > kShortestTail) return mac.substr(colon + 1);
+  return mac.substr(0, kMacLength);
+}
+
+// The MAC with its last octet decreased by one, as the platform numbers an agent's wired port below its 2.4 GHz radio.
+std::string mac_below(const std::string& mac) {
+  const std::size_t colon = mac.rfind(':');
+  const std::size_t begin = colon == std::string::npos ? 0 : colon + 1;
+  unsigned int octet = 0;
+  std::from_chars(mac.data() + begin, mac.data() + mac.size(), octet, 16);
+  std::array<char, 3> digits{};
+  std::snprintf(digits.data(), digits.size(), "%02X", (octet + 255U) & 255U);
+  return mac.substr(0, begin) + digits.data();
+}
+
+// Which devices hang together, so that none becomes its own ancestor.
+class Ancestry {
+ public:
+  explicit Ancestry(std::size_t count) : top_(count) { std::iota(top_.begin(), top_.end(), std::size_t{0}); }
+  // False when `child` is at the top of what `parent` hangs below.
+  bool link(std::size_t child, std::size_t parent) {
+    const std::size_t above = find(parent);
+    if (above == child) return false;
+    top_[child] = above;
+    return true;
+  }
+
+ private:
+  std::size_t find(std::size_t device) {
+    while (top_[device] != device) device = top_[device] = top_[top_[device]];
+    return device;
+  }
+  std::vector<std::size_t> top_;
+};
+
+class TopologyParser {
+ public:
+  TopologyParser(std::string_view dump, const TopologySources& sources)
+      : index_(dump), sources_(sources), backhaul_(index_, sources.mesh_mode) {}
+
+  TopologyInfo parse() {
+    for (std::size_t number = 0; number < index_.lines().size(); ++number) collect_device(number);
+    ancestry_.emplace(info_.devices.size());
+    stations_.resize(info_.devices.size());
+    for (std::size_t number = 0; number < index_.lines().size(); ++number) read_line(number);
+    if (info_.root) info_.hasAgent = info_.devices[*info_.root].hasLinks;
+    remove_duplicate_stations();
+    return std::move(info_);
+  }
+
+ private:
+  std::optional<Header> read_header(std::string_view line) {
+    if (!is_device_header(line)) return std::nullopt;
+    Header header{.mac = header_mac(line), .ip = {}};
+    if (header.mac.empty()) return std::nullopt;
+    if (const auto ip = text_behind(line, "IPv4 address: ", " \r")) {
+      if (ip->size() <= kIpv4Length) header.ip = *ip;
+    } else {
+      header.ip = sources_.ip_of_mac(header.mac).value_or("").substr(0, kIpv4Length);
+    }
+    return header.ip.empty() ? std::nullopt : std::optional(header);
+  }
+
+  void collect_device(std::size_t number) {
+    std::optional<Header> header = read_header(index_.lines()[number]);
+    if (!header) return;
+    if (positions_.try_emplace(header->mac, info_.devices.size()).second) {
+      TopologyDevice& device = info_.devices.emplace_back();
+      device.mac = header->mac;
+      device.ip = header->ip;
+    }
+    headers_.emplace(number, header->mac);
+  }
+
+  std::optional<std::size_t> position_of(const std::string& mac) const {
+    const auto found = positions_.find(mac);
+    return found == positions_.end() ? std::nullopt : std::optional(found->second);
+  }
+
+  // The first rule that applies to the line.
+  void read_line(std::size_t number) {
+    const std::string_view line = index_.lines()[number];
+    if (const auto header = headers_.find(number); header != headers_.end()) return begin_block(header->second);
+    if (!root_seen_ && holds(line, "Upstream Device: None")) {
+      root_mac_ = current_mac_;
+      root_seen_ = true;
+      return;
+    }
+    if (block_accepted_ && holds(line, "Upstream Device:")) return link_to_parent(line);
+    const bool is_root = !current_mac_.empty() && current_mac_ == root_mac_;
+    if (is_root && holds(line, "Legacy Devices:")) {
+      in_legacy_ = true;
+      interface_is_eth1_ = false;
+      return;
+    }
+    if (in_legacy_ && read_legacy(line)) return;
+    if (block_accepted_ && !is_root && holds(line, "Bridged addresses:")) {
+      in_bridged_ = true;
+      return;
+    }
+    if (in_bridged_) read_bridged(line);
+  }
+
+  void begin_block(const std::string& mac) {
+    current_mac_ = mac;
+    if (root_mac_.empty()) {
+      root_mac_ = mac;
+      info_.root = position_of(mac);
+      block_accepted_ = false;
+    } else if (root_seen_) {
+      block_accepted_ = true;
+    }
+  }
+
+  void link_to_parent(std::string_view line) {
+    std::string parent_mac = root_mac_;
+    if (!holds(line, "None")) {
+      parent_mac = text_behind(line, "Upstream Device: ", "").value_or("").substr(0, kMacLength);
+    }
+    const std::optional<std::size_t> child = position_of(current_mac_);
+    const std::optional<std::size_t> parent = position_of(parent_mac);
+    if (!child || !parent || info_.devices[*child].parent || !ancestry_->link(*child, *parent)) return;
+    TopologyDevice& device = info_.devices[*child];
+    TopologyDevice& above = info_.devices[*parent];
+    device.parent = parent;
+    device.level = above.level + 1;
+    above.children.push_back(*child);
+    above.hasLinks = true;
+    device.connectionType = parent_mac == root_mac_ ? backhaul_.get_backhaul_type_from_remote(device.mac)
+                                                    : backhaul_.get_backhaul_type_via_bridge(above.mac, device.mac);
+  }
+
+  // True when the line belongs to the root's legacy table.
+  bool read_legacy(std::string_view line) {
+    if (holds(line, "Radios:")) {
+      in_legacy_ = false;
+      interface_.clear();
+      return true;
+    }
+    if (const auto name = text_behind(line, "Interface ", ":")) {
+      interface_ = *name;
+      interface_is_eth1_ = interface_ == "eth1";
+      return true;
+    }
+    if (interface_.empty() || interface_is_eth1_ || !holds(line, ":")) return false;
+    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    if (line.size() < kMacLength || !info_.root) return true;
+    add_station(*info_.root, std::string(line.substr(0, kMacLength)), holds(interface_, "eth") ? "ETHER" : "Wireless");
+    return true;
+  }
+
+  void read_bridged(std::string_view line) {
+    if (holds(line, "Radios:")) {
+      in_bridged_ = false;
+      return;
+    }
+    const bool is_heading = holds(line, "Address") && holds(line, "Interface Type");
+    if (is_heading || !holds(line, "Remote")) return;
+    std::array<char, kMacLength + 1> mac{};
+    int index = 0;
+    if (std::sscanf(std::string(line).c_str(), "%17s%*[ \t]%9d", mac.data(), &index) < 2) return;
+    const std::optional<std::size_t> owner = position_of(current_mac_);
+    if (owner) add_bridged_station(*owner, mac.data());
+  }
+
+  void add_bridged_station(std::size_t owner, const std::string& mac) {
+    if (position_of(mac) || stations_[owner].contains(mac)) return;
+    std::string interface_mac;
+    const std::string type = backhaul_.get_backhaul_type_via_bridge(current_mac_, mac, &interface_mac);
+    if (type == "ETHER" && !is_wired_port_of_agent(interface_mac)) return;
+    add_station(owner, mac, type);
+  }
+
+  // A wired station counts only on the port whose MAC stands one below the agent's 2.4 GHz radio.
+  bool is_wired_port_of_agent(const std::string& interface_mac) const {
+    const std::optional<DumpIndex::Range> table = index_.interface_table(current_mac_);
+    const InterfaceRow* radio = table ? index_.interface_of_medium(*table, "WLAN2G") : nullptr;
+    return radio != nullptr && mac_tail(interface_mac) == mac_tail(mac_below(radio->mac));
+  }
+
+  void add_station(std::size_t owner, const std::string& mac, const std::string& type) {
+    TopologyDevice& device = info_.devices[owner];
+    device.stations.push_back({mac, type.substr(0, kStationTypeMax), device.level + 1});
+    device.hasLinks = true;
+    stations_[owner].insert(mac);
+  }
+
+  // The devices of the tree, children before their parents, as often as they stand in it: once.
+  std::vector<std::size_t> children_first() const {
+    std::vector<std::size_t> order;
+    if (!info_.root) return order;
+    struct Step {
+      std::size_t device;
+      std::size_t next_child;
+    };
+    std::vector<Step> path{{*info_.root, 0}};
+    while (!path.empty()) {
+      Step& step = path.back();
+      const std::vector<std::size_t>& children = info_.devices[step.device].children;
+      if (step.next_child < children.size()) {
+        const std::size_t child = children[step.next_child++];
+        path.push_back({child, 0});
+      } else {
+        order.push_back(step.device);
+        path.pop_back();
+      }
+    }
+    return order;
+  }
+
+  // A client seen behind several devices is kept behind the deepest one; of equals, behind the first one met.
+  void remove_duplicate_stations() {
+    struct Best {
+      int level = -1;
+      std::size_t owner = 0;
+    };
+    std::unordered_map<std::string, Best> best;
+    const std::vector<std::size_t> order = children_first();
+    for (const std::size_t owner : order) {
+      for (const TopologyStation& station : info_.devices[owner].stations) {
+        Best& known = best[station.mac];
+        if (station.level > known.level) known = {station.level, owner};
+      }
+    }
+    for (const std::size_t owner : order) {
+      std::erase_if(info_.devices[owner].stations, [&](const TopologyStation& station) {
+        const Best& kept = best[station.mac];
+        return kept.level != station.level || kept.owner != owner;
+      });
+    }
+  }
+
+  DumpIndex index_;
+  const TopologySources& sources_;
+  BackhaulReader backhaul_;
+  TopologyInfo info_;
+  std::unordered_map<std::string, std::size_t> positions_;  // of devices, by MAC
+  std::unordered_map<std::size_t, std::string> headers_;    // MACs, by the line of their header
+  std::optional<Ancestry> ancestry_;
+  std::vector<std::unordered_set<std::string>> stations_;  // MACs of each device's stations
+
+  std::string current_mac_;
+  std::string root_mac_;
+  std::string interface_;
+  bool root_seen_ = false;
+  bool block_accepted_ = false;
+  bool in_legacy_ = false;
+  bool interface_is_eth1_ = false;
+  bool in_bridged_ = false;
+};
+
+}  // namespace
+
+TopologyInfo parse_topology(std::string_view dump, const TopologySources& sources) {
+  return TopologyParser(dump, sources).parse();
+}

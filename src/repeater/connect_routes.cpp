@@ -1,0 +1,141 @@
+// POST /api/v1/repeater/connect.
+#include <string_view>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/background.h"
+#include "platform/log.h"
+#include "repeater/band_connect.h"
+#include "repeater/connect_request.h"
+#include "repeater/mlo_connect.h"
+#include "repeater/network_config.h"
+#include "repeater/uci_commands.h"
+#include "repeater/uplink_monitor.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+
+namespace {
+
+// Spaced as the clients know them.
+constexpr std::string_view kAnswerOk = "{\"result\": 0, \"version\": 1, \t\"waitTime\": 80}";
+constexpr std::string_view kAnswerUnusable = R"({"result": 1, "version": 1,    "waitTime": 20})";
+
+// All int results: 0, or 1 for a failure, which is logged.
+
+int parse_request(const char* body, RepeaterConnectInfo& info) {
+  const json::JsonPtr root = json::parse(body);
+  if (!root) {
+    log_error("parse rootJson error\n");
+    return 1;
+  }
+  if (ParseRepeaterJsonData(root.get(), info) != 0) {
+    log_error("parse json data error\n");
+    return 1;
+  }
+  log_debug("ssid=%s,bssid=%s\n", info.ssid.c_str(), info.bssid.c_str());
+  log_debug("frequency=%d,encryptType=%d\n", info.frequency, info.encrypt_type);
+  log_debug("encryptKey=%s,multiRuEnable=%d\n", info.encrypt_key.c_str(), info.multi_ru_enable);
+  log_debug("multiLinkOperationEnable=%d,tryConnectOrSettingRepeater=%d\n", info.multi_link_operation_enable,
+            info.try_connect_or_setting_repeater);
+  return 0;
+}
+
+int set_multi_ru(int enable) {
+  if (enable != 0 && enable != 1) {
+    log_error("multiRuEnable error\n");
+    return 1;
+  }
+  uci_command(enable == 1 ? "set wireless.wifi1.dfs_puncture_en=1" : "set wireless.wifi1.dfs_puncture_en=0");
+  return 0;
+}
+
+void set_aps_disabled(const char* disabled) {
+  for (const Band& band : kBands) uci_command(std::string("set wireless.") + band.ap + ".disabled=" + disabled);
+}
+
+void set_extra_aps_disabled(const char* disabled) {
+  for (const Band& band : kBands) uci_command(std::string("set wireless.") + band.extra_ap + ".disabled=" + disabled);
+}
+
+int try_connect(const RepeaterConnectInfo& info) {
+  if (info.multi_link_operation_enable == kMloOff) {
+    if (SetWifiConnectInfoByBand(info) != 0) {
+      log_error("SetWifiConnectInfoByBand error\n");
+      return 1;
+    }
+  } else if (SetWifiConnectInfoByMlo(info) != 0) {
+    log_error("SetWifiConnectInfoByMlo error\n");
+    return 1;
+  }
+  set_aps_disabled("1");
+  set_extra_aps_disabled("1");
+  uci_command("set wireless.ath1.cactimeout=0");
+  uci_commit("wireless");
+  os_system("/sbin/wifi down && /etc/init.d/network restart && /sbin/wifi up &");
+  return 0;
+}
+
+// The try-connect call never completed, or its last poll told that the station is not connected.
+void undo_try_connect() {
+  for (const Band& band : kBands) uci_command(std::string("delete wireless.") + band.station + ".mld");
+  set_aps_disabled("1");
+  uci_command("set repeater.repeater_band.mlo=0");
+  uci_commit("wireless", "repeater");
+}
+
+void enable_aps() {
+  set_aps_disabled("0");
+  if (get_brand_index() != kBrandOrvane) set_extra_aps_disabled("0");
+  uci_commit("wireless");
+}
+
+void reload_network(int multi_link) {
+  if (multi_link == 2 || multi_link == 3) {  // the platform brings up the MLD of the 2.4+5 GHz variant by itself
+    os_system(
+        "sleep 3 && ubus call network reload && /sbin/wifi multi_up mld4 mld5 mld6 mld0 && /sbin/wifi multi_up mld7 &");
+  } else {
+    os_system("sleep 3 && ubus call network reload && /sbin/wifi multi_up mld4 mld5 mld6 mld0 &");
+  }
+}
+
+int apply_setting(const RepeaterConnectInfo& info) {
+  constexpr std::size_t kStatusSize = 8;
+  const std::optional<std::string> status = uci_read("repeater", "repeater_band", "status", kStatusSize);
+  if (!status) {
+    log_error("get repeater result error\n");
+    return 1;
+  }
+  if (*status != "success") {
+    undo_try_connect();
+    return 0;
+  }
+  if (StartDhcpServerAfterConnectedSucc() != 0) {
+    log_error("StartDhcpServerAfterConnect error\n");
+    return 1;
+  }
+  enable_aps();
+  reload_network(info.multi_link_operation_enable);
+  if (CheckWifiConnectStatus() != 0) log_error("Wifi monitoring init failed");
+  return 0;
+}
+
+int connect_repeater(const char* body) {
+  if (body == nullptr) {
+    log_error("request_body is null\n");
+    return 1;
+  }
+  if (stop_uplink_monitor()) platform::sleep_seconds(1);
+  RepeaterConnectInfo info;
+  if (parse_request(body, info) != 0) return 1;
+  if (set_multi_ru(info.multi_ru_enable) != 0) return 1;
+  read_compati_mode();  // only told in the log: every mode gets the same answer
+  if (info.try_connect_or_setting_repeater == kTryConnect) return try_connect(info);
+  if (info.try_connect_or_setting_repeater == kApplySetting) return apply_setting(info);
+  return 0;
+}
+
+}  // namespace
+
+int handle_repeater_connect(FCGX_Request* request, const char* body) {
+  return answer(request, connect_repeater(body) == 0 ? kAnswerOk : kAnswerUnusable);
+}

@@ -1,0 +1,29 @@
+// Security, SSID and key of the repeater's access points and stations.
+#pragma once
+
+#include <array>
+#include <optional>
+
+#include "repeater/bands.h"
+#include "repeater/connect_request.h"
+
+// Whether the local access point of a band takes over the upstream SSID, key and security (non-zero), by band.
+using FollowFlags = std::array<int, kBandCount>;
+
+// Reads the three flags from wireless.<ap>.ssid_change; nullopt when one cannot be read.
+std::optional<FollowFlags> read_follow_flags();
+
+// Makes `ifname` (ath02 ... ath23) a wifi-iface with the security of `encrypt_type`. 0, or 1 without an interface.
+int SetWifiParaByEncrypt(const char* ifname, int encrypt_type);
+
+// Writes SSID, key and mode of `ifname`: a station gets the SSID and its bridging, an access point what it follows.
+// `key` may be nullptr. 0, or 1 for a missing or unknown interface, or a missing SSID.
+int SetWifiBasicPara(const char* ifname, const char* ssid, const char* key, const FollowFlags& flags);
+
+// SetWifiParaByEncrypt of every access point that follows. 0 or 1, logged.
+int set_security_of_following_aps(int encrypt_type, const FollowFlags& flags);
+// SetWifiParaByEncrypt and SetWifiBasicPara of one interface. 0 or 1, logged.
+int set_security(const char* ifname, int encrypt_type);
+int set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags);
+// set_ssid_and_key of the three access points.
+int set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags);

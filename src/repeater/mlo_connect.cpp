@@ -1,0 +1,238 @@
+// The uplink over several bands at once.
+#include "repeater/mlo_connect.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <span>
+
+#include "platform/log.h"
+#include "platform/process.h"
+#include "repeater/interface_config.h"
+#include "repeater/network_config.h"
+#include "repeater/uci_commands.h"
+#include "uci_access.h"
+
+namespace {
+
+// When the 6 GHz station learns that it accepts any security.
+enum class SecurityCheckOff { kNever, kLast, kAfterAccessPoints };
+
+// What the variants differ in. Stations stand in the order in which they are written.
+struct MloVariant {
+  const char* value;  // of repeater.repeater_band.mlo
+  int (*set_info)(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac);
+  const char* name_in_log;
+  const char* unused_station;  // nullptr: all are used
+  std::span<const std::size_t> stations;
+  std::span<const char* const> stale_stations;  // unlinked from an MLD that no variant has set up
+  std::span<const char* const> key_options;
+  std::array<const char*, kBandCount> ap_disabled;
+  SecurityCheckOff security_check_off;
+  bool ifname_before_enabling;
+};
+
+constexpr std::array<std::size_t, 2> kStations25{k24g, k5g};
+constexpr std::array<std::size_t, 2> kStations56{k5g, k6g};
+constexpr std::array<std::size_t, 3> kStations256{k24g, k5g, k6g};
+constexpr std::array<const char*, 2> kStale25{"ath03", "ath13"};
+constexpr std::array<const char*, 2> kStale56{"ath23", "ath13"};
+constexpr std::array<const char*, 3> kStale256{"ath03", "ath23", "ath13"};
+constexpr std::array<const char*, 2> kKeys25{"ath03.key", "ath13.key"};
+constexpr std::array<const char*, 2> kKeys56{"ath13.key", "ath23.key"};
+constexpr std::array<const char*, 6> kKeys256{"ath13.key",          "ath13.sae_password", "ath23.key",
+                                              "ath23.sae_password", "ath03.sae_password", "ath03.key"};
+
+constexpr std::array<MloVariant, 3> kVariants{{
+    {"1",
+     SetMlo25GInfo,
+     "SetMlo25GInfo",
+     "ath23",
+     kStations25,
+     kStale25,
+     kKeys25,
+     {"0", "0", "1"},
+     SecurityCheckOff::kNever,
+     false},
+    {"2",
+     SetMlo56GInfo,
+     "SetMlo56GInfo",
+     "ath03",
+     kStations56,
+     kStale56,
+     kKeys56,
+     {"1", "0", "0"},
+     SecurityCheckOff::kLast,
+     false},
+    {"3",
+     SetMlo256GInfo,
+     "SetMlo256GInfo",
+     nullptr,
+     kStations256,
+     kStale256,
+     kKeys256,
+     {"0", "0", "0"},
+     SecurityCheckOff::kAfterAccessPoints,
+     true},
+}};
+
+int set_security_and_ssids(const MloVariant& variant, const RepeaterConnectInfo& info) {
+  const std::optional<FollowFlags> flags = read_follow_flags();
+  if (!flags) return 1;
+  if (set_security_of_following_aps(info.encrypt_type, *flags) != 0) return 1;
+  if (set_ssid_and_key_of_aps(info, *flags) != 0) return 1;
+  for (const std::size_t station : variant.stations) {
+    if (set_security(kBands[station].station, info.encrypt_type) != 0) return 1;
+  }
+  return 0;
+}
+
+void unlink_stale_stations(const MloVariant& variant) {
+  uci_command("delete wireless.mld7");
+  for (const char* station : variant.stale_stations) uci_command(std::string("delete wireless.") + station + ".mld");
+}
+
+void set_station_mld(const MloVariant& variant, const RepeaterConnectInfo& info, const std::string& mld_mac) {
+  uci_command(std::string("set repeater.repeater_band.mlo=") + variant.value);
+  uci_command("set wireless.mld7=wifi-mld");
+  uci_set_value("wireless.mld7.mld_ssid", info.ssid);
+  uci_set_value("wireless.mld7.mld_macaddr", mld_mac);
+  for (const std::size_t station : variant.stations) {
+    uci_set_value(std::string("wireless.") + kBands[station].station + ".ssid", info.ssid);
+  }
+  if (info.encrypt_key.empty()) return;
+  for (const char* option : variant.key_options) uci_set_value(std::string("wireless.") + option, info.encrypt_key);
+}
+
+void set_station_option(const MloVariant& variant, const char* option, const char* value) {
+  for (const std::size_t station : variant.stations) set_wireless_option(kBands[station].station, option, value);
+}
+
+void delete_option_of_all_stations(const char* option) {
+  for (const Band& band : kBands) delete_wireless_option(band.station, option);
+}
+
+void set_bridging(const MloVariant& variant) {
+  const int compati_mode = read_compati_mode();
+  delete_option_of_all_stations("extap");
+  delete_option_of_all_stations("wds");
+  set_station_option(variant, compati_mode == kStationUsesExtap ? "extap" : "wds", "1");
+}
+
+void accept_any_security_on_6g() { set_wireless_option(kBands[k6g].station, "en_6g_sec_comp", "0"); }
+
+void attach_stations(const MloVariant& variant) {
+  for (std::size_t band = 0; band < kBandCount; ++band) {
+    set_wireless_option(kBands[band].ap, "disabled", variant.ap_disabled[band]);
+  }
+  if (variant.security_check_off == SecurityCheckOff::kAfterAccessPoints) accept_any_security_on_6g();
+  set_station_option(variant, "mld", kStationMld);
+  if (variant.ifname_before_enabling) delete_option_of_all_stations("ifname");
+  set_station_option(variant, "disabled", "0");
+  for (const std::size_t station : variant.stations) {
+    set_wireless_option(kBands[station].station, "device", kBands[station].radio);
+  }
+  if (!variant.ifname_before_enabling) delete_option_of_all_stations("ifname");
+  set_station_option(variant, "mode", "sta");
+  set_station_option(variant, "network", "lan");
+  if (variant.security_check_off == SecurityCheckOff::kLast) accept_any_security_on_6g();
+}
+
+int set_mlo_info(const MloVariant& variant, const RepeaterConnectInfo& info, std::string_view previous_mlo,
+                 const std::string& mld_mac) {
+  if (variant.unused_station != nullptr) uci_command(std::string("delete wireless.") + variant.unused_station);
+  if (set_security_and_ssids(variant, info) != 0) return 1;
+  if (previous_mlo == "0") unlink_stale_stations(variant);
+  set_station_mld(variant, info, mld_mac);
+  set_bridging(variant);
+  attach_stations(variant);
+  uci_commit("wireless", "repeater");
+  return 0;
+}
+
+// The address of br-lan; nullopt (logged) when it has none.
+std::optional<std::string> read_bridge_mac() {
+  constexpr std::size_t kMacMax = 17;
+  const platform::ProcessResult result = platform::run_shell(R"(ifconfig br-lan | grep 'HWaddr' | awk '{print $5}')");
+  if (!result.started) {
+    log_error("popen error\n");
+    return std::nullopt;
+  }
+  if (result.output.empty()) {
+    log_error("get br_lan mac error\n");
+    return std::nullopt;
+  }
+  return platform::split_lines(result.output, kMacMax + 1).front();
+}
+
+// Nothing happens for a variant that does not exist.
+int set_variant(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
+  const int number = info.multi_link_operation_enable;
+  if (number == kMloOff) ClearRepeaterMlo();
+  if (number < 1 || number > static_cast<int>(kVariants.size())) return 0;
+  const MloVariant& variant = kVariants[static_cast<std::size_t>(number - 1)];
+  if (variant.set_info(info, previous_mlo, mld_mac) == 0) return 0;
+  log_error("%s error\n", variant.name_in_log);
+  return 1;
+}
+
+}  // namespace
+
+int SetMlo25GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
+  return set_mlo_info(kVariants[0], info, previous_mlo, mld_mac);
+}
+int SetMlo56GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
+  return set_mlo_info(kVariants[1], info, previous_mlo, mld_mac);
+}
+int SetMlo256GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
+  return set_mlo_info(kVariants[2], info, previous_mlo, mld_mac);
+}
+
+void ClearRepeaterMlo() {
+  uci_command("delete wireless.mld7");
+  for (const Band& band : kBands) uci_command(std::string("delete wireless.") + band.station + ".mld");
+  for (const Band& band : kBands) uci_command(std::string("delete wireless.") + band.station + ".wds");
+  uci_command("set repeater.repeater_band.mlo=0");
+  uci_commit("wireless", "repeater");
+}
+
+std::string derive_mld_mac(std::string bridge_mac) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  constexpr std::size_t kStep = 2;
+  constexpr std::size_t kBase = 10;
+  if (bridge_mac.size() < 2) return bridge_mac;
+  const auto value_of = [&](char digit) {
+    const char upper = digit >= 'a' && digit <= 'f' ? static_cast<char>(digit - 'a' + 'A') : digit;
+    return kDigits.find(upper);
+  };
+  const std::size_t first = value_of(bridge_mac[0]);
+  const std::size_t second = value_of(bridge_mac[1]);
+  if (first == std::string_view::npos || second == std::string_view::npos) return bridge_mac;
+
+  const std::size_t sum = (second + kStep) % kDigits.size();
+  bridge_mac[1] = kDigits[sum % kBase];
+  if (sum < kBase) return bridge_mac;
+  if (first + 1 == kDigits.size()) return "";
+  bridge_mac[0] = kDigits[first + 1];
+  return bridge_mac;
+}
+
+int SetWifiConnectInfoByMlo(const RepeaterConnectInfo& info) {
+  constexpr std::size_t kMloSize = 4;
+  const std::optional<std::string> previous_mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
+  if (!previous_mlo) {
+    log_error("get mlo band error\n");
+    return 1;
+  }
+  const std::optional<std::string> bridge_mac = read_bridge_mac();
+  if (!bridge_mac) return 1;
+  if (set_variant(info, *previous_mlo, derive_mld_mac(*bridge_mac)) != 0) return 1;
+  if (info.multi_link_operation_enable != kMloOff && SetNetworkParamInfoToConnect() != 0) {
+    log_error("SetNetworkParamInfoToConnect error\n");
+    return 1;
+  }
+  uci_command("set repeater.repeater_band.status='success'");
+  uci_command("set repeater.repeater_band.repeater_select_band='MLO'");
+  uci_commit("repeater", "wireless", "network", "dhcp");
+  return 0;
+}

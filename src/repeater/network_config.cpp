@@ -1,0 +1,127 @@
+// The LAN of a repeater.
+#include "repeater/network_config.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "platform/log.h"
+#include "platform/process.h"
+#include "repeater/bands.h"
+#include "repeater/uci_commands.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+
+namespace {
+
+constexpr std::size_t kAddressMax = 15;
+constexpr std::size_t kMloSize = 4;
+constexpr std::size_t kBandNameSize = 8;
+constexpr std::size_t kDnsSize = 8;
+
+constexpr std::array<std::size_t, 2> kMlo25{k24g, k5g};
+constexpr std::array<std::size_t, 2> kMlo56{k5g, k6g};
+constexpr std::array<std::size_t, 3> kMlo256{k24g, k5g, k6g};
+constexpr std::array<std::size_t, 3> kSingleBands{k24g, k5g, k6g};
+
+// The stations that the stored configuration uses; empty (logged) when there is no such configuration.
+std::span<const std::size_t> find_stations(std::string_view mlo, std::string_view band_name) {
+  if (mlo == "1") return kMlo25;
+  if (mlo == "2") return kMlo56;
+  if (mlo == "3") return kMlo256;
+  if (mlo != "0") {
+    log_error("get mlo band error\n");
+    return {};
+  }
+  const auto is_named = [band_name](const Band& band) { return band_name == band.name; };
+  const auto band = std::find_if(kBands.begin(), kBands.end(), is_named);
+  if (band == kBands.end()) {
+    log_error("repeater band error\n");
+    return {};
+  }
+  return std::span(kSingleBands).subspan(static_cast<std::size_t>(band - kBands.begin()), 1);
+}
+
+int attach_stations() {
+  const std::optional<std::string> band = uci_read("repeater", "repeater_band", "repeater_select_band", kBandNameSize);
+  if (!band) {
+    log_error("get repeater band error\n");
+    return 1;
+  }
+  const std::optional<std::string> mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
+  if (!mlo) {
+    log_error("get mlo band error\n");
+    return 1;
+  }
+  const std::span<const std::size_t> stations = find_stations(*mlo, *band);
+  for (const std::size_t station : stations) {
+    uci_command(std::string("set wireless.") + kBands[station].station + ".network=lan");
+  }
+  return stations.empty() ? 1 : 0;
+}
+
+}  // namespace
+
+int GetLanIpaddr(std::string& address) {
+  const platform::ProcessResult result = platform::run_shell(R"(ifconfig br-lan | awk -F'[ :]+' '/inet / {print $4}')");
+  if (!result.started) {
+    log_error("popen error\n");
+    return 1;
+  }
+  if (result.output.empty()) {
+    log_error("fgets ip addr error\n");
+    return 1;
+  }
+  address = platform::split_lines(result.output, kAddressMax + 1).front();
+  return 0;
+}
+
+int GetLanIpaddrPrefix(const std::string& address, std::string& prefix) {
+  constexpr std::array<const char*, 3> kDots{"first", "second", "third"};
+  std::size_t end = 0;
+  for (const char* dot : kDots) {
+    end = address.find('.', dot == kDots.front() ? 0 : end + 1);
+    if (end == std::string::npos) {
+      log_error("Invalid IP address: no %s dot\n", dot);
+      return 1;
+    }
+  }
+  prefix = address.substr(0, end);
+  return 0;
+}
+
+int SetNetworkParamInfoToConnect() {
+  std::string address;
+  if (GetLanIpaddr(address) != 0) {
+    log_error("GetLanIpaddr error\n");
+    return 1;
+  }
+  log_debug("ipaddr=%s", address.c_str());
+  uci_set_value("network.lan.ipaddr", address);
+  uci_command("set network.lan.netmask=255.255.255.0");
+  uci_command("set network.lan.proto=static");
+  uci_command("set dhcp.lan.ignore=0");
+
+  std::string prefix;
+  if (GetLanIpaddrPrefix(address, prefix) != 0) return 1;
+  uci_set_value("dhcp.lan.start", prefix + ".204");  // a whole address: the platform's dnsmasq script wants it so
+  os_system("/etc/init.d/dnsmasq restart");
+  return 0;
+}
+
+int StartDhcpServerAfterConnectedSucc() {
+  uci_command("set dhcp.lan.ignore=1");  // the upstream network serves DHCP from now on
+  if (attach_stations() != 0) return 1;
+  if (!uci_read("network", "lan", "dns", kDnsSize)) {
+    uci_command("delete network.lan.ipaddr");
+    uci_command("delete network.lan.netmask");
+    uci_command("delete network.lan.ip6assign");
+    uci_command("set network.lan.proto=dhcp");
+  }
+  uci_command("set network.lan.proto=dhcp");
+  uci_command("set network.lan.ifname='eth0 eth2'");
+  uci_commit("wireless", "network", "dhcp", "repeater");
+  return 0;
+}

@@ -1,0 +1,63 @@
+// GET /api/v1/wireless/sitesurvey.
+#include "repeater/site_survey.h"
+
+#include <string>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/background.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "repeater/scan_parser.h"
+
+namespace {
+
+constexpr int kAttempts = 15;
+constexpr unsigned int kRetrySeconds = 2;
+
+enum class ScanResult { kNotStarted, kNoBlock, kDone };
+
+ScanResult scan_once(const std::string& command, std::size_t band, json_object* list) {
+  ScanParser parser(band, list);
+  const auto feed = [&parser](std::string_view piece) {
+    parser.feed(piece);
+    return true;
+  };
+  if (!platform::run_shell(command, {.reader = feed}).started) return ScanResult::kNotStarted;
+  parser.finish();
+  return parser.seen_block() ? ScanResult::kDone : ScanResult::kNoBlock;
+}
+
+}  // namespace
+
+int scan_single_interface(std::size_t band, json_object* list) {
+  const std::string command = "iw dev mld" + std::to_string(band + 1) + " scan flush &";
+  for (int attempt = 1; attempt <= kAttempts; ++attempt) {
+    switch (scan_once(command, band, list)) {
+      case ScanResult::kDone:
+        return 0;
+      case ScanResult::kNotStarted:
+        log_error("Failed to execute command: %s (attempt %d/%d)", command.c_str(), attempt, kAttempts);
+        break;
+      case ScanResult::kNoBlock:
+        log_error("No BSS blocks found in command output: %s (attempt %d/%d)", command.c_str(), attempt, kAttempts);
+        platform::sleep_seconds(kRetrySeconds);
+        break;
+    }
+  }
+  log_error("Failed to get BSS information after %d attempts for command: %s", kAttempts, command.c_str());
+  return 0;
+}
+
+int handle_get_sitesurvey(FCGX_Request* request) {
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "waitTime", 0);
+  json::JsonPtr list = json::new_array();
+  for (std::size_t band = 0; band < kScanBandCount; ++band) {
+    if (scan_single_interface(band, list.get()) != 0) return answer(request, kResultUnusable);
+  }
+  json::add(document.get(), "wifiApList", std::move(list));
+  return answer(request, document);
+}

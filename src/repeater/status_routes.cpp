@@ -1,0 +1,79 @@
+// GET /api/v1/repeater/connect and GET /api/v1/repeater/wifiresult.
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/log.h"
+#include "repeater/bands.h"
+#include "repeater/status_report.h"
+#include "repeater/uci_commands.h"
+#include "repeater/uplink_monitor.h"
+#include "uci_access.h"
+
+namespace {
+
+constexpr int kConnected = 0;
+constexpr int kNotConnected = 2;
+
+// The station whose association counts; nullptr for a band that does not exist.
+const char* find_station(const std::string& mlo, const std::string& band_name) {
+  if (mlo != "0") return kStationMld;
+  const auto is_named = [&](const Band& band) { return band_name == band.name; };
+  const auto band = std::find_if(kBands.begin(), kBands.end(), is_named);
+  return band == kBands.end() ? nullptr : band->station;
+}
+
+// The setting call goes by what is recorded here.
+void record_status(const char* status) {
+  uci_command(std::string("set repeater.repeater_band.status='") + status + '\'');
+  uci_commit("repeater");
+}
+
+int check_connection(const char* station) {
+  const std::optional<bool> connected = read_station_connected(station);
+  if (!connected) {
+    log_error("get popen error\n");
+    return kNotConnected;
+  }
+  record_status(*connected ? "success" : "fail");
+  if (*connected) {
+    log_debug("mlo connect success\n");
+    return kConnected;
+  }
+  log_error(station == std::string_view(kStationMld) ? "mlo connect fail\n" : "slo connect fail\n");
+  return kNotConnected;
+}
+
+// wifiConnectResult; nullopt when there is no station to ask.
+std::optional<int> read_connect_result() {
+  constexpr std::size_t kBandNameSize = 8;
+  constexpr std::size_t kMloSize = 4;
+  const std::optional<std::string> band = uci_read("repeater", "repeater_band", "repeater_select_band", kBandNameSize);
+  if (!band) log_error("get repeater_band failed.\r\n");
+  const std::optional<std::string> mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
+  if (!mlo) {
+    log_error("get repeater_band mlo band failed.\n");
+    for (const Band& row : kBands) uci_command(std::string("set wireless.") + row.ap + ".disabled=1");
+    return kNotConnected;
+  }
+  const char* station = find_station(*mlo, band.value_or(""));
+  if (station == nullptr) return std::nullopt;
+  return check_connection(station);
+}
+
+}  // namespace
+
+int handle_get_repeaterconnect_json(FCGX_Request* request) { return answer(request, build_connect_report()); }
+
+int handle_get_repeaterwifiresult_json(FCGX_Request* request) {
+  json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  if (const std::optional<int> result = read_connect_result()) {
+    json::add(document.get(), "wifiConnectResult", *result);
+  }
+  uci_commit("wireless");
+  return answer(request, document);
+}

@@ -1,0 +1,25 @@
+// `uci` calls and option reads that the repeater's steps share.
+#pragma once
+
+#include <string>
+
+// Runs "uci <arguments>" by the shell: constants and our own numbers only. A failed call stops nothing.
+void uci_command(const std::string& arguments);
+
+// Runs "uci set <option>=<value>" with the value as it came, whatever it holds.
+void uci_set_value(const std::string& option, const std::string& value);
+
+// Commits the packages, in this order.
+template <class... Package>
+void uci_commit(const Package*... packages) {
+  (uci_command(std::string("commit ") + packages), ...);
+}
+
+// Writes wireless.<section>.<option> or takes it away, through the UCI library. A failure stops nothing: it is logged
+// there.
+void set_wireless_option(const char* section, const char* option, const char* value);
+void delete_wireless_option(const char* section, const char* option);
+
+// repeater.compatiMode.value as a number: kStationUsesExtap, or any other value for a station that uses WDS.
+inline constexpr int kStationUsesExtap = 1;
+int read_compati_mode();

@@ -1,0 +1,55 @@
+// POST /api/v1/accounts: the administrator's user name and password.
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <unistd.h>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/file.h"
+#include "platform/process.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+
+namespace {
+
+constexpr std::size_t kUserMax = 15;
+constexpr std::size_t kPasswordMax = 63;
+constexpr const char* kPasswordFile = "/etc/apfpasswd";
+constexpr unsigned int kOwnerOnly = 0600;
+constexpr std::string_view kResultOkWait10 = R"({"result": 0, "version": 1, "waitTime": 10})";
+
+// The password reaches `passwd` on its standard input: it stands in no process list.
+void set_admin_password(const std::string& password) {
+  const std::string twice = password + '\n' + password + '\n';
+  platform::run({"passwd", "admin"}, {.input = twice});
+  unlink(kPasswordFile);  // a file of an earlier version may be readable by others
+  platform::write_file(kPasswordFile, password + '\n', kOwnerOnly);
+}
+
+// A text of 1 to `most` bytes on one line.
+std::optional<std::string> read_text(json_object* json, const char* key, std::size_t most) {
+  std::optional<std::string> text = json::text_member(json, key);
+  if (!text || text->empty() || text->size() > most || text->find('\n') != std::string::npos) return std::nullopt;
+  return text;
+}
+
+}  // namespace
+
+int handle_set_accounts(FCGX_Request* request, const char* body) {
+  const json::JsonPtr json = json::parse(body);
+  if (!json) {
+    std::fputs("1Failed to parse JSON\n", stderr);
+    return answer(request, kResultUnusable);
+  }
+  const std::optional<std::string> user = read_text(json.get(), "newUser", kUserMax);
+  const std::optional<std::string> password = read_text(json.get(), "newPassword", kPasswordMax);
+  const std::string old_password = json::text_member(json.get(), "oldPassword").value_or("");  // never compared
+  if (!user || !password || old_password.size() > kPasswordMax) return answer(request, kResultUnusable);
+
+  UciSetOption("/etc/config", "rpcd", "log_on", "username", user->c_str());
+  set_admin_password(*password);
+  answer(request, kResultOkWait10);
+  os_system("sh /usr/sbin/refreshPasswd.sh");
+  return 0;
+}

@@ -1,0 +1,124 @@
+// Writing and checking of the backup file's trailer.
+#include "system/backup_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/file.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "system_helpers.h"
+
+namespace {
+
+constexpr std::array<const char*, 2> kDeviceIds{"0221", "0121"};  // by brand index
+
+// nullptr for an unknown brand.
+const char* own_device_id() {
+  const auto index = static_cast<std::size_t>(get_brand_index());
+  return index < kDeviceIds.size() ? kDeviceIds[index] : nullptr;
+}
+
+int append_text(const char* path, std::string_view text) {
+  platform::FilePtr file = platform::open_file(path, "a");
+  if (!file) return -1;
+  const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+  return std::fclose(file.release()) == 0 && written ? 0 : -1;
+}
+
+// `size` bytes that begin `from_end` bytes before the end of the file.
+int read_trailer(const char* path, long from_end, std::size_t size, std::string& text) {
+  const platform::FilePtr file = platform::open_file(path, "r");
+  if (!file) {
+    std::perror("Failed to open file");
+    return -1;
+  }
+  text.resize(size);
+  if (std::fseek(file.get(), -from_end, SEEK_END) != 0 || std::fread(text.data(), 1, size, file.get()) != size) {
+    std::fputs("Failed to read file", stderr);
+    return -1;
+  }
+  return 0;
+}
+
+// The bytes of the file before its trailer; nullopt when there are none.
+std::optional<std::size_t> archive_size(const char* path) {
+  struct stat status {};
+  if (stat(path, &status) != 0 || status.st_size <= static_cast<off_t>(kTrailer)) return std::nullopt;
+  return static_cast<std::size_t>(status.st_size) - kTrailer;
+}
+
+bool copy_bytes(std::FILE* from, std::FILE* to, std::size_t count) {
+  std::array<char, 16384> piece{};
+  while (count > 0) {
+    const std::size_t wanted = std::min(count, piece.size());
+    if (std::fread(piece.data(), 1, wanted, from) != wanted) return false;
+    if (std::fwrite(piece.data(), 1, wanted, to) != wanted) return false;
+    count -= wanted;
+  }
+  return true;
+}
+
+bool copy_archive(const char* upload, const char* archive) {
+  const std::optional<std::size_t> size = archive_size(upload);
+  const platform::FilePtr from = platform::open_file(upload, "r");
+  platform::FilePtr to = platform::open_file(archive, "w");
+  if (!size || !from || !to || !copy_bytes(from.get(), to.get(), *size)) return false;
+  return std::fclose(to.release()) == 0;
+}
+
+}  // namespace
+
+int get_file_md5(const char* path, std::string& md5) {
+  const platform::ProcessResult result = platform::run_shell(std::string("md5sum ") + path);
+  if (!result.started) std::perror("Failed to open pipe");
+  if (result.output.size() < kTrailerMd5) return -1;
+  md5 = result.output.substr(0, kTrailerMd5);
+  return 0;
+}
+
+int append_md5_to_file(const char* path) {
+  std::string md5;
+  return get_file_md5(path, md5) == 0 ? append_text(path, md5) : -1;
+}
+
+int append_device_id_to_file(const char* path) {
+  const char* id = own_device_id();
+  return id == nullptr ? 0 : append_text(path, id);
+}
+
+int read_trailer_md5(const char* path, std::string& md5) { return read_trailer(path, kTrailer, kTrailerMd5, md5); }
+int read_trailer_id(const char* path, std::string& id) { return read_trailer(path, kTrailerId, kTrailerId, id); }
+
+bool split_backup_file(const char* upload, const char* archive) {
+  if (copy_archive(upload, archive)) return true;
+  unlink(upload);
+  unlink(archive);
+  return false;
+}
+
+int checkBackFileId() {
+  const char* own = own_device_id();
+  std::string id;
+  if (own == nullptr || read_trailer_id(kUploadPath, id) != 0) return 0;
+  const bool equal = id == own;
+  log_debug("%s", equal ? "id is equal\n" : "id is not equal\n");
+  return equal ? 1 : 0;
+}
+
+int checkBackFileMd5() {
+  std::string stated;
+  std::string actual;
+  if (read_trailer_md5(kUploadPath, stated) == 0 && get_file_md5(kArchivePath, actual) == 0 && stated == actual) {
+    log_debug("md5sum is equal\n");
+    unlink(kUploadPath);
+    return 1;
+  }
+  log_error("md5sum is not equal\n");
+  unlink(kArchivePath);
+  return 0;
+}

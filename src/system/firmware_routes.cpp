@@ -1,0 +1,127 @@
+// POST /api/v1/system/firmware (an uploaded image) and POST /api/v1/fwupdatechkandrun (one from the update server).
+#include <cstdlib>
+#include <string>
+#include <unistd.h>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/background.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "request_body.h"
+#include "system/device.h"
+#include "system/update_tool.h"
+#include "system_helpers.h"
+
+namespace {
+
+constexpr std::string_view kResultNotVerified = R"({"result": 3})";
+// The key is spelled so: the update page reads it.
+constexpr std::string_view kResultInstalling = R"({"result": 0, "version": 1, "waitTime": 300, "Massage": ""})";
+constexpr const char* kVerifyResultPath = "/tmp/Download_Verify_Result";
+
+// False when not all of the upload arrived, or it cannot be stored.
+bool store_upload(FCGX_Request* request, const char* body) {
+  if (FCGX_GetParam("CONTENT_LENGTH", request->envp) == nullptr) {
+    log_error(" get content length error\n");
+    return false;
+  }
+  if (body == nullptr || !is_body_complete(request)) {
+    log_error("Failed to write to: %s\n", kFirmwarePath);
+    return false;
+  }
+  if (platform::write_file(kFirmwarePath, std::string_view(body, received_body_length(request)))) return true;
+  log_error(platform::file_exists(kFirmwarePath) ? "Failed to write to: %s\n" : "Failed to open: %s\n", kFirmwarePath);
+  return false;
+}
+
+bool verify_upload(int brand_index) {
+  const UpdateTool* tool = update_tool(brand_index);
+  unlink(kVerifyResultPath);  // an earlier image's verification says nothing of this one
+  os_system("/usr/sbin/tesmirupg.sh");
+  os_system(tool != nullptr ? tool->verify : update_tool(kBrandTesmir)->verify);
+  if (tool == nullptr) {
+    log_error("unknown device id\n");
+    return false;
+  }
+  std::string verdict;
+  if (getFileInfo(kVerifyResultPath, &verdict, 64) == 0 && without_line_end(verdict) == "Verify Success") return true;
+  log_error("verification failed\n");
+  return false;
+}
+
+// 0 accepted, or the `result` to answer. An upload that is refused leaves nothing behind.
+int accept_upload(FCGX_Request* request, const char* body) {
+  std::string running;
+  if (count_running_tools(running) != 0) return 1;
+  if (std::atoi(running.c_str()) != 0) return 2;
+  int result = 0;
+  if (!store_upload(request, body)) {
+    result = 1;
+  } else if (!verify_upload(get_brand_index())) {
+    result = 3;
+  }
+  if (result != 0) unlink(kFirmwarePath);
+  return result;
+}
+
+std::string_view answer_of(int result) {
+  switch (result) {
+    case 0:
+      return kResultInstalling;
+    case 1:
+      return kResultUnusable;
+    case 2:
+      return kResultFailed;
+    default:
+      return kResultNotVerified;
+  }
+}
+
+// 0 when there is something to download, or the `result` to answer.
+int check_for_update(json_object* json, int brand_index) {
+  const std::optional<int> check_and_update = json::int_member(json, "checkAndUpdate");
+  std::string running;
+  if (!check_and_update || count_running_tools(running) != 0) return 1;
+  if (std::atoi(running.c_str()) != 0) return 2;
+  const UpdateTool* tool = update_tool(brand_index);
+  if (tool == nullptr) {
+    log_error("unknown device id\n");
+    return 1;
+  }
+  if (*check_and_update != 0 && *check_and_update != 1) return 1;
+  if (*check_and_update == 0) os_system(tool->check);
+  int status = 0;
+  return check_update_status(status) == 0 && status == 1 ? 0 : 1;
+}
+
+}  // namespace
+
+int handle_system_firmware(FCGX_Request* request, const char* body) {
+  log_debug(" system upgrade start ...\n");
+  const int result = accept_upload(request, body);
+  answer_plain(request, answer_of(result));
+  if (result != 0) return 1;
+  platform::start_detached([install = update_tool(get_brand_index())->install] { os_system(install); });
+  return 0;
+}
+
+int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
+  const json::JsonPtr json = json::parse(body);
+  const int brand_index = get_brand_index();
+  if (const int result = check_for_update(json.get(), brand_index); result != 0) {
+    return answer(request, answer_of(result));
+  }
+  exec_automatic_download_and_verify(brand_index);
+  int verified = -1;
+  if (check_download_fw_res(verified) != 0) return answer(request, kResultUnusable);
+  if (verified != 0) return answer(request, kResultNotVerified);
+
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "waitTime", 300);
+  answer(request, document);
+  platform::start_detached([brand_index] { run_hota_update(brand_index); });
+  return 0;
+}

@@ -1,0 +1,17 @@
+// One line of the message log, split into time, category and text.
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+
+// Time and category are cleared once per request only: a shorter value keeps the tail of a longer one before it, as
+// the log page has always shown them.
+struct LogFields {
+  std::array<char, 64> time{};
+  std::array<char, 64> category{};
+  std::string message;  // at most 255 bytes
+};
+
+// 0 when the line was split, 1 when it was not (logged).
+int fill_log_msg_value(std::string_view line, LogFields& fields);

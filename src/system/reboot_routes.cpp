@@ -1,0 +1,78 @@
+// POST /api/v1/reboot and POST /api/v1/system/config/initialize.
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/background.h"
+#include "platform/log.h"
+#include "system/device.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+
+namespace {
+
+constexpr int kLongestDelay = 3600;
+
+constexpr std::string_view kRebootWait120 = R"({"result": 0, "version": 1, "waitTime": 120})";
+constexpr std::string_view kRebootWait360 = R"({"result": 0, "version": 1, "waitTime": 360})";
+constexpr std::string_view kRebootWait500 = R"({"result": 0, "version": 1, "waitTime": 500})";
+constexpr std::string_view kResetWait420 = R"({"result": 0, "version": 1, "waitTime": 420})";
+constexpr std::string_view kResetWait480 = R"({"result": 0, "version": 1, "waitTime": 480})";
+
+void run_reboot() { os_system("reboot"); }
+
+void start_reboot_timer(unsigned int seconds) {
+  if (!platform::start_timer(seconds, run_reboot)) std::perror("Creat Timer failed");
+}
+
+// The tunnel's agent must not take the reboot for a change of provider. An empty mode counts, too.
+void prepare_map_e() {
+  const std::string mode = uci_read_or("network", "wan", "mode", 16, "");
+  if (std::string_view("MAP-E").starts_with(mode)) UciSetOption(nullptr, "network", "wan", "qvmapebootflag", " ");
+}
+
+// A router whose line is provisioned anew after the reboot.
+bool needs_long_wait() {
+  const std::string flag = uci_read_or("network", "wan", "autoflag", 8, "");
+  const std::string button_mode = uci_read_or("system", "@system[0]", "button_mode", 12, "");
+  return !flag.empty() && std::atoi(flag.c_str()) == 0 && button_mode == "router_mode";
+}
+
+std::string_view reboot_answer() {
+  if (!needs_long_wait()) return kRebootWait120;
+  return is_tesmir_device_id() ? kRebootWait500 : kRebootWait360;
+}
+
+}  // namespace
+
+int handle_reboot(FCGX_Request* request, const char* body) {
+  prepare_map_e();
+  const json::JsonPtr json = json::parse(body);
+  const int delay = json::int_member(json.get(), "timeTillReboot").value_or(-1);
+  if (delay < 0 || delay > kLongestDelay) return answer(request, kResultUnusable);
+
+  const std::string_view text = reboot_answer();
+  if (delay > 0) {
+    start_reboot_timer(static_cast<unsigned int>(delay));
+    return answer(request, text);
+  }
+  answer(request, text);
+  FCGX_FFlush(request->out);  // the client is answered before the router goes down
+  run_reboot();
+  return 0;
+}
+
+int handle_initialize(FCGX_Request* request, const char* /*body*/) {
+  constexpr unsigned int kPause = 2;
+  const bool started = platform::start_detached([] {
+    platform::sleep_seconds(kPause);
+    os_system("/sbin/firstboot -r -y");
+  });
+  if (!started) {
+    log_debug("pthread_create fail\n");
+    return answer(request, kResultFailed);
+  }
+  return answer(request, is_tesmir_device_id() ? kResetWait480 : kResetWait420);
+}

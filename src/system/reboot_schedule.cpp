@@ -1,0 +1,95 @@
+// GET and POST /api/v1/wireless/rebootschedule: a weekly reboot in the cron table. Answers are plain JSON.
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <string>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/file.h"
+#include "system_helpers.h"
+
+namespace {
+
+constexpr const char* kSchedulePath = "/etc/config/rebootschedule.txt";
+
+struct Schedule {
+  int status = 0;       // 0 off, 1 on
+  int day_of_week = 0;  // 0 every day, 1 to 7 one day, 1 being cron's day 0
+  std::string time;     // four digits, hours then minutes
+};
+
+std::optional<Schedule> parse_schedule(const std::string& text) {
+  Schedule schedule;
+  std::array<char, 5> time{};
+  if (std::sscanf(text.c_str(), "%9d %9d %4s", &schedule.status, &schedule.day_of_week, time.data()) != 3) {
+    return std::nullopt;
+  }
+  schedule.time = time.data();
+  return schedule;
+}
+
+bool is_time(std::string_view text) {
+  const bool four_digits = text.size() == 4 && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+  return four_digits && text.substr(0, 2) <= "23" && text.substr(2) <= "59";
+}
+
+std::optional<Schedule> read_schedule(json_object* json) {
+  const std::optional<int> status = json::int_member(json, "rebootSchduleStatus");
+  const std::optional<int> day = json::int_member(json, "rebootDayOfWeek");
+  const std::optional<std::string> time = json::text_member(json, "rebootTime");
+  if (!status || !day || !time) return std::nullopt;
+  if (*status < 0 || *status > 1 || *day < 0 || *day > 7 || !is_time(*time)) return std::nullopt;
+  return Schedule{*status, *day, *time};
+}
+
+int number_at(const std::string& time, std::size_t position) { return std::stoi(time.substr(position, 2)); }
+
+// Earlier entries stay: every call adds one more line.
+void add_cron_entry(const Schedule& schedule) {
+  const std::string weekday = schedule.day_of_week == 0 ? "*" : std::to_string(schedule.day_of_week - 1);
+  os_system("crontab -l > /tmp/tmp_cron_list && echo '" + std::to_string(number_at(schedule.time, 2)) + " " +
+            std::to_string(number_at(schedule.time, 0)) + " * * " + weekday +
+            " reboot &' >> /tmp/tmp_cron_list && crontab /tmp/tmp_cron_list && rm -rf /tmp/tmp_cron_list");
+}
+
+void apply_schedule(const Schedule& schedule) {
+  if (schedule.status == 1) {
+    platform::write_file(kSchedulePath, "1 " + std::to_string(schedule.day_of_week) + " " + schedule.time);
+    add_cron_entry(schedule);
+    return;
+  }
+  os_system("rm -rf /etc/config/rebootschedule.txt");
+  os_system(
+      "crontab -l | grep -v reboot> /tmp/tmp_cron_list && crontab /tmp/tmp_cron_list && rm -rf /tmp/tmp_cron_list");
+}
+
+}  // namespace
+
+int handle_get_reboot_schedule(FCGX_Request* request) {
+  Schedule schedule{0, 0, "0000"};
+  const json::JsonPtr document = json::new_object();
+  if (const std::optional<std::string> text = platform::read_file(kSchedulePath)) {
+    const std::optional<Schedule> stored = parse_schedule(*text);
+    if (!stored) {
+      json::add(document.get(), "result", 1);
+      return answer_plain(request, document);
+    }
+    schedule = *stored;
+  }
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "rebootSchduleStatus", schedule.status);
+  json::add(document.get(), "rebootDayOfWeek", schedule.day_of_week);
+  json::add(document.get(), "rebootTime", schedule.time);
+  return answer_plain(request, document);
+}
+
+int handle_set_reboot_schedule(FCGX_Request* request, const char* body) {
+  const json::JsonPtr json = json::parse(body);
+  const std::optional<Schedule> schedule = read_schedule(json.get());
+  if (!schedule) return answer_plain(request, kResultUnusable);
+  apply_schedule(*schedule);
+  return answer_plain(request, kResultOkWait20);
+}

@@ -1,0 +1,162 @@
+// Reading and writing of the router's identity and status.
+#include "system/router_info.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <optional>
+
+#include "platform/file.h"
+#include "platform/log.h"
+#include "system/device.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+
+namespace {
+
+#define ROUTER_LED_PATH "/sys/devices/platform/soc@0/soc@0:leds/leds/led_router/brightness"
+
+struct BrandFacts {
+  const char* product_id;
+  const char* update_url_option;
+  const char* check_command;
+};
+constexpr std::array<BrandFacts, 2> kBrandFacts{{
+    {"0221", "orvanepathV4", "orvanehota -c &"},
+    {"0121", "tesmirpath", "tesmirhota -c &"},
+}};
+
+// nullptr for an unknown brand.
+const BrandFacts* brand_facts() {
+  const auto index = static_cast<std::size_t>(get_brand_index());
+  return index < kBrandFacts.size() ? &kBrandFacts[index] : nullptr;
+}
+
+// An option's text; empty, and a line in the log, when it cannot be read.
+std::string get_option(const char* package, const char* section, const char* option, std::size_t size) {
+  std::optional<std::string> value = uci_read(package, section, option, size);
+  if (!value) log_debug("get executed failed.\n");
+  return value.value_or("");
+}
+
+// The integer that a status file begins with.
+std::optional<int> read_status(const char* path) {
+  const platform::FilePtr file = platform::open_file(path, "r");
+  if (!file) {
+    log_debug("Failed to open fail\n");
+    return std::nullopt;
+  }
+  int status = 0;
+  return std::fscanf(file.get(), "%d", &status) == 1 ? std::optional(status) : std::nullopt;
+}
+
+bool is_mesh_agent() {
+  return std::atoi(uci_read_or("button_mesh", "easymesh", "enable", 4, "0").c_str()) == 1 &&
+         uci_read_or("button_mesh", "easymesh", "role", 16, "") == "agent";
+}
+
+int get_routerInfo_currentMode() {
+  constexpr std::array<const char*, 3> kModes{"router", "ap", "re"};
+  const std::string op_mode = get_option("system", "@system[0]", "op_mode", 8);
+  for (std::size_t mode = 0; mode < kModes.size(); ++mode) {
+    if (op_mode == kModes[mode]) return static_cast<int>(mode);
+  }
+  return 0;
+}
+
+void get_modes(RouterInfo& info) {
+  constexpr int kAgent = 2;
+  if (is_mesh_agent()) {
+    info.mode_switch_status = info.current_mode = kAgent;
+    return;
+  }
+  get_switch_state(info.mode_switch_status);
+  info.current_mode = get_routerInfo_currentMode();
+}
+
+int get_routerInfo_ledStatus() {
+  const std::string brightness = platform::read_file(ROUTER_LED_PATH, 8).value_or("");
+  return without_line_end(brightness) == "0" ? 0 : 1;
+}
+
+void get_routerInfo_deviceInfo(RouterInfo& info) {
+  constexpr std::size_t kUrlSize = 256;
+  const BrandFacts* brand = brand_facts();
+  if (brand == nullptr) return;
+  info.product_id = brand->product_id;
+  info.fw_update_url = get_option("hota", "info", brand->update_url_option, kUrlSize);
+}
+
+void get_routerInfo_imageArea(RouterInfo& info) {
+  constexpr std::size_t kStatusSize = 8;
+  os_system("/usr/sbin/testinfo");
+  info.image_area_a = uci_read_or("test", "test", "statusa", kStatusSize, "Ready");
+  info.image_area_b = uci_read_or("test", "test", "statusb", kStatusSize, "Ready");
+}
+
+std::string local_time_text() {
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  localtime_r(&now, &parts);
+  std::array<char, 32> text{};
+  std::strftime(text.data(), text.size(), "%Y/%m/%d %H:%M:%S", &parts);
+  return text.data();
+}
+
+int get_notification() {
+  constexpr int kUpdateAvailable = 3;
+  const int internet = get_internet_status();
+  return internet == 0 && get_hota_status() == 1 ? kUpdateAvailable : internet;
+}
+
+}  // namespace
+
+int get_internet_status() {
+  const std::optional<int> result = read_status("/tmp/inetchkresult.txt");
+  if (result == 1 || result == 16) return 0;
+  return result == 100 ? 2 : 1;
+}
+
+int get_hota_status() {
+  if (const BrandFacts* brand = brand_facts()) os_system(brand->check_command);
+  return read_status("/tmp/HotaVersionStatus") == 1 ? 1 : 0;
+}
+
+void get_routerInfo_list(RouterInfo& info) {
+  info.notification = get_notification();
+  get_modes(info);
+  info.led_status = get_routerInfo_ledStatus();
+  info.mac_address = get_option("network", "wan", "macaddr", 32);
+  info.model = get_option("system", "@system[0]", "hostname", 32);
+  get_routerInfo_deviceInfo(info);
+  if (getFileInfo("/etc/mtn_version", &info.fw_version, 16) == 0) info.fw_version = without_line_end(info.fw_version);
+  info.current_date_time = local_time_text();
+  get_routerInfo_imageArea(info);
+  info.location = std::atoi(get_option("devicecustom", "info", "location", 4).c_str());
+  info.location_custom = get_option("devicecustom", "info", "locationCustom", 32);
+}
+
+void set_routerInfo_model(const std::string& model) {
+  if (UciSetOption(nullptr, "system", "@system[0]", "hostname", model.c_str()) != 0) {
+    log_debug("set routerInfo model failed.\n");
+  }
+}
+
+void set_routerInfo_location(int location) {
+  constexpr std::size_t kDigits = 3;  // the field's four bytes
+  const std::string text = std::to_string(location).substr(0, kDigits);
+  if (UciSetOption(nullptr, "devicecustom", "info", "location", text.c_str()) != 0) {
+    log_debug("set location model failed.\n");
+  }
+}
+
+void set_routerInfo_locationCustom(const std::string& text) {
+  if (UciSetOption(nullptr, "devicecustom", "info", "locationCustom", text.c_str()) != 0) {
+    log_debug("set location model failed.\n");
+  }
+}
+
+void set_routerInfo_ledStatus(int status) {
+  os_system(status == 1 ? "echo 255 > " ROUTER_LED_PATH : "echo 0 > " ROUTER_LED_PATH);
+}

@@ -1,0 +1,31 @@
+// The brand's firmware update tool, which downloads, verifies and installs images and reports through files.
+#pragma once
+
+#include <string>
+
+inline constexpr const char* kFirmwarePath = "/tmp/firmware.bin";
+
+// One brand's command lines.
+struct UpdateTool {
+  const char* check;
+  const char* download;
+  const char* verify;
+  const char* install;
+};
+
+// The tool of a brand index; nullptr for an unknown brand.
+const UpdateTool* update_tool(int brand_index);
+
+// Number of tool runs under way, as text ("0"). 0, or -1 when it cannot be told.
+int count_running_tools(std::string& count);
+
+// 0 and the last check's status (1: a newer version is available), or 1 when there is none.
+int check_update_status(int& status);
+// 0 and the last verification's outcome (0 good, -1 bad), or 1 when there is none.
+int check_download_fw_res(int& status);
+
+// Deletes the image, then tries three times to download and verify one.
+void exec_automatic_download_and_verify(int brand_index);
+
+// Installs the image, when there is one.
+void run_hota_update(int brand_index);

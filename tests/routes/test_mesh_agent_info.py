@@ -1,0 +1,159 @@
+"""GET /api/v1/mesh/agent-info."""
+
+import pytest
+
+from kit import HOSTILE
+from mesh_setup import agent, controller, set_dump, set_leases, set_mesh
+
+URI = "/api/v1/mesh/agent-info"
+MODEL = "MX-9P300KLD"
+
+
+def chain(count):
+    devices = [controller()]
+    for number in range(1, count):
+        devices.append(agent(number, devices[-1]))
+    return devices
+
+
+def prepare(router, devices):
+    set_mesh(router, 1)
+    set_dump(router, devices)
+    set_leases(router)
+
+
+def test_an_agent_has_all_its_keys_in_order(router):
+    devices = chain(2)
+    prepare(router, devices)
+    set_leases(router, (devices[1].mac, devices[1].ip, "living-room"))
+    a = router.get(URI)
+    assert a.encrypted
+    assert list(a.json) == ["result", "version", "agentInfo"]
+    assert (a.json["result"], a.json["version"]) == (0, 1)
+    assert a.json["agentInfo"] == [{
+        "agentDeviceNumber": 1, "model": "living-room", "macAddress": devices[1].mac, "ipv4Address": devices[1].ip,
+        "connectParentMacAddress": devices[0].mac, "location": 9, "locationCustom": "", "connectionType": 5,
+        "linkQuality": 100, "ledStatus": 1}]
+    assert list(a.json["agentInfo"][0]) == ["agentDeviceNumber", "model", "macAddress", "ipv4Address",
+                                            "connectParentMacAddress", "location", "locationCustom", "connectionType",
+                                            "linkQuality", "ledStatus"]
+
+
+def test_a_controller_with_no_agents_lists_none(router):
+    prepare(router, [controller()])
+    a = router.get(URI)
+    assert a.encrypted and a.text == '{ "result": 0, "version": 1, "agentInfo": [ ] }'
+
+
+def test_a_lease_with_the_mac_in_another_case_names_the_agent(router):
+    devices = chain(2)
+    prepare(router, devices)
+    set_leases(router, (devices[1].mac.lower(), "1.1.1.1", "lower"), (devices[1].mac, "1.1.1.1", "second"))
+    assert router.get(URI).json["agentInfo"][0]["model"] == "lower"
+
+
+def test_an_agent_without_a_lease_has_the_products_model(router):
+    devices = chain(2)
+    prepare(router, devices)
+    assert router.get(URI).json["agentInfo"][0]["model"] == MODEL
+    assert router.logged(f"Hostname not found for MAC {devices[1].mac}, set to {MODEL}", priority=3)
+
+
+def test_an_agent_two_hops_away_names_the_agent_between(router):
+    devices = chain(3)
+    prepare(router, devices)
+    agents = router.get(URI).json["agentInfo"]
+    assert [row["connectParentMacAddress"] for row in agents] == [devices[0].mac, devices[1].mac]
+    assert [row["agentDeviceNumber"] for row in agents] == [1, 2]
+
+
+def test_of_twenty_devices_fifteen_are_listed(router):
+    prepare(router, chain(20))
+    assert [row["agentDeviceNumber"] for row in router.get(URI).json["agentInfo"]] == list(range(1, 16))
+
+
+@pytest.mark.parametrize("backhaul, code", [(("ETHER",), 0), (("WLAN2G",), 1), (("WLAN5G",), 2), (("WLAN6G",), 3),
+                                            (("WLAN2G", "WLAN5G"), 4), (("WLAN5G", "WLAN6G"), 5),
+                                            (("WLAN2G", "WLAN5G", "WLAN6G"), 6)])
+def test_the_backhaul_has_its_code(router, backhaul, code):
+    root = controller()
+    prepare(router, [root, agent(1, root, backhaul=backhaul)])
+    assert router.get(URI).json["agentInfo"][0]["connectionType"] == code
+
+
+@pytest.mark.parametrize("enable, role", [(0, "controller"), (1, "agent"), (1, "other")])
+def test_a_router_that_is_no_controller_lists_none_and_asks_nobody(router, enable, role):
+    set_mesh(router, enable, role)
+    assert router.get(URI).text == '{ "result": 0, "version": 1, "agentInfo": [ ] }'
+    assert router.calls("emt") == []
+
+
+@pytest.mark.parametrize("op_mode, commands, sleeps", [
+    ("router", "td s2\n", ["sleep 3"]), ("ap", "td s2\n", ["sleep 5", "sleep 5"]), ("re", "td s\n", ["sleep 1"])])
+def test_the_daemon_is_asked_as_the_mode_wants(router, op_mode, commands, sleeps):
+    prepare(router, chain(2))
+    router.set("system.@system[0].op_mode", op_mode)
+    assert router.get(URI).json["result"] == 0
+    assert [call.stdin for call in router.calls("emt")] == [commands]
+    assert router.commands("sleep") == sleeps
+
+
+def failures():
+    def no_role(router):
+        router.remove("/etc/config/button_mesh")
+
+    def no_daemon(router):
+        router.tool("emt", missing=True)
+
+    def silent_daemon(router):
+        router.tool("emt", out="")
+
+    def no_mode(router):
+        router.set("system.@system[0].op_mode", None)
+
+    def no_host_name(router):
+        router.set("system.@system[0].hostname", None)
+
+    def no_leases(router):
+        router.remove("/tmp/dhcp.leases")
+
+    return [(no_role, "Failed to get mesh role"), (no_daemon, "Failed to get topology data"),
+            (silent_daemon, "Failed to get topology data"), (no_mode, "Failed to get topology data"),
+            (no_host_name, "Failed to get agent model info"), (no_leases, "Failed to get agent model info")]
+
+
+@pytest.mark.parametrize("break_it, message", failures(), ids=lambda value: getattr(value, "__name__", ""))
+def test_a_failure_is_a_plain_result_1(router, break_it, message):
+    prepare(router, chain(2))
+    break_it(router)
+    a = router.get(URI)
+    assert not a.encrypted and a.body == b'{"result": 1}'
+    assert router.logged(message, priority=3)
+
+
+def test_an_agent_without_an_address_in_its_header_is_looked_up_by_arp(router):
+    set_mesh(router, 1)
+    set_leases(router)
+    root = controller()
+    from mesh_setup import render
+    dump = render([root, agent(1, root)]).replace(", IPv4 address: 192.168.0.11 ,", ",")
+    router.tool("emt", out=dump)
+    router.tool("arp", "-a", out="? (192.168.0.77) at 02:00:00:a1:00:20 [ether] on br-lan\n")
+    assert router.get(URI).json["agentInfo"][0]["ipv4Address"] == "192.168.0.77"
+
+
+def test_the_answer_is_kept_in_the_topology_log(router):
+    prepare(router, [controller()])
+    router.get(URI)
+    assert "handle_get_mesh_agent_info = {" in router.read("/tmp/topology.log")
+
+
+@pytest.mark.parametrize("text", HOSTILE.values(), ids=HOSTILE.keys())
+def test_hostile_text_in_the_dump_does_nothing(router, text):
+    set_mesh(router, 1)
+    set_leases(router)
+    data = f"QCA IEEE 1905.1 device: {text[:17]}, IPv4 address: {text}\nUpstream Device: None\nLegacy Devices:\n" \
+           f"Interface {text}:\n{text}:{text}\nIEEE 1905.1 device: {text[:17]}, MAP Agent\n"
+    router.tool("emt", out=data.encode("utf-8", "surrogateescape"))
+    assert router.get(URI).json["result"] == 0
+    router.assert_nothing_ran()

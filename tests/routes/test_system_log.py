@@ -1,0 +1,93 @@
+"""GET /api/v1/system/log/message and POST /api/v1/system/log/clear."""
+
+import pytest
+
+URI = "/api/v1/system/log/message"
+LOG = "/var/log/messages.log"
+
+
+def entries(router):
+    a = router.get(URI)
+    assert a.encrypted and (a.json["result"], a.json["version"]) == (0, 1)
+    return a.json["systemlogMsg"]
+
+
+def test_a_line_is_split_into_time_category_and_text(router):
+    router.write(LOG, "2026-01-02 03:04:05 [system] something happened\n")
+    assert entries(router) == [{"time": "2026-01-02 03:04:05", "category": "[system]", "msg": "something happened"}]
+    assert list(entries(router)[0]) == ["time", "category", "msg"]
+
+
+@pytest.mark.parametrize("mark", ["AM", "PM"])
+def test_a_line_of_the_wireless_driver_has_the_category_wlan(router, mark):
+    router.write(LOG, f"01/02 03:04:05 {mark}   wireless station joined\n")
+    assert entries(router) == [{"time": f"01/02 03:04:05 {mark}", "category": "[wlan]", "msg": "wireless station joined"}]
+
+
+def test_am_is_looked_for_before_pm(router):
+    router.write(LOG, "x PM y AM wireless\n")
+    assert entries(router)[0]["time"] == "x PM y AM"
+
+
+def test_lines_that_do_not_split_are_left_out_and_told(router):
+    router.write(LOG, "no bracket\nopen [only\nwireless without a mark\n t [a] ok\n")
+    assert [row["msg"] for row in entries(router)] == ["ok"]
+    assert router.logged("Can't find character '[' in \"no bracket\"", priority=3)
+    assert router.logged("Can't find character ']' in \"open [only\"", priority=3)
+    assert router.logged("unknow format of log mesg of wlan", priority=3)
+
+
+def test_a_shorter_value_keeps_the_tail_of_a_longer_one(router):
+    router.write(LOG, "long-time [long-tag] a\nt [x] b\n")
+    assert entries(router)[1] == {"time": "tong-time", "category": "[x]ng-tag]", "msg": "b"}
+
+
+def test_without_a_log_the_list_is_empty(router):
+    router.remove(LOG)
+    assert entries(router) == []
+
+
+def test_a_log_that_cannot_be_read_is_result_1_alone(router):
+    router.remove(LOG)
+    router.write(LOG + "/a-folder-in-its-place", "")
+    assert router.get(URI).json == {"result": 1}
+
+
+def test_a_line_that_begins_with_a_bracket_has_no_time(router):
+    router.write(LOG, "[a] text\n")
+    assert entries(router)[0]["time"] == ""
+
+
+def test_long_lines_and_fields_are_bounded(router):
+    router.write(LOG, "t" * 100 + " [" + "c" * 100 + "] " + "m" * 280 + "\n")
+    row = entries(router)[0]
+    assert (len(row["time"]), len(row["category"]), len(row["msg"])) == (63, 63, 255)
+
+
+def test_hostile_lines_are_data(router):
+    text = b"%n%s $(touch /tmp/pwned) [a'b\"] \xff\xfe `x`\n"
+    router.write(LOG, text)
+    assert "\udcff" in entries(router)[0]["msg"] or entries(router)[0]["msg"]
+    router.assert_nothing_ran()
+
+
+def test_a_log_of_3_megabytes_comes_whole(router):
+    line = "2026-01-02 03:04:05 [system] " + "x" * 100 + "\n"
+    count = 3 * 1024 * 1024 // len(line)
+    router.write(LOG, line * count)
+    assert len(entries(router)) == count
+
+
+@pytest.mark.parametrize("body", [None, {}, "x"])
+def test_clearing_moves_the_log_aside(router, body):
+    router.write(LOG, "new\n")
+    router.write(LOG + ".old", "older\n")
+    a = router.post("/api/v1/system/log/clear", body)
+    assert a.encrypted and a.text == '{"result": 0, "version": 1}'
+    router.wait_until(lambda: not router.exists(LOG))
+    assert router.read(LOG + ".old") == "new\n"
+
+
+def test_clearing_succeeds_without_a_log(router):
+    router.remove(LOG)
+    assert router.post("/api/v1/system/log/clear", {}).json == {"result": 0, "version": 1}
