@@ -254,16 +254,6 @@ def test_addresses_are_not_checked(router):
         assert router.get(FILTER).json["macFilterTable"] == [entry("5", str(mac))]
 
 
-def test_more_than_sixty_entries_are_stored(router):
-    mesh(router, 1)
-    router.tool("uci")  # the real one would take its time
-    router.forget_calls()
-    assert router.post(FILTER, {"macFilterTable": [entry(f"n{i}", f"m{i}") for i in range(61)]}).text == OK_100
-    added = [call for call in router.commands("uci") if call.startswith("uci add_list")]
-    assert added == [f"uci add_list macfilter.{ifname}.namelist=n{i}" for i in range(61) for ifname in MESH_INTERFACES]
-    assert router.option("macfilter.ath25.maclist") == [f"m{i}" for i in range(61)]
-
-
 def few_interfaces(router):
     """Leaves the sections of ath0 and ath22, for tests of many or long entries."""
     for ifname in INTERFACES[1:-1]:
