@@ -1,98 +1,18 @@
 // Reading of the MAC filter.
 #include <algorithm>
-#include <optional>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "access/mac_filter.h"
+#include "access/mac_filter_lists.h"
 #include "answer/json.h"
 #include "platform/file.h"
 #include "platform/log.h"
-#include "platform/process.h"
 #include "uci_access.h"
 #include "wireless.h"
 
 namespace {
 
 constexpr std::size_t kEnableSize = 4;
-constexpr std::string_view kSection = "config wifi-iface";
-constexpr std::string_view kSectionOfInterest = "'ath0'";
-constexpr std::string_view kNames = "list namelist '";
-constexpr std::string_view kMacs = "list maclist '";
-constexpr std::string_view kBlanks = " \t";
-
-using Lines = std::vector<std::string>;
-
-std::string_view without_indent(std::string_view line) {
-  const std::size_t begin = line.find_first_not_of(kBlanks);
-  return begin == std::string_view::npos ? std::string_view{} : line.substr(begin);
-}
-
-// A quoted value as UCI writes it, which may hold quotes ('\'') and line feeds: `text` is what follows its opening
-// quote, `row` the line it began in and then the line it ends in. nullopt when it does not end as one.
-std::optional<std::string> read_quoted(std::string_view text, const Lines& lines, std::size_t& row) {
-  constexpr std::string_view kEscapedQuote = R"('\'')";
-  std::string value;
-  for (std::size_t line = row;;) {
-    const std::size_t quote = text.find('\'');
-    value += text.substr(0, quote);
-    if (quote == std::string_view::npos) {
-      if (++line == lines.size()) return std::nullopt;
-      value += '\n';
-      text = lines[line];
-      continue;
-    }
-    text.remove_prefix(quote);
-    if (text.starts_with(kEscapedQuote)) {
-      value += '\'';
-      text.remove_prefix(kEscapedQuote.size());
-      continue;
-    }
-    if (text.find_first_not_of(" \t\r", 1) != std::string_view::npos) return std::nullopt;
-    row = line;
-    return value;
-  }
-}
-
-// Of a line that UCI did not write: what stands between the first and the last quote.
-std::optional<std::string> between_quotes(std::string_view line) {
-  const std::size_t first = line.find('\'');
-  const std::size_t last = line.rfind('\'');
-  if (first == last) return std::nullopt;
-  return std::string(line.substr(first + 1, last - first - 1));
-}
-
-// Appends the value of the list line at `row`, when it has one, and moves `row` to the value's last line.
-void append_value(const Lines& lines, std::size_t& row, std::vector<std::string>& values) {
-  const std::string_view line = lines[row];
-  auto value = read_quoted(line.substr(line.find('\'') + 1), lines, row);
-  if (!value) value = between_quotes(line);
-  if (value && values.size() < static_cast<std::size_t>(mac_filter::kTableMax)) values.push_back(*std::move(value));
-}
-
-struct Lists {
-  std::vector<std::string> names;
-  std::vector<std::string> macs;
-};
-
-// The lists of the section of interest, up to the next wifi-iface section.
-Lists read_lists(const Lines& lines) {
-  Lists lists;
-  bool is_in_section = false;
-  for (std::size_t row = 0; row < lines.size(); ++row) {
-    const std::string_view line = without_indent(lines[row]);
-    if (line.starts_with(kSection)) {
-      const bool is_of_interest = line.find(kSectionOfInterest) != std::string_view::npos;
-      if (is_in_section && !is_of_interest) break;
-      is_in_section = is_of_interest;
-    }
-    if (is_in_section && line.starts_with(kNames)) append_value(lines, row, lists.names);
-    if (is_in_section && line.starts_with(kMacs)) append_value(lines, row, lists.macs);
-  }
-  return lists;
-}
-
 json::JsonPtr entry(const std::string& description, const std::string& mac) {
   json::JsonPtr object = json::new_object();
   json::add(object.get(), "description", description);
@@ -124,7 +44,7 @@ int parse_mac_filter_table(const char* path, json_object* table, int& count) {
     log_error("Failed to open file: %s", path);
     return 1;
   }
-  const Lists lists = read_lists(platform::split_lines(*text));
+  const mac_filter::Lists lists = mac_filter::parse_lists(*text);
   const std::size_t pairs = std::min(lists.names.size(), lists.macs.size());
   for (std::size_t i = 0; i < pairs; ++i) json::append(table, entry(lists.names[i], lists.macs[i]));
   count = static_cast<int>(pairs);

@@ -150,6 +150,14 @@ TEST(SetMaclistPolicy, FillsBothListsOfTheFilteredInterfaces) {
   }
 }
 
+// Sixty is what clients are told; it is no limit of the lists.
+TEST(SetMaclistPolicy, TakesMoreThanSixty) {
+  mesh_enable("0");
+  router_state::config("macfilter", "config wifi-iface 'ath0'\n");
+  for (int i = 0; i < 61; ++i) ASSERT_EQ(set_maclist_policy(std::to_string(i).c_str()), 0);
+  EXPECT_EQ(uci_read_list("macfilter", "ath0", "maclist", 64, 100)->size(), 61U);
+}
+
 TEST(SetMaclistPolicy, FailsWhenNoInterfaceTakesIt) {
   mesh_enable("0");
   router_state::config("macfilter", "config wifi-iface 'ath15'\n");
