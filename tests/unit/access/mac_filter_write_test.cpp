@@ -130,6 +130,15 @@ TEST(SetWpsEnable, OnTwoInterfacesOrNone) {
   EXPECT_EQ(wps(), "-/- -/old -/- ");
 }
 
+// They fail when no command could be started; what a command says, and whether there is a `uci`, counts for nothing.
+TEST(ExecuteUciDelList, DoesNotLookAtTheCommandsEnd) {
+  for (const char* ifname : {"ath0", "none", static_cast<const char*>(nullptr)}) {
+    EXPECT_EQ(execute_uci_del_list(ifname), 0);
+    EXPECT_EQ(execute_uci_del_namelist(ifname), 0);
+  }
+  EXPECT_EQ(set_macfilter_cleanup(), 0);
+}
+
 TEST(SetListPolicies, NeedAText) {
   EXPECT_EQ(set_namelist_policy(nullptr), 1);
   EXPECT_EQ(set_maclist_policy(nullptr), 1);
