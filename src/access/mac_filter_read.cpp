@@ -1,0 +1,52 @@
+// Reading of the MAC filter.
+#include <algorithm>
+#include <string>
+
+#include "access/mac_filter.h"
+#include "access/mac_filter_lists.h"
+#include "answer/json.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "uci_access.h"
+#include "wireless.h"
+
+namespace {
+
+constexpr std::size_t kEnableSize = 4;
+json::JsonPtr entry(const std::string& description, const std::string& mac) {
+  json::JsonPtr object = json::new_object();
+  json::add(object.get(), "description", description);
+  json::add(object.get(), "macAddress", mac);
+  json::add(object.get(), "enableTime", 0);
+  json::add(object.get(), "remainTime", 0);
+  return object;
+}
+
+}  // namespace
+
+int get_mac_filter_enable(int& out) {
+  const auto enable = uci_read("macfilter", "macfilter", "enable", kEnableSize);
+  if (!enable) return 1;
+  out = *enable == "1" ? 1 : 0;
+  return 0;
+}
+
+int get_mac_filter_status(int& out) {
+  out = 0;
+  if (get_mac_filter_enable(out) != 0) log_error("Failed to get macfiler_enable");
+  return 0;
+}
+
+int parse_mac_filter_table(const char* path, json_object* table, int& count) {
+  count = 0;
+  const auto text = platform::read_file(path);
+  if (!text) {
+    log_error("Failed to open file: %s", path);
+    return 1;
+  }
+  const mac_filter::Lists lists = mac_filter::parse_lists(*text);
+  const std::size_t pairs = std::min(lists.names.size(), lists.macs.size());
+  for (std::size_t i = 0; i < pairs; ++i) json::append(table, entry(lists.names[i], lists.macs[i]));
+  count = static_cast<int>(pairs);
+  return 0;
+}

@@ -1,0 +1,150 @@
+// Writing of the MAC filter.
+#include <algorithm>
+#include <string>
+
+#include "access/mac_filter.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+
+namespace {
+
+constexpr const char* kCommit = "uci commit macfilter";
+
+// One `uci` command with a value in it. False when it could not be started; its exit status counts for nothing: what
+// is to be deleted may not be there.
+bool run_uci(const char* action, const std::string& address, int* exit_status = nullptr) {
+  const platform::ProcessResult result = platform::run({"uci", action, address}, {.capture_output = false});
+  if (exit_status != nullptr) *exit_status = result.exit_status();
+  if (!result.started) log_error("system error");
+  return result.started;
+}
+
+std::string list_address(const char* ifname, const char* list) {
+  return std::string("macfilter.") + (ifname == nullptr ? "(null)" : ifname) + "." + list;
+}
+
+int delete_list(const char* ifname, const char* list) {
+  if (ifname == nullptr) log_error("interface or list_type or value is NULL");
+  return run_uci("delete", list_address(ifname, list)) ? 0 : 1;
+}
+
+int set_wps(const char* ifname, const char* state, const char* pbc) {
+  if (UciSetOption(nullptr, "wireless", ifname, "wps_state", state) == 0 &&
+      UciSetOption(nullptr, "wireless", ifname, "wps_pbc", pbc) == 0) {
+    return 0;
+  }
+  log_error("Failed to set wps disable for %s", ifname);
+  return 1;
+}
+
+// Whether any interface took the address.
+bool add_to_lists(const char* list, const char* mac) {
+  bool is_taken = false;
+  for (const char* ifname : mac_filter::filtered_interfaces(mac_filter::is_mesh_on())) {
+    if (UciAddList(nullptr, "macfilter", ifname, list, mac) == 0) {
+      is_taken = true;
+    } else {
+      log_error("UciAddList wireless error");
+    }
+  }
+  return is_taken;
+}
+
+}  // namespace
+
+namespace mac_filter {
+
+std::span<const char* const> filtered_interfaces(bool is_mesh) {
+  return std::span(kInterfaces).first(is_mesh ? kMeshInterfaceCount : kInterfaces.size());
+}
+
+bool is_mesh_on() {
+  const auto enable = uci_read("button_mesh", "easymesh", "enable", 4);
+  if (!enable) log_error("get repacd enable failed.");
+  return enable == "1";
+}
+
+}  // namespace mac_filter
+
+int execute_uci_del_list(const char* ifname) {
+  const int addresses = delete_list(ifname, "maclist");
+  const int sec_addresses = delete_list(ifname, "maclist_sec");
+  return addresses == 0 && sec_addresses == 0 ? 0 : 1;
+}
+
+int execute_uci_del_namelist(const char* ifname) { return delete_list(ifname, "namelist"); }
+
+int set_wps_enable() {
+  for (const char* ifname : std::span(mac_filter::kWpsInterfaces).first(2)) {
+    if (set_wps(ifname, "2", "1") != 0) return 1;
+  }
+  return 0;
+}
+
+int set_wps_disable(unsigned long ath0_pbc, unsigned long ath1_pbc, int include_ath2) {
+  if (ath0_pbc != 1 && ath1_pbc != 1) return 0;  // off already
+  for (const char* ifname : std::span(mac_filter::kWpsInterfaces).first(include_ath2 == 1 ? 3 : 2)) {
+    if (set_wps(ifname, "0", "0") != 0) return 1;
+  }
+  return 0;
+}
+
+// In a mesh the listed devices are kept out ("deny"), outside of one only they are let in: the platform's rule.
+int set_macFilter_policy() {
+  const bool is_mesh = mac_filter::is_mesh_on();
+  for (const char* ifname : mac_filter::filtered_interfaces(is_mesh)) {
+    if (UciSetOption(nullptr, "macfilter", ifname, "macfilter_sec", "allow") != 0) {
+      log_error("Failed to set macfilter_sec for %s", ifname);
+    }
+    if (UciSetOption(nullptr, "macfilter", ifname, "macfilter", is_mesh ? "deny" : "allow") != 0) {
+      log_error("Failed to set macfilter for %s", ifname);
+    }
+  }
+  os_system(kCommit);
+  return 0;
+}
+
+int clear_macfilter_policy() {
+  for (const char* ifname : mac_filter::kSecPolicyDeletes) UciDelOption(nullptr, "macfilter", ifname, "macfilter_sec");
+  for (const char* ifname : mac_filter::kPolicyDeletes) UciDelOption(nullptr, "macfilter", ifname, "macfilter");
+  os_system(kCommit);
+  return 0;
+}
+
+int set_namelist_policy(const char* description) {
+  if (description == nullptr) {
+    log_error("Invalid parameters");
+    return 1;
+  }
+  bool is_taken = false;
+  for (const char* ifname : mac_filter::filtered_interfaces(mac_filter::is_mesh_on())) {
+    int exit_status = -1;
+    run_uci("add_list", list_address(ifname, "namelist=") + description, &exit_status);
+    is_taken = is_taken || exit_status == 0;
+  }
+  os_system(kCommit);
+  return is_taken ? 0 : 1;
+}
+
+int set_maclist_policy(const char* mac) {
+  if (mac == nullptr) {
+    log_error("Invalid parameters");
+    return 1;
+  }
+  const bool is_taken_sec = add_to_lists("maclist_sec", mac);
+  const bool is_taken = add_to_lists("maclist", mac);
+  os_system(kCommit);
+  return is_taken_sec && is_taken ? 0 : 1;
+}
+
+int set_macfilter_cleanup() {
+  for (const char* ifname : mac_filter::kInterfaces) {
+    if (execute_uci_del_list(ifname) == 0 && execute_uci_del_namelist(ifname) == 0) continue;
+    log_error("Del main interface macfilter error");
+    return 1;
+  }
+  os_system(kCommit);
+  return 0;
+}

@@ -1,0 +1,64 @@
+// GET and POST /api/v1/wireless/wps-status, POST /api/v1/wireless/wps.
+#include <cstdlib>
+#include <string>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/background.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+#include "wireless.h"
+
+namespace {
+
+constexpr std::size_t kPbcSize = 32;
+
+bool is_pbc_on(const char* ifname) {
+  return std::atoi(uci_read_or("wireless", ifname, "wps_pbc", kPbcSize, "0").c_str()) == 1;
+}
+
+void set_wps_options(bool is_on) {
+  for (const char* ifname : {"ath0", "ath1"}) {
+    UciSetOption("/etc/config", "wireless", ifname, "wps_state", is_on ? "2" : "1");
+    UciSetOption("/etc/config", "wireless", ifname, "wps_pbc", is_on ? "1" : "0");
+  }
+}
+
+}  // namespace
+
+int handle_get_wpsstatus(FCGX_Request* request) {
+  int status = 0;
+  const int read = getWpsStatus(status);
+  if (read != 0) log_debug("get wpsStatus fail!");
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "status", status);
+  answer(request, document);
+  return read == 0 ? 0 : 1;
+}
+
+// Other values than 0 and 1 succeed and change nothing.
+int handle_set_wpsstatus(FCGX_Request* request, const char* body) {
+  const json::JsonPtr json = json::parse_object(body);
+  const auto status = json::int_member(json.get(), "status");
+  if (!status) return answer(request, kResultUnusable);
+  if (*status == 0 || *status == 1) {
+    set_wps_options(*status == 1);
+    if (!platform::start_detached([] { wifi_reload(); })) {
+      log_debug("[%s][%d]:pthread create failed", __func__, __LINE__);
+    }
+  }
+  return answer(request, kResultOkWait20);
+}
+
+// A push-button session runs on both bands or not at all.
+int handle_post_wps(FCGX_Request* request, const char* /*body*/) {
+  if (!is_pbc_on("ath0") || !is_pbc_on("ath1")) return answer(request, kResultUnusable);
+  if (!platform::start_detached([] { os_system("sh /usr/sbin/wps_web.sh"); })) {
+    log_debug("[%s][%d]:pthread create failed", __func__, __LINE__);
+    return answer(request, kResultUnusable);
+  }
+  return answer(request, kResultOkWait20);
+}
