@@ -102,13 +102,13 @@ int parental_control_set_from_json(const char* body) {
   const json::JsonPtr json = json::parse(body);
   json_object* list = list_of(body, json);
   if (list == nullptr) return 1;
-  const std::optional<std::string> enable = json::text_member(json.get(), "enable");
-  if (!enable) {
+  if (json::member(json.get(), "enable") == nullptr) {
     log_error("enable is NULL\n");
     return 1;
   }
+  const std::string enable = json::text_member(json.get(), "enable").value_or("");
   if (!delete_all(kConfdir, kPackage, kType)) return 1;
-  if (UciSetOption(kConfdir, kPackage, "@basic[0]", "enable", enable->c_str()) != 0) {
+  if (UciSetOption(kConfdir, kPackage, "@basic[0]", "enable", enable.c_str()) != 0) {
     log_error("Failed to set enable\n");
     return 1;
   }

@@ -27,10 +27,11 @@ std::optional<std::vector<int>> read_ids(json_object* array, std::size_t most) {
   if (count > most) return std::nullopt;
   std::vector<int> ids;
   for (std::size_t index = 0; index < count; ++index) {
-    const std::optional<std::string> id = json::text_member(json_object_array_get_idx(array, index), "id");
-    if (!id) return std::nullopt;
-    log_error("id: %s\n", id->c_str());
-    ids.push_back(std::atoi(id->c_str()));
+    json_object* element = json_object_array_get_idx(array, index);
+    if (json::member(element, "id") == nullptr) return std::nullopt;  // a null is no position, not position 0
+    const std::string id = json::text_member(element, "id").value_or("");
+    log_error("id: %s\n", id.c_str());
+    ids.push_back(std::atoi(id.c_str()));
   }
   return ids;
 }

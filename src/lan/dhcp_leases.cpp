@@ -1,8 +1,10 @@
 // GET /api/v1/dhcp/client-list.
 #include "lan/dhcp_leases.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
+#include <limits>
 #include <sys/sysinfo.h>
 
 #include "answer/answer.h"
@@ -40,7 +42,8 @@ std::vector<Lease> parse_leases(std::string_view lines, long now_s) {
     if (fields.size() != 3) continue;
     const long expiry = std::strtol(fields[0].c_str(), nullptr, 10);
     if (expiry == 0 || expiry <= now_s) continue;
-    leases.push_back({fields[2], fields[1], static_cast<int>(expiry - now_s)});
+    const long remain = std::min<long>(expiry - now_s, std::numeric_limits<int>::max());
+    leases.push_back({fields[2], fields[1], static_cast<int>(remain)});
   }
   return leases;
 }

@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t kOptionSize = 128;
 constexpr std::size_t kTextMax = 31;
 constexpr int kHoursOfDay = 24;
+constexpr long kMostAddresses = 99999;
 
 bool set_lan_option(const char* option, const std::string& value, const char* message_tail) {
   if (UciSetOption(nullptr, "dhcp", "lan", option, value.c_str()) == 0) return true;
@@ -126,7 +127,9 @@ int read_pool(DhcpSettings& settings) {
     log_error("Fail to get last digit from dhcp start ip\n");
     return 1;
   }
-  const long last = std::clamp(first + std::strtol(limit->c_str(), nullptr, 10) - 1, -99999L, 99999L);
+  // Bounded before the addition: the option may hold any number.
+  const long addresses = std::clamp(std::strtol(limit->c_str(), nullptr, 10), -kMostAddresses, kMostAddresses);
+  const long last = first + addresses - 1;
   settings.end_address = (head + "." + std::to_string(last)).substr(0, kTextMax);
   return 0;
 }
@@ -135,7 +138,7 @@ int read_pool(DhcpSettings& settings) {
 
 std::string lease_text(int hours) {
   const int days = hours / kHoursOfDay;
-  return days > 0 ? std::to_string(days) + "d" : std::to_string(hours % kHoursOfDay) + "h";
+  return days > 0 ? std::to_string(days) + "d" : std::to_string(hours) + "h";
 }
 
 int lease_hours(const std::string& text) {

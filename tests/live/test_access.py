@@ -44,3 +44,18 @@ def test_the_security_service_is_switched_on_its_brand(live):
     router = live(brand="tesmir")
     assert router.post("/api/v1/fsecure_sense", {"enable": 0}).json["result"] == 0
     assert router.option("fsecure.sense.disabled") == "1"
+
+
+def test_the_security_service_is_reported_as_it_stands(live):
+    assert live(brand="tesmir").get("/api/v1/fsecure_sense").json == {
+        "result": 0, "version": 1, "enable": 0, "sense_ver": "2.1.0"}
+    assert live(brand="tesmir", sense="absent").get("/api/v1/fsecure_sense").json == {
+        "result": 0, "version": 1, "enable": -1}
+    assert live(brand="tesmir", sense="busy").get("/api/v1/fsecure_sense").json == {"result": 2}
+
+
+def test_a_running_update_agent_is_seen_in_the_process_list(live):
+    assert live().get("/api/v1/remote-maintenance").json["result"] == 0
+    router = live(update_agent=True)
+    assert router.get("/api/v1/remote-maintenance").json == {"result": 2}
+    assert router.get("/api/v1/parental-control").json["result"] == 0

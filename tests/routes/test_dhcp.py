@@ -70,6 +70,14 @@ def test_a_start_without_a_last_number_is_result_2(dhcp, start):
     assert dhcp.logged("Fail to get last digit from dhcp start ip", priority=3)
 
 
+@pytest.mark.parametrize("limit, end", [("0", "99"), ("-5", "94"), ("x", "99"), ("9223372036854775807", "100098"),
+                                        ("-9223372036854775808", "-99900")])
+def test_any_stored_limit_gives_an_end_address(dhcp, limit, end):
+    dhcp.set("dhcp.lan.limit", limit)
+    assert dhcp.get(URI).json["endAddress"] == f"192.168.0.{end}"
+    assert dhcp.alive()
+
+
 def test_a_host_without_a_mac_shows_what_was_read_before_it(dhcp):
     dhcp.add("dhcp", "host", ip="192.168.0.7")
     assert dhcp.get(URI).json["fixedIpAllocation"] == [{"ipAddress": "192.168.0.7", "macAddress": "192.168.0.7"}]

@@ -84,7 +84,8 @@ def test_an_element_that_lacks_a_key_ends_the_replace_after_the_old_list_is_gone
     mia.wait_for_call("/etc/init.d/firewall", "restart")
 
 
-@pytest.mark.parametrize("body", [{"parentalControls": []}, {"enable": 1}, {"enable": 1, "parentalControls": {}},
+@pytest.mark.parametrize("body", [{"parentalControls": []}, {"enable": None, "parentalControls": []},
+                                  {"enable": 1}, {"enable": 1, "parentalControls": {}},
                                   {"enable": 1, "parentalControls": "x"}, None, *GARBAGE_BODIES.values()],
                          ids=lambda value: None)
 def test_an_unusable_replace_is_result_1_and_keeps_the_list(mia, body):
@@ -128,7 +129,7 @@ def test_entries_are_deleted_from_the_last_one_on(mia):
     mia.wait_for_call("/etc/init.d/firewall", "restart")
 
 
-@pytest.mark.parametrize("elements", [[{"id": 9}], [{}], [None], [{"id": 0}, {}]])
+@pytest.mark.parametrize("elements", [[{"id": 9}], [{}], [None], [{"id": None}], [{"id": 0}, {}]])
 def test_an_id_that_is_missing_or_unknown_is_result_1(mia, elements):
     add(mia, 1)
     assert mia.post(DELETE, {"parentalControls": elements}).json == UNUSABLE

@@ -127,7 +127,7 @@ def test_rules_are_deleted_from_the_last_one_on(ports):
     assert names(ports) == ["0", "2", "4"]
 
 
-@pytest.mark.parametrize("elements", [[{"id": 9}], [{}], [None], [{"id": 0}] * 257])
+@pytest.mark.parametrize("elements", [[{"id": 9}], [{}], [None], [{"id": None}], [{"id": 0}] * 257])
 def test_a_delete_with_a_missing_unknown_or_too_many_ids_is_result_1(ports, elements):
     add(ports, name="a")
     assert ports.post(DELETE, {"portOpenSettings": elements}).json == UNUSABLE

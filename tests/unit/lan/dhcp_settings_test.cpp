@@ -12,7 +12,8 @@ TEST(LeaseText, IsInDaysOrHours) {
     int hours;
     const char* text;
   };
-  for (const Row& row : {Row{0, "0h"}, Row{5, "5h"}, Row{23, "23h"}, Row{24, "1d"}, Row{36, "1d"}, Row{48, "2d"}}) {
+  for (const Row& row : {Row{0, "0h"}, Row{5, "5h"}, Row{23, "23h"}, Row{24, "1d"}, Row{36, "1d"}, Row{48, "2d"},
+                         Row{-5, "-5h"}, Row{-30, "-30h"}}) {
     EXPECT_EQ(lease_text(row.hours), row.text);
   }
 }
@@ -53,6 +54,21 @@ TEST(ParseLeases, KeepsLinesOfThreeFieldsThatEndLater) {
   EXPECT_EQ(leases[0].remain_time, 50);
   EXPECT_EQ(leases[0].mac, "AA");
   EXPECT_EQ(leases[1].ip, "7.7.7.7");
+}
+
+TEST(ParseLeases, BoundsTheRemainingTime) {
+  const std::vector<Lease> leases = parse_leases("9223372036854775807,AA,1.1.1.1\n4294967395,BB,2.2.2.2\n", 100);
+  ASSERT_EQ(leases.size(), 2U);
+  EXPECT_EQ(leases[0].remain_time, 2147483647);
+  EXPECT_EQ(leases[1].remain_time, 2147483647);
+}
+
+TEST(ParseLeases, BoundsItsTexts) {
+  const std::string text(100, 'A');
+  const std::vector<Lease> leases = parse_leases("150," + text + "," + text + "\n", 100);
+  ASSERT_EQ(leases.size(), 1U);
+  EXPECT_EQ(leases[0].mac, std::string(31, 'A'));
+  EXPECT_EQ(leases[0].ip, std::string(31, 'A'));
 }
 
 }  // namespace
