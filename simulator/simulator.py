@@ -137,7 +137,7 @@ class Simulator:
         while not self._stopping.wait(0.1):
             wish = self.root.read("/router/reboot")
             if wish is not None:
-                self._program.kill()
+                sandbox.kill_all(self._program.pid)
                 self._program.wait()
                 self._restart_root(wish.strip())
             elif self._program.poll() is not None:
