@@ -291,15 +291,7 @@ def test_pulling_the_cable_is_seen_at_once(live):
 
 def daemons(router):
     """The program's processes but for the one that serves."""
-    serving = router.program_pid()
-    found = []
-    for pid in sandbox._descendants(router._program.pid):
-        try:
-            if pid != serving and os.path.basename(os.readlink(f"/proc/{pid}/exe")) == "router-api":
-                found.append(pid)
-        except OSError:
-            continue
-    return found
+    return [pid for pid in sandbox.find_programs(router._program.pid, "router-api") if pid != router.program_pid()]
 
 
 def test_the_reload_outlives_the_request_and_keeps_its_order(live):
