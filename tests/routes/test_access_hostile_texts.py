@@ -1,8 +1,6 @@
 """Hostile texts in every field of the access and DHCP routes: each reaches its place, whole or cut at its bound, and
 nothing else."""
 
-from dataclasses import dataclass
-
 import pytest
 
 from kit import HOSTILE
@@ -240,7 +238,8 @@ def test_a_text_of_a_fixed_host(unit, elsewhere, key, option, name):
     elsewhere("dhcp")
 
 
-@pytest.mark.parametrize("key, address, value", [("leaseTime", "dhcp.lan.leasetime", "0h"), ("enable", "dhcp.lan.ignore", "1")])
+@pytest.mark.parametrize("key, address, value", [("leaseTime", "dhcp.lan.leasetime", "0h"),
+                                                 ("enable", "dhcp.lan.ignore", "1")])
 def test_a_number_of_the_pool_that_is_a_text_is_0(unit, elsewhere, key, address, value):
     for text in HOSTILE.values():
         unit.config("dhcp", PACKAGES["dhcp"].replace("ignore '1'", "ignore '0'\n\toption leasetime '9h'\n"

@@ -1,5 +1,7 @@
 """GET and POST /api/v1/port-open, POST /api/v1/delete-port."""
 
+from pathlib import Path
+
 import pytest
 
 from kit import GARBAGE_BODIES
@@ -195,6 +197,16 @@ def test_what_is_read_is_traced(ports):
     ports.get(URI)
     for text in ("dest_ip: 192.168.0.1", "dest_port: 81", "src_dport: 8081"):
         assert ports.logged(text, priority=7)
+
+
+def test_reading_absent_options_leaves_no_pipe_open(ports):
+    for _ in range(5):
+        add(ports)
+    ports.get(URI)
+    descriptors = Path(f"/proc/{ports.pid()}/fd")
+    before = len(list(descriptors.iterdir()))
+    assert len(ports.get(URI).json["portOpenSettings"]) == 5
+    assert len(list(descriptors.iterdir())) <= before
 
 
 @pytest.mark.parametrize("tool", [{"missing": True}, {"exit": 1}], ids=["missing", "fails"])
