@@ -224,6 +224,11 @@ def test_a_missing_key_is_told_in_the_log_and_counts_as_0_or_empty(dhcp, key):
     assert dhcp.option(f"dhcp.lan.{option}") == value
 
 
+def test_an_empty_address_of_the_pool_is_told_in_the_log(dhcp):
+    assert dhcp.post(URI, settings(endAddress="")).json == OK
+    assert dhcp.logged("the value of passing parameter is empry when calling", priority=3)
+
+
 def test_without_a_list_of_hosts_there_are_none(dhcp):
     dhcp.add("dhcp", "host", ip="192.168.0.7", mac="AA:BB:CC:DD:EE:01")
     body = settings()
