@@ -256,6 +256,27 @@ def test_a_static_address_reaches_as_far_as_its_gateway(live):
     assert router.get(REACHABILITY).json["inetchk"] == 0
 
 
+def test_what_a_request_leaves_out_counts_as_0_and_is_not_kept(live):
+    router = live(wan="static", fast_time=os.environ["FAST_TIME_LIB"])
+    router.root.set_options({"network.wan.hostname": "kept"})
+    assert router.post(INFO, {"wanConfig": {"wanMethod": 1}}).json == accepted(90)
+    assert [router.option(f"network.wan.{name}") for name in ("ipaddr", "netmask", "gateway")] == [None] * 3
+    for option in ("network.wan.autoflag", "network.wan.v6vne", "ecm.global.acceleration", "upnpd.config.enabled",
+                   "system.easysetup.http_redirect_enable"):
+        assert router.option(option) is None, option
+    assert router.post(INFO, {"wanConfig": {}}).json == accepted(90)
+    config = wan_config(router)
+    assert (config["wanMethod"], config["wanIpv6Method"], config["dhcpcHostName"]) == (DHCP, 0, "kept")
+
+
+def test_a_number_out_of_its_range_is_left_out(live):
+    router = live(fast_time=os.environ["FAST_TIME_LIB"])
+    assert router.post(INFO, request(9, natAccelerationEnable=2, uPnPIGD="3", wanAutoSelectStatus=2)).json == accepted(300)
+    config = wan_config(router)
+    assert [config[key] for key in ("wanMethod", "natAccelerationEnable", "uPnPIGD", "wanAutoSelectStatus")] == [0, 1, "3", 2]
+    assert "Invalid wanMethod parameter, waninfo->wanMethod = 9" in router.root.read("/var/log/messages.log")
+
+
 # PPPoE.
 
 def test_pppoe_is_probed_refused_and_let_in(live):
