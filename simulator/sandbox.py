@@ -320,13 +320,19 @@ def has_own_network() -> bool:
 
 def find_program(bwrap_pid: int, name: str) -> int | None:
     """The process id, on the machine, of a program that runs below a bubblewrap process."""
+    return next(iter(find_programs(bwrap_pid, name)), None)
+
+
+def find_programs(bwrap_pid: int, name: str) -> list[int]:
+    """The process ids, on the machine, of a program and its forked children below a bubblewrap process."""
+    found = []
     for pid in _descendants(bwrap_pid):
         try:
             if os.path.basename(os.readlink(f"/proc/{pid}/exe")) == name:
-                return pid
+                found.append(pid)
         except OSError:
             continue
-    return None
+    return found
 
 
 def _descendants(pid: int) -> list[int]:
