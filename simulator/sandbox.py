@@ -337,9 +337,9 @@ def find_programs(bwrap_pid: int, name: str) -> list[int]:
 
 def _descendants(pid: int) -> list[int]:
     children = []
-    for task in Path(f"/proc/{pid}/task").glob("*/children"):
-        try:
-            children += [int(child) for child in task.read_text().split()]
-        except OSError:
-            pass
+    try:
+        for task in os.listdir(f"/proc/{pid}/task"):
+            children += [int(child) for child in Path(f"/proc/{pid}/task/{task}/children").read_text().split()]
+    except OSError:
+        pass  # it, or one of its threads, has ended
     return children + [grandchild for child in children for grandchild in _descendants(child)]
