@@ -2,9 +2,10 @@
 
 import pytest
 
+from wan_setup import ENCRYPT
+
 URI = "/api/v1/router/inetchk"
 COMMAND = "inetchk -46 -woi"
-ENCRYPT = ("jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c")
 
 # Of the tool's exit status: the low four bits are the IPv4 test, the next four the IPv6 test; 1 is passed.
 PASSED = 1

@@ -7,6 +7,8 @@ import pytest
 
 from kit import GARBAGE_BODIES, HOSTILE
 
+from wan_setup import ENCRYPT
+
 START = "/api/v1/pppoe/start"
 RESPONSE = "/api/v1/pppoe/response"
 RESULT = "/api/v1/pppoe/result"
@@ -15,7 +17,6 @@ PROBE = "/etc/qvpppoe_chk_cmd.sh"
 VERDICT = "/tmp/pppoechkresult.txt"
 CARRIER = "/sys/class/net/eth1/carrier"
 
-ENCRYPT = ("jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c")
 HEADER = ["Content-Type: application/json", "Status: 200 OK"]
 UNUSABLE = '{"result": 1}'
 
@@ -30,10 +31,10 @@ def test_a_probe_is_started_whatever_the_body(router, body):
     router.assert_calls(PROBE)
 
 
-@pytest.mark.parametrize("body", GARBAGE_BODIES.values(), ids=GARBAGE_BODIES.keys())
-def test_a_garbage_body_is_not_looked_at(router, body):
-    assert router.post(START, body).json["result"] == 0
-    router.assert_calls(PROBE)
+def test_a_garbage_body_is_not_looked_at(router):
+    for name, body in GARBAGE_BODIES.items():
+        assert router.post(START, body).json["result"] == 0, name
+    router.assert_calls(*[PROBE] * len(GARBAGE_BODIES))
 
 
 @pytest.mark.parametrize("answer", [{"exit": 1}, {"exit": 255}, {"exit": 127}, {"signal": 9}, {"missing": True}],
@@ -119,11 +120,11 @@ def last_piece(text):
     return line[0][(len(line[0]) - 1) // 7 * 7:] if line else b""
 
 
-@pytest.mark.parametrize("text", HOSTILE.values(), ids=HOSTILE.keys())
-def test_a_hostile_verdict_is_read_as_a_number(router, text):
-    verdict(router, text)
-    number = re.match(rb"\s*([+-]?\d+)", last_piece(text))
-    assert router.get(RESPONSE).json["response"] == (1 if number is None else 0)
+def test_a_hostile_verdict_is_read_as_a_number(router):
+    for name, text in HOSTILE.items():
+        verdict(router, text)
+        number = re.match(rb"\s*([+-]?\d+)", last_piece(text))
+        assert router.get(RESPONSE).json["response"] == (1 if number is None or int(number[1]) in (0, -1) else 0), name
     router.assert_nothing_ran()
 
 
@@ -215,10 +216,10 @@ def test_an_odd_error_breaks_nothing(router, errors):
     assert router.alive()
 
 
-@pytest.mark.parametrize("text", HOSTILE.values(), ids=HOSTILE.keys())
-def test_a_hostile_error_code_is_another_error(router, text):
-    session(router, down(errors=[{"code": text[:3000]}]))
-    assert router.get(RESULT).json["connectResult"] == 2
+def test_a_hostile_error_code_is_another_error(router):
+    for name, text in HOSTILE.items():
+        session(router, down(errors=[{"code": text[:3000]}]))
+        assert router.get(RESULT).json["connectResult"] == 2, name
     router.assert_nothing_ran()
 
 

@@ -4,8 +4,8 @@ import pytest
 
 from kit import GARBAGE_BODIES, HOSTILE
 
-from wan_setup import (FLUSH, RELOAD, TUNNEL_TOOL, UNUSABLE, UPNP_RELOAD, URI, addresses, apply, cut, packages, restore,
-                       set_wan, stored, wan)  # noqa: F401
+from wan_setup import (FLUSH, RELOAD, TUNNEL_TOOL, UNUSABLE, URI, addresses, apply, cut, packages, restore, set_wan,
+                       stored, wan)  # noqa: F401
 
 # Per mode: field, option, bytes of its buffer.
 FIELDS = {
@@ -111,18 +111,17 @@ def test_hostile_credentials_are_traced_as_they_are(wan, name):
     wan.assert_nothing_ran()
 
 
-@pytest.mark.parametrize("body", GARBAGE_BODIES.values(), ids=GARBAGE_BODIES.keys())
-def test_a_garbage_body_is_refused_and_changes_nothing(wan, body):
+def test_a_garbage_body_is_refused_and_changes_nothing(wan):
     before = stored(wan)
-    assert apply(wan, body).text == UNUSABLE
-    assert stored(wan) == before
-    wan.assert_calls(*RELOAD)
+    for name, body in GARBAGE_BODIES.items():
+        assert apply(wan, body).text == UNUSABLE, name
+        assert stored(wan) == before
+        wan.assert_calls(*RELOAD)
 
 
-@pytest.mark.parametrize("body", GARBAGE_BODIES.values(), ids=GARBAGE_BODIES.keys())
-def test_a_garbage_wan_config_never_breaks_the_program(wan, body):
-    answer = apply(wan, b'{"wanConfig": ' + body + b"}")
-    assert answer.json["result"] in (0, 1)
+def test_a_garbage_wan_config_never_breaks_the_program(wan):
+    for name, body in GARBAGE_BODIES.items():
+        assert apply(wan, b'{"wanConfig": ' + body + b"}").json["result"] in (0, 1), name
     assert wan.alive()
 
 

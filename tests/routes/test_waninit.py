@@ -4,9 +4,8 @@ import pytest
 
 from kit import GARBAGE_BODIES
 
-from wan_setup import DELETED, FAILED, INIT, MODE_OPTIONS, MODES, set_wan, stored, told, wan  # noqa: F401
+from wan_setup import DELETED, ENCRYPT, FAILED, INIT, MODE_OPTIONS, MODES, set_wan, stored, told, wan  # noqa: F401
 
-ENCRYPT = ("jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c")
 OK = '{"result": 0, "version": 1, "waitTime": 420}'
 
 RESET = {"network.wan.mode": "DHCP", "network.wan.lastmode": "DHCP", "network.wan.proto": "dhcp", "network.wan.dhcpv6pd": "0",
@@ -80,10 +79,11 @@ def test_with_an_empty_mode_it_is_result_2_without_a_restart(wan):
     wan.assert_calls()
 
 
-@pytest.mark.parametrize("body", GARBAGE_BODIES.values(), ids=GARBAGE_BODIES.keys())
-def test_the_body_is_not_looked_at(wan, body):
-    assert wan.post(INIT, body).text == OK
-    assert rebooted(wan)
+def test_the_body_is_not_looked_at(wan):
+    for name, body in GARBAGE_BODIES.items():
+        wan.forget_calls()
+        assert wan.post(INIT, body).text == OK, name
+        assert rebooted(wan)
 
 
 def test_without_a_system_section_the_wan_is_reset(wan):

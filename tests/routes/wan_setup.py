@@ -18,6 +18,9 @@ ADDRESS_SCRIPT = "/etc/getIpAddr.sh"
 ADDRESS_FILE = "/tmp/ipAddrResult"
 TUNNEL_TOOL = "/usr/sbin/ip4ov6jp_info"
 
+# jose's arguments for an answer.
+ENCRYPT = ("jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c")
+
 FLUSH = "ip addr flush dev eth1"
 RELOAD = ["sleep 2", "/etc/init.d/network reload", "logger -t LAN_INFO lan reload completely finished"]
 UPNP_RELOAD = ["sleep 2", "/etc/init.d/miniupnpd reload"]
@@ -103,6 +106,12 @@ def set_wan(router, **options):
         router.set(f"network.wan.{option}", value)
 
 
+def static_unit(router, **options):
+    """A line with a static address."""
+    set_wan(router, **{"mode": "STATIC", "proto": "static", "ipaddr": "203.0.113.10", "netmask": "255.255.255.0",
+                       "gateway": "203.0.113.1"} | options)
+
+
 def stored(router):
     """All that UCI holds, by address; an empty list is none. A section stands by its type."""
     content = {}
@@ -156,5 +165,3 @@ def told(router, text):
     """Whether a trace says so, in the log or on standard error."""
     return router.logged(text) or text in router.stderr()
 
-
-__all__ = [name for name in dir() if not name.startswith("_") and name != "pytest"]
