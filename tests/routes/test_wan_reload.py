@@ -4,7 +4,7 @@ import os
 
 import pytest
 
-from wan_setup import ECM, ECM_NODES, RELOAD, SHORT_WAIT, UPNP_RELOAD, URI, apply, request, wan  # noqa: F401
+from wan_setup import ECM, ECM_NODES, RELOAD, SHORT_WAIT, UNUSABLE, UPNP_RELOAD, URI, apply, request, wan  # noqa: F401
 
 
 @pytest.mark.parametrize("stored_text, wanted, reloads", [("1", 1, False), ("1", 0, True), ("0", 1, True), ("0", 0, False),
@@ -91,6 +91,14 @@ def test_the_switches_of_an_earlier_change_are_done_once(wan):
     apply(wan, natAccelerationEnable=0, uPnPIGD=0)
     wan.assert_calls(*RELOAD)
     assert nodes(wan) == ["9"] * 3
+
+
+def test_a_refused_request_reloads_with_the_switches_of_the_last_change(wan):
+    apply(wan, natAccelerationEnable=0, uPnPIGD=0)
+    set_nodes(wan)
+    assert apply(wan, {"wanConfig": 5}).text == UNUSABLE
+    wan.assert_calls(*RELOAD, *UPNP_RELOAD)
+    assert nodes(wan) == ["1"] * 3
 
 
 @pytest.mark.parametrize("tool", ["/etc/init.d/network", "logger", "/etc/init.d/miniupnpd"])

@@ -86,7 +86,14 @@ def test_the_body_is_not_looked_at(wan):
         assert rebooted(wan)
 
 
-def test_without_a_system_section_the_wan_is_reset(wan):
+def test_a_missing_system_section_is_made(wan):
+    wan.config("system", "config easysetup 'easysetup'\n\toption http_redirect_enable '0'\n")
+    assert wan.post(INIT).text == OK
+    assert wan.option("system.@system[0].op_mode") == "router"
+    assert rebooted(wan)
+
+
+def test_without_the_system_package_the_wan_is_reset(wan):
     wan.no_config("system")
     assert wan.post(INIT).text == OK
     assert wan.option("network.wan.lastmode") == "DHCP"
