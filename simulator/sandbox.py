@@ -345,12 +345,16 @@ def _runs(pid: int, name: str) -> bool:
 
 
 def _children(pid: int) -> list[int]:
+    try:
+        tasks = os.listdir(f"/proc/{pid}/task")
+    except OSError:
+        return []  # it has ended
     children = []
-    for task in Path(f"/proc/{pid}/task").glob("*/children"):
+    for task in tasks:
         try:
-            children += [int(child) for child in task.read_text().split()]
+            children += [int(child) for child in Path(f"/proc/{pid}/task/{task}/children").read_text().split()]
         except OSError:
-            pass
+            continue  # this thread has
     return children
 
 
