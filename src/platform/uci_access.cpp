@@ -126,7 +126,7 @@ unsigned int UciSetOption(const char* confdir, const char* package, const char* 
   Address address({package, section, option}, text_or_empty(value));
   LOOK_UP(address)
   if (uci_set(context.get(), &found) != UCI_OK) {
-    log_error("uci_set %s failed.", (address).shown.c_str());
+    log_error("uci_set %s failed.", address.shown.c_str());
     return kFailure;
   }
   COMMIT(found.p)
@@ -165,7 +165,7 @@ unsigned int UciAddList(const char* confdir, const char* package, const char* se
   Address address({package, section, option}, text_or_empty(value));
   LOOK_UP(address)
   if (uci_add_list(context.get(), &found) != UCI_OK) {
-    log_error("uci_add_list %s failed.", (address).shown.c_str());
+    log_error("uci_add_list %s failed.", address.shown.c_str());
     return kFailure;
   }
   COMMIT(found.p)
@@ -178,7 +178,7 @@ unsigned int UciDelList(const char* confdir, const char* package, const char* se
   Address address({package, section, option}, text_or_empty(value));
   LOOK_UP(address)
   if (uci_del_list(context.get(), &found) != UCI_OK) {
-    log_error("uci_del_list %s failed.", (address).shown.c_str());
+    log_error("uci_del_list %s failed.", address.shown.c_str());
     return kFailure;
   }
   COMMIT(found.p)
