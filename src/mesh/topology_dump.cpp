@@ -25,7 +25,8 @@ constexpr const char* kRouterDumpCommand = R"((echo "td s2"; sleep 3; ) | emt)";
 char lower(char character) { return static_cast<char>(std::tolower(static_cast<unsigned char>(character))); }
 
 bool holds_in_any_case(std::string_view line, std::string_view text) {
-  return !std::ranges::search(line, text, {}, lower, lower).empty();
+  const auto same = [](char a, char b) { return lower(a) == lower(b); };
+  return std::search(line.begin(), line.end(), text.begin(), text.end(), same) != line.end();
 }
 
 std::string_view second_field(std::string_view line) {

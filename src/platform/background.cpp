@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <exception>
 #include <filesystem>
 #include <sys/wait.h>
 #include <system_error>
@@ -13,18 +12,10 @@
 #include <vector>
 
 #include "platform/log.h"
+#include "platform/run_guarded.h"
 
 namespace platform {
 namespace {
-
-// Runs `work`; what it throws is logged, since nobody could catch it.
-void run_guarded(const std::function<void()>& work) noexcept {
-  try {
-    work();
-  } catch (const std::exception& error) {
-    log_error("background work ended: %s\n", error.what());
-  }
-}
 
 // The daemon must hold neither the client's connection nor the listening socket. Both are close-on-exec, which a fork
 // without exec does not honour.

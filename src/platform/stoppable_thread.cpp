@@ -2,24 +2,12 @@
 #include "platform/stoppable_thread.h"
 
 #include <chrono>
-#include <exception>
 #include <system_error>
 #include <utility>
 
-#include "platform/log.h"
+#include "platform/run_guarded.h"
 
 namespace platform {
-namespace {
-
-void run_guarded(const std::function<void()>& work) noexcept {
-  try {
-    work();
-  } catch (const std::exception& error) {
-    log_error("background work ended: %s\n", error.what());
-  }
-}
-
-}  // namespace
 
 int StoppableThread::start(std::function<void()> work) {
   stop();

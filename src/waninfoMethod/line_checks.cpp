@@ -1,0 +1,141 @@
+// POST /api/v1/pppoe/start, GET /api/v1/pppoe/response, /pppoe/result and /router/inetchk.
+#include "waninfoMethod/line_checks.h"
+
+#include <cstdlib>
+#include <string>
+#include <utility>
+
+#include "answer/answer.h"
+#include "handlers.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "waninfoMethod/wan_link.h"
+
+namespace {
+
+constexpr const char* kProbeScript = "/etc/qvpppoe_chk_cmd.sh";
+constexpr const char* kProbeResult = "/tmp/pppoechkresult.txt";
+
+// `response` of the PPPoE probe.
+constexpr int kServerFound = 0;
+constexpr int kNoServer = 1;
+constexpr int kNoCable = 2;
+
+// `connectResult` of the live session.
+constexpr int kConnected = 0;
+constexpr int kAuthenticationFailed = 1;
+constexpr int kOtherError = 2;
+constexpr int kNotPppoe = 3;
+
+bool run_probe() {
+  const platform::ProcessResult script = platform::run_shell(kProbeScript, {.capture_output = false});
+  if (!script.started) log_error("system failed.");
+  return script.succeeded();
+}
+
+// What is told of a session that is down by its first error.
+int result_of_error(json_object* error) {
+  const std::optional<std::string> code = json::text_member(error, "code");
+  if (!code) return kConnected;
+  log_debug("code %s", code->c_str());
+  return *code == "AUTH_TOPEER_FAILED" ? kAuthenticationFailed : kOtherError;
+}
+
+// 1 in one of the two fields of four bits says that the test of this family passed.
+std::pair<int, int> result_of_reachability(int status) {
+  const bool ipv4 = (status & 0xF) == 1;
+  const bool ipv6 = ((status >> 4) & 0xF) == 1;
+  return {ipv4 || ipv6 ? 0 : 1, (ipv4 ? 1 : 0) + (ipv6 ? 2 : 0)};
+}
+
+}  // namespace
+
+int GetPPPoeChkResult() {
+  constexpr std::size_t kPieceSize = 8;
+  run_probe();
+  const std::optional<std::string> content = platform::read_file(kProbeResult);
+  if (!content) {
+    log_error("open pppoechkresult.txt failed.");
+    return -1;
+  }
+  const std::vector<std::string> pieces = platform::split_lines(*content, kPieceSize);
+  return pieces.empty() ? 0 : std::atoi(pieces.back().c_str());
+}
+
+int get_pppoe_result(int& connect_result) {
+  constexpr std::size_t kLongestReport = 4085;
+  constexpr std::size_t kLongestProto = 7;
+  const platform::ProcessResult tool = platform::run_shell("ifstatus wan");
+  if (!tool.started) {
+    log_error("popen failed.");
+    return 1;
+  }
+  const json::JsonPtr report = json::parse(tool.output.substr(0, kLongestReport).c_str());
+  if (!report) {
+    log_error("Failed to parse JSON.");
+    return 1;
+  }
+  const bool up = json_object_get_boolean(json::member(report.get(), "up")) != 0;
+  const std::string proto = json::text_member(report.get(), "proto").value_or("").substr(0, kLongestProto);
+  log_debug("up:%d, proto:%s", up ? 1 : 0, proto.c_str());
+  if (up) {
+    connect_result = proto == "pppoe" ? kConnected : kNotPppoe;
+    return 0;
+  }
+  json_object* errors = json::array_member(report.get(), "errors");
+  if (proto != "pppoe" || errors == nullptr || json_object_array_length(errors) == 0) return 1;
+  connect_result = result_of_error(json_object_array_get_idx(errors, 0));
+  return 0;
+}
+
+int get_ipvalue_address() {
+  constexpr std::size_t kPieceSize = 32;
+  const platform::ProcessResult tool = platform::run_shell("inetchk -46 -woi ; echo $?");
+  if (!tool.started) {
+    log_error("Failed to run command");
+    return 1;
+  }
+  const std::vector<std::string> pieces = platform::split_lines(tool.output, kPieceSize);
+  return pieces.empty() ? 0 : std::atoi(pieces.back().c_str());
+}
+
+int handle_pppoe_config(FCGX_Request* request, const char* /*body*/) {
+  return answer(request, run_probe() ? kResultOkWait20 : kResultUnusable);
+}
+
+int handle_get_pppoe_response(FCGX_Request* request) {
+  int link = 0;
+  get_wan_link_status(link);
+  int response = kNoCable;
+  if (link != 0) {
+    const int verdict = GetPPPoeChkResult();
+    response = verdict == 0 || verdict == -1 ? kNoServer : kServerFound;
+  }
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "response", response);
+  return answer(request, document);
+}
+
+int handle_get_pppoe_result(FCGX_Request* request) {
+  int connect_result = kConnected;
+  const int result = get_pppoe_result(connect_result);
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", result);
+  if (result == 0) {
+    json::add(document.get(), "version", 1);
+    json::add(document.get(), "connectResult", connect_result);
+  }
+  return answer(request, document);
+}
+
+int handle_get_inetchk(FCGX_Request* request) {
+  const auto [result, reachability] = result_of_reachability(get_ipvalue_address());
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", result);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "inetchk", reachability);
+  return answer(request, document);
+}

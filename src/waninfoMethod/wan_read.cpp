@@ -1,0 +1,242 @@
+// GET /api/v1/router/wan-info.
+#include <array>
+#include <cstdlib>
+#include <string>
+
+#include "answer/answer.h"
+#include "domain/wan_modes.h"
+#include "handlers.h"
+#include "platform/file.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+#include "waninfoMethod/tunnel_status.h"
+#include "waninfoMethod/wan_addresses.h"
+#include "waninfoMethod/wan_link.h"
+
+namespace {
+
+constexpr const char* kAddressScript = "/etc/getIpAddr.sh";
+constexpr const char* kAddressResult = "/tmp/ipAddrResult";
+constexpr std::size_t kFlagSize = 8;
+constexpr std::size_t kMacSize = 20;
+constexpr std::size_t kDisplaySize = 256;
+constexpr int kDefaultPppoeMtu = 1454;
+constexpr int kPppoeOverhead = 8;
+
+// What is gathered before the document is built.
+struct WanState {
+  std::string mode;
+  std::string button_mode;
+  std::string auto_flag;
+  std::string wan_mac;
+  std::string lan_mac;
+  int link = 0;
+  int hb46pp_method = 0;
+  std::string method_display;
+  std::string ce_address;
+  std::string available_ports = "none";  // lower case, unlike the addresses: clients compare it
+  WanAddresses addresses;
+
+  // A router that holds the WAN's addresses itself.
+  [[nodiscard]] bool has_wan_addresses() const {
+    return button_mode.starts_with("router_mode") && !mode.starts_with("AP");
+  }
+};
+
+std::string read_text(const char* package, const char* section, const char* option, std::size_t size) {
+  return uci_read_or(package, section, option, size, "");
+}
+
+std::string read_wan(const char* option, std::size_t size) { return read_text("network", "wan", option, size); }
+
+int read_number(const char* package, const char* section, const char* option) {
+  return std::atoi(read_text(package, section, option, kFlagSize).c_str());
+}
+
+bool is_mesh_agent() {
+  const int enabled = std::atoi(read_text("button_mesh", "easymesh", "enable", 4).c_str());
+  return read_text("button_mesh", "easymesh", "role", 16).starts_with("agent") && enabled == 1;
+}
+
+// What the packages must hold for the document to mean anything; a satellite has no WAN of its own.
+bool has_needed_sections(bool is_agent) {
+  if (UciCheckSection(nullptr, "system", "@system[0]") != 0) {
+    log_error("Invalid system.system section.");
+    return false;
+  }
+  if (UciCheckSection(nullptr, "network", "wan") != 0 && !is_agent) {
+    log_error("Invalid network.wan section.");
+    return false;
+  }
+  return true;
+}
+
+void read_link(WanState& state) {
+  if (get_macAddr(kWanInterface, state.wan_mac) != 0) log_error("get wanMac fail!");
+  if (get_macAddr("br-lan", state.lan_mac) != 0) log_error("get lanMac fail!");
+  state.wan_mac.resize(std::min(state.wan_mac.size(), kMacSize - 1));
+  state.lan_mac.resize(std::min(state.lan_mac.size(), kMacSize - 1));
+  get_wan_link_status(state.link);
+}
+
+// Takes over what the tunnel has; what it has not keeps its default.
+void read_tunnel(WanState& state) {
+  Ip4ov6jp_InfoCmd();
+  const Ip4orip6Info& info = g_ip4orip6Info;
+  state.hb46pp_method = getHb46ppMethod(info.mode);
+  getWanMethodStr(info.vne_service, state.method_display, kDisplaySize);
+  state.ce_address = info.CE;
+  if (!info.ipv4.empty()) state.addresses.ipv4_address = info.ipv4;
+  if (!info.port.empty()) state.available_ports = info.port;
+  if (!info.wan_global_addr.empty()) state.addresses.ipv6_global = info.wan_global_addr + "/64";
+  log_debug("wanHb46ppMethod = %d", state.hb46pp_method);
+  log_debug("wanMethodStr = %s", state.method_display.c_str());
+  log_debug("wanIpv6CeAddress = %s", state.ce_address.c_str());
+  log_debug("wanIpv4Address = %s", state.addresses.ipv4_address.c_str());
+  log_debug("wanIpv4AvailablePorts = %s", state.available_ports.c_str());
+  log_debug("wanIpv6GlobalAddress = %s", state.addresses.ipv6_global.c_str());
+}
+
+int read_method(WanState& state) {
+  const WanMethod method = find_wan_method(state.mode, state.button_mode);
+  if (!method.known) log_error("Invalid mode, modeValue = %s.", state.mode.c_str());
+  if (!method.display.empty()) state.method_display = method.display;
+  return method.code;
+}
+
+int read_ipv6_method() {
+  const int prefix_delegation = std::atoi(read_wan("dhcpv6pd", kFlagSize).c_str());
+  if (std::atoi(read_wan("slaac", kFlagSize).c_str()) == 1) return 1;
+  return prefix_delegation == 1 ? 2 : 0;
+}
+
+void add_unless_empty(json_object* config, const char* key, const std::string& value) {
+  if (!value.empty()) json::add(config, key, value);
+}
+
+void add_connection(json_object* config, WanState& state) {
+  const int method = read_method(state);
+  const std::string password = read_wan("password", 65);
+  const std::string user_name = read_wan("username", 65);
+  const std::string mtu = read_wan("mtu", kFlagSize);
+  json::add(config, "lanMacAddress", state.lan_mac);
+  json::add(config, "wanMacAddress", state.wan_mac);
+  json::add(config, "wanLinkStatus", state.link);
+  json::add(config, "wanAutoSelectStatus", std::atoi(state.auto_flag.c_str()));
+  json::add(config, "wanMethod", method);
+  json::add(config, "wanHb46ppMethod", state.hb46pp_method);
+  json::add(config, "wanMethodStr", state.method_display);
+  if (state.has_wan_addresses()) json::add(config, "wanIpv6Method", read_ipv6_method());
+  json::add(config, "vneAutoChangeStatus", 0);
+  add_unless_empty(config, "pppoeUserName", user_name);
+  add_unless_empty(config, "pppoePassword", password);
+  json::add(config, "pppoeMtu", mtu.empty() ? kDefaultPppoeMtu : std::atoi(mtu.c_str()) - kPppoeOverhead);
+}
+
+// False when the script ran and left no result: the document then ends here.
+bool read_live_addresses(WanAddresses& addresses) {
+  if (!platform::file_exists(kAddressScript)) {
+    log_error("The getIpAddr.sh file does not exist.");
+    return true;
+  }
+  os_system(kAddressScript);
+  const std::optional<std::string> content = platform::read_file(kAddressResult);
+  if (!content) {
+    log_error("open /tmp/ipAddrResult fail.");
+    return false;
+  }
+  read_address_lines(*content, addresses);
+  return true;
+}
+
+// The tunnel carries IPv4, so there is no native one.
+void forget_native_ipv4(WanAddresses& addresses) {
+  addresses.ipv4_mask = addresses.ipv4_gateway = addresses.ipv4_dns1 = addresses.ipv4_dns2 = kNoAddress;
+}
+
+bool add_addresses(json_object* config, WanState& state) {
+  WanAddresses& addresses = state.addresses;
+  if (!read_live_addresses(addresses)) return false;
+  if (is_tunnel_mode(state.mode)) forget_native_ipv4(addresses);
+  json::add(config, "wanIpv4Address", addresses.ipv4_address);
+  json::add(config, "wanIpv4SubMask", addresses.ipv4_mask);
+  json::add(config, "wanIpv4Gateway", addresses.ipv4_gateway);
+  json::add(config, "wanIpv4Dns1", addresses.ipv4_dns1);
+  json::add(config, "wanIpv4Dns2", addresses.ipv4_dns2);
+  json::add(config, "wanIpv6GlobalAddress", addresses.ipv6_global);
+  json::add(config, "wanIpv6LocalAddress", addresses.ipv6_local);
+  json::add(config, "wanIpv6CeAddress", state.ce_address.empty() ? kNoAddress : state.ce_address);
+  json::add(config, "wanIpv6Gateway", addresses.ipv6_gateway);
+  json::add(config, "wanIpv6Dns1", addresses.ipv6_dns1);
+  json::add(config, "wanIpv6Dns2", addresses.ipv6_dns2);
+  json::add(config, "wanIpv4AvailablePorts", state.available_ports);
+  return true;
+}
+
+struct IpipOption {
+  const char* key;
+  const char* option;
+  std::size_t size;
+};
+
+constexpr std::array<IpipOption, 6> kIpipOptions{{
+    {"ipipV4Address", "ip4addr", 16},
+    {"ipipBrAddress", "braddr", 40},
+    {"ipipInterfaceId", "interfaceid", 32},
+    {"ipipResettingUrl", "url", 64},
+    {"ipipUserId", "ipipusername", 64},
+    {"ipipPassword", "ipippasswd", 64},
+}};
+
+void add_tunnel_settings(json_object* config, const std::string& mode) {
+  if (mode.starts_with("DS-Lite")) json::add(config, "aftrAddress", read_wan("aftr", 132));
+  if (!mode.starts_with("IPIP6")) return;
+  json::add(config, "ipipService", getIpipServiceCode(read_wan("v6service", 16)));
+  for (const IpipOption& row : kIpipOptions) json::add(config, row.key, read_wan(row.option, row.size));
+}
+
+int read_acceleration() {
+  const std::string acceleration = read_text("ecm", "global", "acceleration", kFlagSize);
+  if (!acceleration.empty()) return std::atoi(acceleration.c_str());
+  log_error("Not found ecm.global.acceleration ,use default 1.");
+  return 1;
+}
+
+void add_switches(json_object* config, const std::string& mode) {
+  constexpr std::size_t kHostNameSize = 32;
+  const std::string host_name = read_wan("hostname", kHostNameSize);
+  json::add(config, "dhcpcHostName",
+            host_name.empty() ? read_text("network", "backwan", "hostname", kHostNameSize) : host_name);
+  json::add(config, "captivePortalStatus", read_number("system", "easysetup", "http_redirect_enable"));
+  add_tunnel_settings(config, mode);
+  json::add(config, "natAccelerationEnable", read_acceleration());
+  json::add(config, "uPnPIGD", read_text("upnpd", "config", "enabled", kFlagSize));  // a text, as clients expect it
+  const std::string detection = read_wan("qvilas_res", 16);
+  json::add(config, "previousInternetLineAutoResult", getPreviousInternetLineResult(std::atoi(detection.c_str())));
+}
+
+WanState gather_state() {
+  WanState state;
+  state.button_mode = read_text("system", "@system[0]", "button_mode", 12);
+  state.mode = read_wan("mode", kWanModeSize);
+  state.auto_flag = read_wan("autoflag", kFlagSize);
+  read_link(state);
+  if (is_tunnel_mode(state.mode)) read_tunnel(state);
+  return state;
+}
+
+}  // namespace
+
+int handle_get_wanInfo_json(FCGX_Request* request) {
+  if (!has_needed_sections(is_mesh_agent())) return answer(request, "null");
+  WanState state = gather_state();
+  const json::JsonPtr document = json::new_object();
+  json::add(document.get(), "result", 0);
+  json::add(document.get(), "version", 1);
+  json::add(document.get(), "wanConfig", json::new_object());
+  json_object* config = json::member(document.get(), "wanConfig");
+  add_connection(config, state);
+  if (!state.has_wan_addresses() || add_addresses(config, state)) add_switches(config, state.mode);
+  return answer(request, document);
+}

@@ -1,0 +1,113 @@
+// POST /api/v1/router/wan-info and /api/v1/system/config/waninit.
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "answer/answer.h"
+#include "domain/wan_modes.h"
+#include "handlers.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+#include "waninfoMethod/wan_config.h"
+#include "waninfoMethod/wan_reload.h"
+#include "waninfoMethod/wan_request.h"
+
+namespace {
+
+constexpr std::string_view kWait90 = R"({"result": 0, "version": 1, "waitTime": 90})";
+constexpr std::string_view kWait300 = R"({"result": 0, "version": 1, "waitTime": 300})";
+constexpr std::string_view kWait420 = R"({"result": 0, "version": 1, "waitTime": 420})";
+
+int stored_number(const char* package, const char* section, const char* option) {
+  return std::atoi(uci_read_or(package, section, option, 8, "").c_str());
+}
+
+void plan_reload(const wanInfo& info) {
+  const int acceleration = std::atoi(info.natAccelerationEnable.c_str());
+  wan::reload_flags.ecmChangePending = acceleration != stored_number("ecm", "global", "acceleration");
+  if (wan::reload_flags.ecmChangePending) wan::reload_flags.ecmEnableWanted = acceleration == 1;
+  wan::reload_flags.upnpChangePending = std::atoi(info.uPnPIGD.c_str()) != stored_number("upnpd", "config", "enabled");
+}
+
+// A line that has to find its way anew (plain to tunnel and back, or another tunnel) takes longer to come up.
+bool needs_long_wait(const wanInfo& info, const std::string& new_key) {
+  const std::string stored_mode = uci_read_or("network", "wan", "mode", kWanModeSize, "");
+  const int old_code = change_wan_mode_string_to_int(stored_mode);
+  const int new_code = std::atoi(info.wanMethod.c_str());
+  const char old_type = get_wan_mode_type(old_code);
+  const char new_type = get_wan_mode_type(new_code);
+  log_debug("cur_wan_mode is [%s],id is [%d],type is [%c]", stored_mode.c_str(), old_code, old_type);
+  log_debug("set_wan_mode is [%s],id is [%d],type is [%c]", info.wanMethod.c_str(), new_code, new_type);
+  if (old_type != new_type) return true;
+  return new_type == 'B' && uci_read_or("network", "backwan", "waninfobak", 32, "") != new_key;
+}
+
+std::string_view apply_wan_info(const char* body) {
+  const json::JsonPtr document = json::parse(body);
+  if (body != nullptr && !document) log_error("jsonObj is NULL.");
+  json_object* config = json::member(document.get(), "wanConfig");
+  if (!json_object_is_type(config, json_type_object)) return kResultUnusable;
+
+  const wanInfo info = read_wan_info(config);
+  log_debug("pppoeUserNameValue = %s, pppoePasswordValue = %s", info.pppoeUserName.c_str(), info.pppoePassword.c_str());
+  if (checkPPPoeUsernameAndPassword(info.pppoeUserName.c_str(), info.pppoePassword.c_str()) != 0) {
+    log_error("Invalid PPPOE userName and passWord.");
+    return kResultUnusable;
+  }
+  plan_reload(info);
+  log_debug("%s", describe(info).c_str());
+  const std::string key = backup_key(info);
+  const bool long_wait = needs_long_wait(info, key);
+  UciSetOption(nullptr, "network", "backwan", "waninfobak", key.c_str());
+  if (set_wanInfoConfig(&info) != 0) return kResultFailed;
+  return long_wait ? kWait300 : kWait90;
+}
+
+struct OptionValue {
+  const char* option;
+  const char* value;
+};
+
+constexpr std::array<OptionValue, 6> kFirstWan{{
+    {"mode", "DHCP"},
+    {"lastmode", "DHCP"},
+    {"proto", "dhcp"},
+    {"dhcpv6pd", "0"},
+    {"slaac", "0"},
+    {"autoflag", "0"},
+}};
+
+void write_first_wan() {
+  if (UciCheckSection(nullptr, "system", "@system[0]") != 0) UciCreateAnonymousSection(nullptr, "system", "system");
+  UciSetOption(nullptr, "system", "@system[0]", "op_mode", "router");
+  if (UciCheckSection(nullptr, "network", "wan") != 0) UciCreatSection(nullptr, "network", "interface", "wan");
+  for (const OptionValue& row : kFirstWan) UciSetOption(nullptr, "network", "wan", row.option, row.value);
+}
+
+// False when there is no mode to leave.
+bool reset_wan() {
+  const std::optional<std::string> mode = uci_read("network", "wan", "mode", kWanModeSize);
+  if (!mode) return false;
+  log_debug("currentModeValue = %s, strlen(currentModeValue) = %d", mode->c_str(), static_cast<int>(mode->size()));
+  if (delLastModePara(mode->c_str(), mode->size()) != 0) return false;
+  write_first_wan();
+  return true;
+}
+
+}  // namespace
+
+int handle_set_wanInfo_json(FCGX_Request* request, const char* body) {
+  answer(request, apply_wan_info(body));
+  wan::safe_execute_network_reload();  // after a refused request, too
+  return 0;
+}
+
+int handle_initWanConfig(FCGX_Request* request, const char* /*body*/) {
+  if (!reset_wan()) return answer(request, kResultFailed);
+  answer(request, kWait420);
+  FCGX_FFlush(request->out);  // the client is answered before the router goes down
+  os_system("reboot &");
+  return 0;
+}
