@@ -156,6 +156,12 @@ def test_the_live_address_is_the_one_that_ifconfig_prints(lan, line, address, ma
     assert (a["lanIpv4Address"], a["lanIpv4SubMask"]) == (address, mask)
 
 
+def test_of_two_live_addresses_the_first_is_told(lan):
+    lan.tool("ifconfig", "br-lan", out="  inet addr:10.0.0.1  Bcast:x  Mask:255.0.0.0\n  inet addr:10.0.0.2  Bcast:x  Mask:y\n")
+    a = lan.get(URI).json
+    assert (a["lanIpv4Address"], a["lanIpv4SubMask"]) == ("10.0.0.1", "255.0.0.0")
+
+
 @pytest.mark.parametrize("dead", [{"missing": True}, {"exit": 1}, {"signal": 9}, {"out": "no address here\n"}],
                          ids=["missing", "failing", "killed", "other words"])
 def test_a_dead_ifconfig_leaves_no_address(lan, dead):

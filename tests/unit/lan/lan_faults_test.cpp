@@ -67,7 +67,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::Not;
 
 constexpr const char* kForkFailed = "Fork failed!\n";
 constexpr const char* kNoLiveAddress = " fial to get ipv4 addr and netsmask\n";
