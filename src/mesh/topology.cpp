@@ -195,7 +195,6 @@ class TopologyParser {
     std::string interface_mac;
     const std::string type = backhaul_.get_backhaul_type_via_bridge(current_mac_, mac, &interface_mac);
     if (type == "ETHER" && !is_wired_port_of_agent(owner, interface_mac)) return;
-    stations_[owner].insert(mac);
     add_station(owner, mac, type);
   }
 
@@ -210,6 +209,7 @@ class TopologyParser {
     TopologyDevice& device = info_.devices[owner];
     device.stations.push_back({mac, type.substr(0, kStationTypeMax), device.level + 1});
     device.hasLinks = true;
+    stations_[owner].insert(mac);
   }
 
   // The devices of the tree, children before their parents, as often as they stand in it: once.
@@ -264,7 +264,7 @@ class TopologyParser {
   std::unordered_map<std::string, std::size_t> positions_;  // of devices, by MAC
   std::unordered_map<std::size_t, std::string> headers_;    // MACs, by the line of their header
   std::optional<Ancestry> ancestry_;
-  std::vector<std::unordered_set<std::string>> stations_;  // MACs of each device's bridged stations
+  std::vector<std::unordered_set<std::string>> stations_;  // MACs of each device's stations
 
   std::string current_mac_;
   std::string root_mac_;
