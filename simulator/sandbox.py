@@ -12,6 +12,7 @@ import json
 import os
 import shlex
 import shutil
+import signal
 import subprocess
 from pathlib import Path
 
@@ -318,22 +319,45 @@ def has_own_network() -> bool:
     return "--unshare-net" in isolation()
 
 
+def kill_all(bwrap_pid: int) -> None:
+    """Kills everything in the root of a bubblewrap process, which then ends after the last of them.
+
+    Killed itself, it would end first, and what runs in its root would serve a moment longer."""
+    children = _children(bwrap_pid)
+    os.kill(children[0] if children else bwrap_pid, signal.SIGKILL)  # the root's process 1: the kernel ends all others
+
+
 def find_program(bwrap_pid: int, name: str) -> int | None:
     """The process id, on the machine, of a program that runs below a bubblewrap process."""
-    for pid in _descendants(bwrap_pid):
+    return next(iter(find_programs(bwrap_pid, name)), None)
+
+
+def find_programs(bwrap_pid: int, name: str) -> list[int]:
+    """All processes that run this program below a bubblewrap process: first the one it started, then its daemons."""
+    return [pid for pid in _descendants(bwrap_pid) if _runs(pid, name)]
+
+
+def _runs(pid: int, name: str) -> bool:
+    try:
+        return os.path.basename(os.readlink(f"/proc/{pid}/exe")) == name
+    except OSError:
+        return False
+
+
+def _children(pid: int) -> list[int]:
+    try:
+        tasks = os.listdir(f"/proc/{pid}/task")
+    except OSError:
+        return []  # it has ended
+    children = []
+    for task in tasks:
         try:
-            if os.path.basename(os.readlink(f"/proc/{pid}/exe")) == name:
-                return pid
+            children += [int(child) for child in Path(f"/proc/{pid}/task/{task}/children").read_text().split()]
         except OSError:
-            continue
-    return None
+            continue  # this thread has
+    return children
 
 
 def _descendants(pid: int) -> list[int]:
-    children = []
-    for task in Path(f"/proc/{pid}/task").glob("*/children"):
-        try:
-            children += [int(child) for child in task.read_text().split()]
-        except OSError:
-            pass
+    children = _children(pid)
     return children + [grandchild for child in children for grandchild in _descendants(child)]

@@ -33,6 +33,7 @@ READY_DEADLINE_S = 30.0
 END_DEADLINE_S = 5.0
 RESTART_PAUSE_S = 1.0  # how long a restart takes, and the least time between two starts of a program that ends
 LARGEST_REQUEST_KB = 100 * 1024
+WAN_CARRIER = "/sys/class/net/eth1/carrier"
 
 
 def scenarios() -> list:
@@ -136,7 +137,7 @@ class Simulator:
         while not self._stopping.wait(0.1):
             wish = self.root.read("/router/reboot")
             if wish is not None:
-                self._program.kill()
+                sandbox.kill_all(self._program.pid)
                 self._program.wait()
                 self._restart_root(wish.strip())
             elif self._program.poll() is not None:
@@ -158,7 +159,9 @@ class Simulator:
         if wish == "factory":
             for package in list(self.root.path("/etc/config").iterdir()):
                 package.unlink()
+            cable = self.root.read(WAN_CARRIER)
             self.root.prepare(self.args.brand, "router")
+            self.root.write(WAN_CARRIER, cable or "")  # which a reset does not plug in
         else:
             self.root.copy_tree(sandbox.FACTORY / "files" / "tmp", "/tmp")
             self.root.write("/tmp/deviceid", sandbox.DEVICE_IDS[self.args.brand] + "\n")

@@ -4,20 +4,21 @@
 #include "answer/answer.h"
 #include "handlers.h"
 #include "platform/background.h"
-#include "uci_access.h"
 
 namespace {
 
-struct Switch {
-  const char* key;
-  const char* option;
-};
+constexpr SwitchOption kPptp{"pptpEnable", "security", "security", "pptp"};
+constexpr SwitchOption kIpsec{"ipsecEnable", "security", "security", "ipsec"};
+constexpr SwitchOption kDos{"dosEnable", "security", "security", "dos"};
+constexpr SwitchOption kSpi{"spiEnable", "security", "security", "spi"};
+// A marker for the firewall scripts that the inspection changed; no request names it.
+constexpr SwitchOption kSpiChanged{"", "security", "security", "autoflag"};
 
 // `first` is reported first and read last.
-int answer_switches(FCGX_Request* request, const Switch& first, const Switch& second) {
-  const std::optional<int> second_value = stored_switch("security", "security", second.option);
+int answer_switches(FCGX_Request* request, const SwitchOption& first, const SwitchOption& second) {
+  const std::optional<int> second_value = stored_switch(second);
   if (!second_value) return answer(request, kResultUnusable);
-  const std::optional<int> first_value = stored_switch("security", "security", first.option);
+  const std::optional<int> first_value = stored_switch(first);
   if (!first_value) return answer(request, kResultUnusable);
   const json::JsonPtr document = json::new_object();
   json::add(document.get(), "result", 0);
@@ -27,22 +28,25 @@ int answer_switches(FCGX_Request* request, const Switch& first, const Switch& se
   return answer(request, document);
 }
 
-// False when the switch is missing, wrong, or cannot be stored.
-bool apply_switch(const json::JsonPtr& json, const Switch& wanted) {
-  const std::optional<int> value = read_switch(json, wanted.key);
-  return value && set_switch("security", "security", wanted.option, *value);
+int answer_and_reload(FCGX_Request* request, int result) {
+  answer_result(request, result);
+  if (result == 0) platform::start_detached(exec_securityReload);
+  return result;
 }
 
-int answer_and_reload(FCGX_Request* request) {
-  answer(request, kResultOkWait20);
-  platform::start_detached(exec_securityReload);
+// The `result` to answer; what was written before a failure stays.
+int apply_passthrough(const json::JsonPtr& json) {
+  const int result = apply_switch(json, kPptp);
+  return result != 0 ? result : apply_switch(json, kIpsec);
+}
+
+int apply_protect(const json::JsonPtr& json) {
+  if (const int result = apply_switch(json, kDos); result != 0) return result;
+  const std::optional<int> old_spi = stored_switch(kSpi);
+  if (const int result = apply_switch(json, kSpi); result != 0) return result;
+  if (old_spi != read_switch(json, kSpi.key)) set_switch(kSpiChanged, 1);
   return 0;
 }
-
-constexpr Switch kPptp{"pptpEnable", "pptp"};
-constexpr Switch kIpsec{"ipsecEnable", "ipsec"};
-constexpr Switch kDos{"dosEnable", "dos"};
-constexpr Switch kSpi{"spiEnable", "spi"};
 
 }  // namespace
 
@@ -50,17 +54,9 @@ int handle_get_security_passthrough(FCGX_Request* request) { return answer_switc
 int handle_get_security_protect(FCGX_Request* request) { return answer_switches(request, kDos, kSpi); }
 
 int handle_set_security_passthrough(FCGX_Request* request, const char* body) {
-  const json::JsonPtr json = json::parse(body);
-  if (!apply_switch(json, kPptp) || !apply_switch(json, kIpsec)) return answer(request, kResultUnusable);
-  return answer_and_reload(request);
+  return answer_and_reload(request, apply_passthrough(json::parse(body)));
 }
 
 int handle_set_security_protect(FCGX_Request* request, const char* body) {
-  const json::JsonPtr json = json::parse(body);
-  if (!apply_switch(json, kDos)) return answer(request, kResultUnusable);
-  const std::optional<int> old_spi = stored_switch("security", "security", kSpi.option);
-  if (!apply_switch(json, kSpi)) return answer(request, kResultUnusable);
-  // A marker for the firewall scripts that the inspection changed.
-  if (old_spi != read_switch(json, kSpi.key)) set_switch("security", "security", "autoflag", 1);
-  return answer_and_reload(request);
+  return answer_and_reload(request, apply_protect(json::parse(body)));
 }

@@ -1,5 +1,4 @@
 // GET and POST /api/v1/ntp.
-#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -14,6 +13,13 @@ namespace {
 
 constexpr const char* kConfdir = "/etc/config";
 constexpr std::size_t kTextSize = 256;
+
+// The switch as any number; a null, an array or an object is none.
+std::optional<int> read_enable(const json::JsonPtr& json) {
+  const json_type type = json_object_get_type(json::member(json.get(), "enable"));
+  if (type == json_type_array || type == json_type_object || type == json_type_null) return std::nullopt;
+  return json::int_member(json.get(), "enable");
+}
 
 // Each answers its part of the result: 0 applied, 1 missing, 2 failed.
 
@@ -71,10 +77,10 @@ int handle_set_ntp_config(FCGX_Request* request, const char* body) {
     log_error("can't parse request_body to json format.");
     return answer_plain(request, kResultUnusable);
   }
-  const std::optional<int> enable = json::int_member(json.get(), "enable");
+  const std::optional<int> enable = read_enable(json);
   const int enable_result = apply_enable(enable);
   const int server_result = apply_server(json::text_member(json.get(), "server"));
-  const int result = std::max(enable_result, server_result);
+  const int result = server_result != 0 ? server_result : enable_result;  // the later step decides
   if (result != 0) return answer_plain(request, result == 1 ? kResultUnusable : kResultFailed);
   os_system(*enable != 0 ? "/etc/init.d/sysntpd restart &" : "/etc/init.d/sysntpd stop &");
   return answer(request, kResultOkWait20);

@@ -37,25 +37,49 @@ json::JsonPtr result_document(int result) {
   return document;
 }
 
-// An option that was given an empty text is absent and reads as empty.
+// A field of an entry. An empty text is stored as an absent option, which therefore reads as empty. nullopt when the
+// entry itself cannot be read, or a list stands in the option's place.
+std::optional<std::string> read_field(const std::string& section, const char* option) {
+  if (auto text = uci_read(kPackage, section.c_str(), option, kValueSize)) return text;
+  const bool is_absent = UciCheckSection(nullptr, kPackage, section.c_str()) == 0 &&
+                         !uci_read_list(kPackage, section.c_str(), option, kValueSize, 1);
+  return is_absent ? std::optional<std::string>("") : std::nullopt;
+}
+
+// Null when a field cannot be read.
 json::JsonPtr read_entry(int index) {
   const std::string section = position_of(kType, index);
   json::JsonPtr entry = json::new_object();
   json::add(entry.get(), "id", index);
   for (const Field& field : kFields) {
-    json::add(entry.get(), field.key, uci_read_or(kPackage, section.c_str(), field.option, kValueSize, ""));
+    const std::optional<std::string> text = read_field(section, field.option);
+    if (!text) return nullptr;
+    json::add(entry.get(), field.key, *text);
   }
   return entry;
 }
 
+// How many entries there are to list: none, too, when the last one's address cannot be read.
+int count_entries() {
+  const int count = uci_count_sections(kPackage, kType);
+  if (count < 0) {
+    log_debug("get mia.macbind count error \n");
+    return 0;
+  }
+  if (read_field(position_of(kType, -1), "macaddr")) return count;
+  log_debug("get mia.macbind macaddr error \n");
+  return 0;
+}
+
+// Null when an entry cannot be read.
 json::JsonPtr read_entries() {
   json::JsonPtr entries = json::new_array();
-  const int count = uci_count_sections(kPackage, kType);
-  if (count < 0 || UciCheckSection(nullptr, kPackage, "@macbind[-1]") != 0) {
-    log_debug("get mia.macbind count error \n");
-    return entries;
+  const int count = count_entries();
+  for (int index = 0; index < count; ++index) {
+    json::JsonPtr entry = read_entry(index);
+    if (!entry) return nullptr;
+    json::append(entries.get(), std::move(entry));
   }
-  for (int index = 0; index < count; ++index) json::append(entries.get(), read_entry(index));
   return entries;
 }
 
@@ -65,7 +89,7 @@ json_object* list_of(const char* body, const json::JsonPtr& json) {
     log_error("data is NULL\n");
   } else if (!json) {
     log_error("jsonObj is NULL\n");
-  } else if (!json::has_member(json.get(), "parentalControls")) {
+  } else if (json::member(json.get(), "parentalControls") == nullptr) {
     log_error("parentalControls is NULL\n");
   }
   return json::array_member(json.get(), "parentalControls");
@@ -139,10 +163,12 @@ int handle_get_parental_control_info(FCGX_Request* request) {
   const std::optional<std::string> enable = uci_read(kPackage, "@basic[0]", "enable", kValueSize);
   if (!enable) return answer(request, result_document(1));
   const int is_on = std::atoi(enable->c_str());
+  json::JsonPtr entries = is_on == 1 ? read_entries() : json::new_array();
+  if (!entries) return answer(request, result_document(2));
   const json::JsonPtr document = result_document(0);
   json::add(document.get(), "version", 1);
   json::add(document.get(), "enable", is_on);
-  json::add(document.get(), "parentalControls", is_on == 1 ? read_entries() : json::new_array());
+  json::add(document.get(), "parentalControls", std::move(entries));
   return answer(request, document);
 }
 

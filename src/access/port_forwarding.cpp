@@ -111,7 +111,7 @@ bool is_list_of_another_type(const json::JsonPtr& json) {
 }
 
 json_object* list_of(const json::JsonPtr& json) {
-  if (!json::has_member(json.get(), "portOpenSettings")) log_error("portOpenSettings is NULL\n");
+  if (json::member(json.get(), "portOpenSettings") == nullptr) log_error("portOpenSettings is NULL\n");
   return json::array_member(json.get(), "portOpenSettings");
 }
 

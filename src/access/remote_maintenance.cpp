@@ -1,5 +1,6 @@
 // GET and POST /api/v1/remote-maintenance: the maker's update and management agents.
 #include <array>
+#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -7,8 +8,12 @@
 #include "answer/answer.h"
 #include "handlers.h"
 #include "system_helpers.h"
+#include "uci_access.h"
 
 namespace {
+
+constexpr SwitchOption kUpdates{"enable", "hota", "info", "auto"};
+constexpr SwitchOption kDetails{"detailInfoSendEnable", "firmware", "idm", "enabled"};
 
 enum class Device { kOrvane, kTesmir, kOther };
 
@@ -27,20 +32,21 @@ json::JsonPtr result_document(int result) {
 }
 
 json::JsonPtr read_state() {
+  constexpr std::size_t kNumberSize = 8;
   const std::optional<Device> device = read_device();
+  if (!device) return result_document(1);
   const std::optional<int> running = count_lines("ps | grep '/usr/sbin/hotacron' | grep -v 'grep' | wc -l");
-  if (!device || !running) return result_document(1);
+  if (!running) return result_document(1);
   if (*running != 0) return result_document(2);
-  const std::optional<int> enable = stored_switch("hota", "info", "auto");
+  const std::optional<int> enable = stored_switch(kUpdates);
   if (!enable) return result_document(1);
-  const bool has_detail = *device == Device::kOrvane;
-  const std::optional<int> detail = has_detail ? stored_switch("firmware", "idm", "enabled") : std::nullopt;
-  if (has_detail && !detail) return result_document(1);
-
   json::JsonPtr document = result_document(0);
   json::add(document.get(), "version", 1);
-  json::add(document.get(), "enable", *enable);
-  if (detail) json::add(document.get(), "detailInfoSendEnable", *detail);
+  json::add(document.get(), kUpdates.key, *enable);
+  if (*device != Device::kOrvane) return document;
+  const std::optional<std::string> detail = uci_read(kDetails.package, kDetails.section, kDetails.option, kNumberSize);
+  if (!detail) return result_document(1);
+  json::add(document.get(), kDetails.key, std::atoi(detail->c_str()));
   return document;
 }
 
@@ -53,23 +59,21 @@ int run_chain(const std::array<const char*, kCount>& commands) {
   return 0;
 }
 
-int apply_agents(int enable) {
+int apply_agents(bool enable) {
   constexpr std::array<const char*, 2> kStart{"/usr/sbin/IDM_from_qv/idm_start &", "/etc/init.d/nwm_package start &"};
   constexpr std::array<const char*, 3> kStop{"/usr/sbin/hotacron", "/usr/sbin/IDM_from_qv/idm_stop &",
                                              "/etc/init.d/nwm_package stop &"};
-  return enable == 1 ? run_chain(kStart) : run_chain(kStop);
+  return enable ? run_chain(kStart) : run_chain(kStop);
 }
 
 // The `result` to answer.
 int apply_state(const json::JsonPtr& json) {
-  const std::optional<int> enable = read_switch(json, "enable");
-  if (!enable || !set_switch("hota", "info", "auto", *enable)) return 1;
+  if (const int result = apply_switch(json, kUpdates); result != 0) return result;
   const std::optional<Device> device = read_device();
   if (!device) return 1;
   if (*device == Device::kTesmir) return os_system("/usr/sbin/hotacron") == 1 ? 0 : 2;
-  const std::optional<int> detail = read_switch(json, "detailInfoSendEnable");
-  if (!detail || !set_switch("firmware", "idm", "enabled", *detail)) return 1;
-  return apply_agents(*enable);
+  if (const int result = apply_switch(json, kDetails); result != 0) return result;
+  return apply_agents(read_switch(json, kUpdates.key) == 1);
 }
 
 }  // namespace
@@ -77,7 +81,5 @@ int apply_state(const json::JsonPtr& json) {
 int handle_get_remote_maintenance(FCGX_Request* request) { return answer(request, read_state()); }
 
 int handle_set_remote_maintenance(FCGX_Request* request, const char* body) {
-  const int result = apply_state(json::parse(body));
-  if (result == 0) return answer(request, kResultOkWait20);
-  return answer(request, result == 1 ? kResultUnusable : kResultFailed);
+  return answer_result(request, apply_state(json::parse(body)));
 }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr const char* kVersionPath = "/opt/sense/VERSION";
 constexpr int kNotInstalled = -1;
+constexpr SwitchOption kDisabled{"", "fsecure", "sense", "disabled"};
 
 bool is_service_device() {
   std::array<char, 16> id{};
@@ -39,9 +40,9 @@ json::JsonPtr read_service() {
     json::add(document.get(), "enable", kNotInstalled);
     return document;
   }
-  const std::optional<int> disabled = stored_switch("fsecure", "sense", "disabled");
+  const std::optional<int> disabled = stored_switch(kDisabled);
   const std::optional<std::string> version = platform::read_file(kVersionPath, kVersionMax);
-  if (!disabled || !version) return result_document(1);
+  if (!disabled || !version || version->empty()) return result_document(1);
   json::JsonPtr document = result_document(0);
   json::add(document.get(), "enable", *disabled == 0 ? 1 : 0);
   json::add(document.get(), "sense_ver", without_line_end(*version));
@@ -58,7 +59,7 @@ int handle_set_fsecure_sense(FCGX_Request* request, const char* body) {
   const std::optional<int> enable = read_switch(json, "enable");
   const bool is_router = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "") == "router";
   if (!is_service_device() || !is_router || !enable) return answer(request, kResultUnusable);
-  if (!set_switch("fsecure", "sense", "disabled", 1 - *enable)) return answer(request, kResultUnusable);
+  if (!set_switch(kDisabled, 1 - *enable)) return answer(request, kResultFailed);
   os_system(*enable == 1 ? "/opt/sense/bin/sense_init.sh start &" : "/opt/sense/bin/sense_init.sh stop &");
   return answer(request, kResultOkWait20);
 }

@@ -4,16 +4,32 @@
 #include <optional>
 #include <string>
 
+#include <fcgiapp.h>
+
 #include "answer/json.h"
 
-// The member when it is present and 0 or 1.
+// Where a switch stands in requests and answers, and where it is stored.
+struct SwitchOption {
+  const char* key;
+  const char* package;
+  const char* section;
+  const char* option;
+};
+
+// The member when it is 0 or 1: a number, a text or a truth value.
 std::optional<int> read_switch(const json::JsonPtr& json, const char* key);
 
-// The stored option when it is 0 or 1.
-std::optional<int> stored_switch(const char* package, const char* section, const char* option);
+// The stored option when it is "0" or "1".
+std::optional<int> stored_switch(const SwitchOption& which);
 
 // Stores "0" or "1". False on failure.
-bool set_switch(const char* package, const char* section, const char* option, int value);
+bool set_switch(const SwitchOption& which, int value);
+
+// Stores what the request says. The `result` to answer: 1 when it is missing or wrong, 2 when it cannot be stored.
+int apply_switch(const json::JsonPtr& json, const SwitchOption& which);
+
+// Answers a change: `result` 0 with the time to wait, 1 or 2.
+int answer_result(FCGX_Request* request, int result);
 
 // The number that a counting command ("... | wc -l") prints; nullopt when it cannot be run.
 std::optional<int> count_lines(const char* command);

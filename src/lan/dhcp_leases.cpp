@@ -2,6 +2,7 @@
 #include "lan/dhcp_leases.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
@@ -28,6 +29,27 @@ std::vector<std::string> split_at_commas(std::string_view line) {
   return fields;
 }
 
+// What awk makes of the lease file; nullopt, logged, when no command can be run.
+std::optional<std::string> read_lease_lines() {
+  const platform::ProcessResult result =
+      platform::run_shell(R"(cat /tmp/dhcp.leases | awk 'BEGIN{OFS=","} {print $1,$2,$3}')");
+  if (result.started) return result.output;
+  log_error("Fail to execute CMD\n");
+  return std::nullopt;
+}
+
+json::JsonPtr build_list(const std::vector<Lease>& leases) {
+  json::JsonPtr list = json::new_array();
+  for (const Lease& lease : leases) {
+    json::JsonPtr entry = json::new_object();
+    json::add(entry.get(), "ipAddress", lease.ip);
+    json::add(entry.get(), "macAddress", lease.mac);
+    json::add(entry.get(), "remainTime", lease.remain_time);
+    json::append(list.get(), std::move(entry));
+  }
+  return list;
+}
+
 }  // namespace
 
 long get_uptime_seconds() {
@@ -49,26 +71,18 @@ std::vector<Lease> parse_leases(std::string_view lines, long now_s) {
 }
 
 int handle_get_dhcp_client(FCGX_Request* request) {
-  const platform::ProcessResult result =
-      platform::run_shell(R"(cat /tmp/dhcp.leases | awk 'BEGIN{OFS=","} {print $1,$2,$3}')");
+  const long now_s = get_uptime_seconds();
+  if (now_s < 0) {
+    std::perror("error, fail to call time()\n");
+    return answer(request, kResultFailed);
+  }
+  const std::optional<std::string> lines = read_lease_lines();
+  if (!lines) return answer(request, kResultFailed);
+  const std::vector<Lease> leases = parse_leases(*lines, now_s);
   const json::JsonPtr document = json::new_object();
-  if (!result.started) {
-    log_error("Fail to execute CMD\n");
-    json::add(document.get(), "result", 2);
-    return answer(request, document);
-  }
-  const std::vector<Lease> leases = parse_leases(result.output, get_uptime_seconds());
-  json::JsonPtr list = json::new_array();
-  for (const Lease& lease : leases) {
-    json::JsonPtr entry = json::new_object();
-    json::add(entry.get(), "ipAddress", lease.ip);
-    json::add(entry.get(), "macAddress", lease.mac);
-    json::add(entry.get(), "remainTime", lease.remain_time);
-    json::append(list.get(), std::move(entry));
-  }
   json::add(document.get(), "result", 0);
   json::add(document.get(), "version", 1);
   json::add(document.get(), "clientCount", static_cast<int>(leases.size()));
-  json::add(document.get(), "clientList", std::move(list));
+  json::add(document.get(), "clientList", build_list(leases));
   return answer(request, document);
 }

@@ -15,5 +15,5 @@ struct Lease {
 // The leases of lines "EXPIRY,MAC,IP" that end after `now_s`; 0 is a lease without an end, which is not listed.
 std::vector<Lease> parse_leases(std::string_view lines, long now_s);
 
-// The system's uptime in seconds; the wall-clock time where that cannot be told.
+// The system's uptime in seconds; the wall-clock time where that cannot be told; -1 where neither can.
 long get_uptime_seconds();

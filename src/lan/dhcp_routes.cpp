@@ -24,9 +24,8 @@ std::string read_text(json_object* json, const char* key) {
   return value.value_or("").substr(0, kTextMax);
 }
 
-// False when the list is none, or not as long as the request says, or too long.
-bool read_hosts(json_object* json, DhcpSettings& settings) {
-  const int stated = read_number(json, "fixedIpCount");
+// False when the list is none, or not `stated` long, or too long.
+bool read_hosts(json_object* json, int stated, DhcpSettings& settings) {
   json_object* list = json::array_member(json, "fixedIpAllocation");
   if (list == nullptr && json::has_member(json, "fixedIpAllocation")) return false;
   const std::size_t count = list == nullptr ? 0 : json_object_array_length(list);
@@ -41,9 +40,10 @@ bool read_hosts(json_object* json, DhcpSettings& settings) {
 bool read_settings(json_object* json, DhcpSettings& settings) {
   settings.enable = read_number(json, "enable");
   settings.lease_time = read_number(json, "leaseTime");
+  const int stated = read_number(json, "fixedIpCount");
   settings.start_address = read_text(json, "startAddress");
   settings.end_address = read_text(json, "endAddress");
-  return read_hosts(json, settings);
+  return read_hosts(json, stated, settings);
 }
 
 json::JsonPtr build_hosts(const DhcpSettings& settings) {

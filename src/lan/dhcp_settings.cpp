@@ -63,7 +63,7 @@ bool add_host(const FixedHost& host, int index, const std::string& lease) {
       {"leasetime", "leaseTime", lease},
       {"name", "name", std::to_string(index)},
       {"dns", "dns", "1"},
-      {"mac", "mac", mac},
+      {"mac", "mac", mac.substr(0, kTextMax)},
   }};
   for (const HostOption& option : options) {
     if (UciSetOption(nullptr, "dhcp", section.c_str(), option.option, option.value.c_str()) == 0) continue;
@@ -81,24 +81,19 @@ bool replace_hosts(const DhcpSettings& settings, const std::string& lease) {
   return std::ranges::all_of(settings.hosts, [&](const FixedHost& host) { return add_host(host, index++, lease); });
 }
 
-// The first line that a command prints; `last` is what the buffer held and keeps when it prints nothing.
-void read_first_line(const std::string& command, std::string& last) {
-  std::array<char, 256> line{};
-  if (execute_cmd(command.c_str(), line.data(), line.size() - 1) == 0 && line[0] != '\0') last = line.data();
-}
-
 void read_hosts(DhcpSettings& settings) {
   // One buffer for all, never cleared: a host without a MAC shows what was read before it.
-  std::string shown;
+  std::array<char, 256> line{};
+  const auto first_line = [&line](const std::string& command) {
+    execute_cmd(command.c_str(), line.data(), line.size() - 1);
+    return std::string(line.data()).substr(0, kTextMax);
+  };
   const int count = std::min(get_num_fix_ip(), static_cast<int>(kMostFixedHosts));
   for (int index = 0; index < count; ++index) {
     const std::string section = "uci get dhcp.@host\\[" + std::to_string(index) + "\\]\\.";
-    FixedHost host;
-    read_first_line(section + "ip", shown);
-    host.ip = shown.substr(0, kTextMax);
-    read_first_line(section + "mac", shown);
-    host.mac = shown.substr(0, kTextMax);
-    settings.hosts.push_back(host);
+    FixedHost& host = settings.hosts.emplace_back();
+    host.ip = first_line(section + "ip");
+    host.mac = first_line(section + "mac");
   }
 }
 

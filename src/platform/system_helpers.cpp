@@ -125,7 +125,7 @@ int get_uci_option_value(const char* package, const char* section, const char* o
   }
   log_debug("buf = %s\n", ("uci get " + address).c_str());
   if (const std::optional<std::string> line = first_line(result.output, kValueBuffer)) {
-    std::memcpy(out, line->data(), line->size());
+    line->copy(out, line->size());  // without a terminator
   }
   return 0;
 }

@@ -59,11 +59,11 @@ bool is_complete(const uci_ptr& found) { return (found.flags & uci_ptr::UCI_LOOK
     log_error("alloc uci context failed");             \
     return kFailure;                                   \
   }
-#define LOOK_UP(address)                                           \
-  uci_ptr found{};                                                 \
-  if (!look_up(context.get(), address, found)) {                   \
-    log_error("uci_lookup_ptr %s failed.", address.shown.c_str()); \
-    return kFailure;                                               \
+#define LOOK_UP(address)                                             \
+  uci_ptr found{};                                                   \
+  if (!look_up(context.get(), address, found)) {                     \
+    log_error("uci_lookup_ptr %s failed.", (address).shown.c_str()); \
+    return kFailure;                                                 \
   }
 // A commit that failed is told in the log alone: the change itself was made.
 #define COMMIT(package)                                         \

@@ -114,8 +114,15 @@ int get_notification() {
 
 int get_internet_status() {
   const std::optional<int> result = read_status("/tmp/inetchkresult.txt");
-  if (result == 1 || result == 16) return 0;
-  return result == 100 ? 2 : 1;
+  switch (result.value_or(-1)) {
+    case 1:
+    case 16:
+      return 0;
+    case 100:
+      return 2;
+    default:
+      return 1;
+  }
 }
 
 int get_hota_status() {

@@ -62,7 +62,7 @@ bool read_uplink_state(UplinkState& state) {
 std::optional<std::string> read_channel_text(const char* radio, const UplinkState& state) {
   if (state.role == kMeshRoleAgent) return state.onboarding == "1" ? ask_iw_for_channel(radio) : "0";
   if (state.role == kMeshRoleNone && state.repeater_status == "success") return ask_iw_for_channel(radio);
-  const std::optional<std::string> channel = uci_read("wireless", radio, "channel", kTextSize);
+  std::optional<std::string> channel = uci_read("wireless", radio, "channel", kTextSize);
   if (!channel) log_error("Failed to get channel for interface %s", radio);
   return channel;
 }

@@ -403,6 +403,10 @@ class Router:
             time.sleep(_POLL_S)
         raise AssertionError(f"the program does not run\n{self.report()}")
 
+    def processes(self) -> list[int]:
+        """The ids, on the machine, of the program and of the children that it forked and that still run."""
+        return sandbox.find_programs(self._process.pid, program("ROUTER_API_BIN").name)
+
     def sanitizer_report(self) -> str:
         """What the sanitizers of the program, its children and the `uci` command have to say so far."""
         reports = sorted(self.root.path("/router").glob("sanitizer.*"))

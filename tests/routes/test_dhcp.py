@@ -78,6 +78,31 @@ def test_any_stored_limit_gives_an_end_address(dhcp, limit, end):
     assert dhcp.alive()
 
 
+@pytest.mark.parametrize("ignore, enable", [("0", 1), ("2", 1), ("x", 1), (None, 1), ("1", 0), ("1x", 0)])
+def test_only_an_ignored_server_is_off(dhcp, ignore, enable):
+    dhcp.set("dhcp.lan.ignore", ignore)
+    assert dhcp.get(URI).json["enable"] == enable
+    assert dhcp.logged("atoi(getVal) is [", priority=7)
+
+
+def test_hosts_are_read_through_the_uci_command(dhcp):
+    dhcp.add("dhcp", "host", ip="192.168.0.7", mac="AA:BB:CC:DD:EE:01")
+    dhcp.add("dhcp", "host", ip="192.168.0.8", mac="AA:BB:CC:DD:EE:02")
+    dhcp.get(URI)
+    dhcp.assert_calls("uci show dhcp", "uci get dhcp.@host[0].ip", "uci get dhcp.@host[0].mac",
+                      "uci get dhcp.@host[1].ip", "uci get dhcp.@host[1].mac")
+
+
+def test_long_texts_of_a_host_are_bounded(dhcp):
+    dhcp.add("dhcp", "host", ip="1" * 300, mac="m" * 40)
+    assert dhcp.get(URI).json["fixedIpAllocation"] == [{"ipAddress": "1" * 31, "macAddress": "m" * 31}]
+
+
+def test_a_first_line_without_a_text_is_shown_so(dhcp):
+    dhcp.add("dhcp", "host", ip="192.168.0.7", mac="\nsecond")
+    assert dhcp.get(URI).json["fixedIpAllocation"] == [{"ipAddress": "192.168.0.7", "macAddress": ""}]
+
+
 def test_a_host_without_a_mac_shows_what_was_read_before_it(dhcp):
     dhcp.add("dhcp", "host", ip="192.168.0.7")
     assert dhcp.get(URI).json["fixedIpAllocation"] == [{"ipAddress": "192.168.0.7", "macAddress": "192.168.0.7"}]
@@ -176,7 +201,10 @@ def test_32_hosts_are_taken(dhcp):
 
 @pytest.mark.parametrize("body", [None, b"not json", b'{"enable"', b"nul"])
 def test_an_unusable_body_is_result_1(dhcp, body):
-    assert dhcp.post(URI, body).json == UNUSABLE
+    a = dhcp.post(URI, body)
+    assert a.encrypted and a.json == UNUSABLE
+    message = "can't parse request_body to json format." if body else "empty request_body is passed on seting dhcp config"
+    assert dhcp.logged(message, priority=3)
 
 
 @pytest.mark.parametrize("body", GARBAGE_BODIES.values(), ids=GARBAGE_BODIES.keys())
@@ -184,13 +212,90 @@ def test_garbage_never_breaks_the_program(dhcp, body):
     assert dhcp.post(URI, body).json["result"] in (0, 1, 2)
 
 
-@pytest.mark.parametrize("text", HOSTILE.values(), ids=HOSTILE.keys())
-def test_hostile_texts_reach_their_options_alone(dhcp, text):
-    body = settings(startAddress=text, fixedIpCount=1, fixedIpAllocation=[{"ipAddress": text, "macAddress": text}])
-    assert dhcp.post(URI, body).json["result"] in (0, 2)
-    dhcp.assert_nothing_ran()
-    assert set(c.split()[0] for c in dhcp.commands()) <= {"uci", "/etc/init.d/dnsmasq"}
-    assert not any("pwned" in word for call in dhcp.calls() for word in call.args)
+@pytest.mark.parametrize("key", ["enable", "leaseTime", "fixedIpCount", "startAddress", "endAddress"])
+def test_a_missing_key_is_told_in_the_log_and_counts_as_0_or_empty(dhcp, key):
+    body = settings()
+    del body[key]
+    assert dhcp.post(URI, body).json == OK
+    assert dhcp.logged(f"{key} is not found.", priority=3)
+    stored = {"enable": ("ignore", "1"), "leaseTime": ("leasetime", "0h"), "startAddress": ("start", None),
+              "endAddress": ("limit", str(-1 - 100 + 1)), "fixedIpCount": ("ignore", "0")}
+    option, value = stored[key]
+    assert dhcp.option(f"dhcp.lan.{option}") == value
+
+
+def test_an_empty_address_of_the_pool_is_told_in_the_log(dhcp):
+    assert dhcp.post(URI, settings(endAddress="")).json == OK
+    assert dhcp.logged("the value of passing parameter is empry when calling", priority=3)
+
+
+def test_without_a_list_of_hosts_there_are_none(dhcp):
+    dhcp.add("dhcp", "host", ip="192.168.0.7", mac="AA:BB:CC:DD:EE:01")
+    body = settings()
+    del body["fixedIpAllocation"]
+    assert dhcp.post(URI, body).json == OK
+    assert dhcp.commands() == ["uci show dhcp", "uci del dhcp.@host[0]", "uci commit dhcp", "/etc/init.d/dnsmasq restart"]
+    assert [s for s in dhcp.package("dhcp") if s.type == "host"] == []
+
+
+@pytest.mark.parametrize("key, option", [("ipAddress", "ip"), ("macAddress", "mac")])
+def test_a_host_that_lacks_a_key_is_stored_without_it(dhcp, key, option):
+    host = {"ipAddress": "192.168.0.9", "macAddress": "0011AABBCCDD"}
+    del host[key]
+    assert dhcp.post(URI, settings(fixedIpCount=1, fixedIpAllocation=[host])).json == OK
+    assert dhcp.logged(f"{key} is not found.", priority=3)
+    assert dhcp.option(f"dhcp.@host[0].{option}") is None and dhcp.option("dhcp.@host[0].name") == "0"
+
+
+def test_a_mac_of_17_characters_is_told_to_be_right(dhcp):
+    dhcp.post(URI, settings(**hosts(1)))
+    assert dhcp.logged("The mac address format is correct.", priority=7)
+
+
+def test_any_switch_but_0_is_on(dhcp):
+    dhcp.set("dhcp.lan.ignore", "1")
+    assert dhcp.post(URI, settings(enable=2)).json == OK
+    assert dhcp.option("dhcp.lan.ignore") == "0"
+
+
+def test_what_was_written_before_a_failure_stays(dhcp):
+    dhcp.set("dhcp.lan.ignore", "1")
+    assert dhcp.post(URI, settings(leaseTime=5, startAddress="\x01")).json == FAILED
+    assert dhcp.logged("fail to set dhcp.lan.start by uci api", priority=3)
+    lan = next(s for s in dhcp.package("dhcp") if s.name == "lan")
+    assert lan.options == {"ignore": "0", "leasetime": "5h", "start": "192.168.0.100", "limit": "50"}
+    assert dhcp.commands() == []
+
+
+@pytest.mark.parametrize("host, message", [({"ipAddress": "\x01"}, "fail to set dhcp.host.ip by uci api"),
+                                           ({"macAddress": "\x01"}, "fail to set dhcp.host.mac by uci api")])
+def test_a_host_that_cannot_be_stored_is_result_2_without_a_restart(dhcp, host, message):
+    assert dhcp.post(URI, settings(fixedIpCount=1, fixedIpAllocation=[host])).json == FAILED
+    assert dhcp.logged(message, priority=3)
+    assert dhcp.calls("/etc/init.d/dnsmasq") == []
+
+
+@pytest.mark.parametrize("tool", [{"missing": True}, {"exit": 1}], ids=["missing", "fails"])
+def test_with_a_dead_uci_tool_there_are_no_hosts(dhcp, tool):
+    dhcp.add("dhcp", "host", ip="192.168.0.7", mac="AA:BB:CC:DD:EE:01")
+    dhcp.tool("uci", **tool)
+    a = dhcp.get(URI).json
+    assert (a["result"], a["endAddress"], a["fixedIpAllocation"]) == (0, "192.168.0.149", [])
+    assert dhcp.post(URI, settings()).json == OK
+    assert dhcp.post(URI, settings(enable=0)).json == OK
+
+
+def test_with_a_dead_uci_tool_a_new_host_is_result_2(dhcp):
+    dhcp.tool("uci", missing=True)
+    assert dhcp.post(URI, settings(**hosts(1))).json == FAILED
+    assert dhcp.logged("fail to set dhcp.host.ip by uci api", priority=3)
+
+
+@pytest.mark.parametrize("tool", [{"exit": 1}, {"missing": True}], ids=["fails", "missing"])
+@pytest.mark.parametrize("enable", [0, 1])
+def test_a_dead_dhcp_server_changes_no_answer(dhcp, enable, tool):
+    dhcp.tool("/etc/init.d/dnsmasq", **tool)
+    assert dhcp.post(URI, settings(enable=enable)).json == OK
 
 
 # Leases.
@@ -216,3 +321,32 @@ def test_ended_endless_and_broken_leases_are_left_out(router):
 def test_without_a_lease_file_the_list_is_empty(router):
     router.remove("/tmp/dhcp.leases")
     assert router.get(LEASES).json["clientList"] == []
+
+
+@pytest.mark.parametrize("tool", ["cat", "awk"])
+def test_without_the_tools_that_read_leases_the_list_is_empty(router, tool):
+    router.write("/tmp/dhcp.leases", "99999999999 AA:BB:CC:DD:EE:01 192.168.0.7 a b\n")
+    router.tool(tool, missing=True)
+    assert router.get(LEASES).json == {"result": 0, "version": 1, "clientCount": 0, "clientList": []}
+
+
+@pytest.mark.parametrize("field", ["a,b", "a,", ","])
+def test_a_lease_with_a_comma_in_a_field_counts_by_its_fields(router, field):
+    router.write("/tmp/dhcp.leases", f"99999999999 AA:BB {field} x\n99999999999 AA:CC 192.168.0.8 x\n")
+    expected = {"a,b": ["192.168.0.8"], "a,": ["a", "192.168.0.8"], ",": ["192.168.0.8"]}[field]
+    assert [row["ipAddress"] for row in router.get(LEASES).json["clientList"]] == expected
+
+
+def test_texts_of_a_lease_are_bounded(router):
+    router.write("/tmp/dhcp.leases", f"99999999999 {'m' * 40} {'i' * 40} x\n99999999999 {'m' * 300} ip x\n")
+    row, = router.get(LEASES).json["clientList"]
+    assert (row["macAddress"], row["ipAddress"], row["remainTime"]) == ("m" * 31, "i" * 31, 2147483647)
+
+
+@pytest.mark.parametrize("name", [n for n in HOSTILE if n != "long" and not set(HOSTILE[n]) & set(" \n")])
+def test_hostile_texts_of_a_lease_are_shown_and_do_nothing(router, name):
+    text = HOSTILE[name]
+    router.write("/tmp/dhcp.leases", f"99999999999 {text} {text} x\n".encode("utf-8", "surrogateescape"))
+    answer = router.get(LEASES).json
+    assert answer["result"] == 0 and answer["clientCount"] == len(answer["clientList"])
+    router.assert_nothing_ran()

@@ -2,7 +2,7 @@
 
 import pytest
 
-from kit import GARBAGE_BODIES
+from kit import GARBAGE_BODIES, HOSTILE
 
 URI = "/api/v1/fsecure_sense"
 VERSION = "/opt/sense/VERSION"
@@ -38,6 +38,50 @@ def test_while_its_script_runs_the_answer_is_result_2(unit):
     assert unit.get(URI).json == {"result": 2}
 
 
+def test_a_running_script_is_told_before_anything_else(unit):
+    unit.tool("ps", out=f" 77 root  S  {SCRIPT} stop\n")
+    unit.remove(VERSION)
+    unit.set("fsecure.sense.disabled", None)
+    assert unit.get(URI).json == {"result": 2}
+
+
+def test_a_search_for_the_script_is_none(unit):
+    unit.tool("ps", out=f" 77 root  S  grep {SCRIPT}\n")
+    assert unit.get(URI).json["result"] == 0
+
+
+@pytest.mark.parametrize("tool", ["ps", "grep", "wc"])
+def test_without_a_process_list_no_script_runs(unit, tool):
+    unit.tool(tool, missing=True)
+    assert unit.get(URI).json["result"] == 0
+
+
+def test_a_service_that_is_not_installed_needs_no_switch(unit):
+    unit.remove(VERSION)
+    unit.no_config("fsecure")
+    assert unit.get(URI).json == {"result": 0, "version": 1, "enable": -1}
+
+
+def test_a_version_file_without_a_text_is_result_1(unit):
+    unit.write(VERSION, "")
+    assert unit.get(URI).json == UNUSABLE
+
+
+def test_a_version_that_is_no_file_is_result_1(unit):
+    unit.remove(VERSION)
+    unit.write(VERSION + "/file", "2.3.4\n")
+    assert unit.get(URI).json == UNUSABLE
+
+
+@pytest.mark.parametrize("text", [t for n, t in HOSTILE.items() if n != "empty"],
+                         ids=[n for n in HOSTILE if n != "empty"])
+def test_any_version_is_shown_up_to_its_bound(unit, text):
+    unit.write(VERSION, text.encode("utf-8", "surrogateescape"))
+    shown = text.encode("utf-8", "surrogateescape")[:15].decode("utf-8", "surrogateescape")
+    assert unit.get(URI).json["sense_ver"] == shown.partition("\n")[0].partition("\r")[0]
+    unit.assert_nothing_ran()
+
+
 @pytest.mark.parametrize("brand", ["orvane", "0999", None])
 def test_another_device_has_no_such_service(unit, brand):
     if brand is None:
@@ -47,9 +91,10 @@ def test_another_device_has_no_such_service(unit, brand):
     assert unit.get(URI).json == UNUSABLE
     assert unit.post(URI, {"enable": 1}).json == UNUSABLE
     assert unit.option("fsecure.sense.disabled") == "0"
+    assert unit.commands() == []
 
 
-@pytest.mark.parametrize("value", ["2", None])
+@pytest.mark.parametrize("value", ["2", "x", None])
 def test_a_stored_value_other_than_0_and_1_is_result_1(unit, value):
     unit.set("fsecure.sense.disabled", value)
     assert unit.get(URI).json == UNUSABLE
@@ -68,11 +113,26 @@ def test_the_service_is_started_or_stopped(unit, enable, disabled, command):
     unit.wait_for_call(SCRIPT, command)
 
 
-@pytest.mark.parametrize("op_mode", ["ap", "re", None])
+@pytest.mark.parametrize("tool", [{"exit": 1}, {"missing": True}, {"hang": True}], ids=["fails", "missing", "hangs"])
+def test_a_script_that_does_not_answer_changes_no_answer(unit, tool):
+    unit.tool(SCRIPT, **tool)
+    assert unit.post(URI, {"enable": 0}).json == OK
+    assert unit.alive()
+
+
+def test_a_switch_that_cannot_be_stored_is_result_2(unit):
+    unit.no_config("fsecure")
+    a = unit.post(URI, {"enable": 1})
+    assert a.encrypted and a.text == '{"result": 2}'
+    assert unit.calls(SCRIPT) == []
+
+
+@pytest.mark.parametrize("op_mode", ["ap", "re", "router2", "routerrouterrouter", None])
 def test_outside_router_mode_it_is_refused(unit, op_mode):
     unit.set("system.@system[0].op_mode", op_mode)
-    assert unit.post(URI, {"enable": 1}).json == UNUSABLE
-    assert unit.calls(SCRIPT) == []
+    a = unit.post(URI, {"enable": 1})
+    assert a.encrypted and a.json == UNUSABLE
+    assert unit.calls(SCRIPT) == [] and unit.option("fsecure.sense.disabled") == "0"
 
 
 @pytest.mark.parametrize("body", [{}, {"enable": 2}, None, *GARBAGE_BODIES.values()], ids=lambda value: None)

@@ -2,7 +2,7 @@
 
 import pytest
 
-from kit import GARBAGE_BODIES, HOSTILE
+from kit import GARBAGE_BODIES
 
 URI = "/api/v1/parental-control"
 DELETE = URI + "/delete"
@@ -104,19 +104,92 @@ def test_an_empty_text_does_not_break_the_list(mia):
     assert [row["explain"] for row in mia.get(URI).json["parentalControls"]] == ["child 1", ""]
 
 
-@pytest.mark.parametrize("text", [t for n, t in HOSTILE.items() if n not in ("empty", "control", "long", "long-quotes")])
-def test_hostile_texts_are_stored_whole_and_do_nothing(mia, text):
-    assert mia.post(URI, {"enable": 1, "parentalControls": [entry(1, explain=text)]}).json == OK
-    assert explanations(mia) == [text]
-    assert mia.get(URI).json["parentalControls"][0]["explain"] == text
+@pytest.mark.parametrize("key, option", [("explain", "enable"), ("macAddress", "macaddr"), ("startTime", "timeon"),
+                                         ("endTime", "timeoff")])
+def test_an_absent_option_reads_as_the_empty_text_that_was_stored(mia, key, option):
+    add(mia, 1, 2)
+    mia.set(f"mia.@macbind[1].{option}", None)
+    assert mia.get(URI).json["parentalControls"] == [{"id": 0, **entry(1)}, {"id": 1, **entry(2, **{key: ""})}]
+
+
+@pytest.mark.parametrize("option", ["enable", "macaddr", "timeon", "timeoff"])
+def test_an_entry_that_cannot_be_read_is_result_2_alone(mia, option):
+    add(mia, 1, 2)
+    mia.set(f"mia.@macbind[0].{option}", ["a", "b"])
+    a = mia.get(URI)
+    assert a.encrypted and a.text == '{ "result": 2 }'
+
+
+def test_a_last_address_that_cannot_be_read_leaves_the_list_empty(mia):
+    add(mia, 1, 2)
+    mia.set("mia.@macbind[1].macaddr", ["a", "b"])
+    assert mia.get(URI).json == {"result": 0, "version": 1, "enable": 1, "parentalControls": []}
+    assert mia.logged("get mia.macbind macaddr error", priority=7)
+
+
+def test_an_absent_switch_is_result_1_alone(mia):
+    add(mia, 1)
+    mia.set("mia.@basic[0].enable", None)
+    a = mia.get(URI)
+    assert a.encrypted and a.text == '{ "result": 1 }'
+
+
+def test_a_long_stored_text_is_bounded(mia):
+    add(mia, 1)
+    mia.set("mia.@macbind[0].enable", "x" * 2000)
+    assert mia.get(URI).json["parentalControls"][0]["explain"] == "x" * 1023
+
+
+@pytest.mark.parametrize("enable, kept", [(1, "1"), ("1", "1"), (True, "true"), (0, "0"), (-3, "-3")])
+def test_the_switch_is_kept_as_its_text(mia, enable, kept):
+    assert mia.post(URI, {"enable": enable, "parentalControls": []}).json == OK
+    assert mia.option("mia.@basic[0].enable") == kept
+
+
+@pytest.mark.parametrize("body, message", [
+    (None, "data is NULL"), (b"not json", "jsonObj is NULL"), ({"enable": 1}, "parentalControls is NULL"),
+    ({"enable": 1, "parentalControls": None}, "parentalControls is NULL"), ({"parentalControls": []}, "enable is NULL")])
+def test_a_replace_that_is_unusable_is_told_in_the_log(mia, body, message):
+    assert mia.post(URI, body).json == UNUSABLE
+    assert mia.logged(message, priority=3)
+
+
+@pytest.mark.parametrize("key, option", [("explain", "enable"), ("macAddress", "macaddr"), ("startTime", "timeon"),
+                                         ("endTime", "timeoff")])
+def test_an_option_that_cannot_be_stored_ends_the_replace(mia, key, option):
+    rows = [entry(1), entry(2, **{key: "\x01"}), entry(3)]
+    assert mia.post(URI, {"enable": 1, "parentalControls": rows}).json == UNUSABLE
+    assert mia.logged(f"Failed to set {option}", priority=3)
+    assert len([s for s in mia.package("mia") if s.type == "macbind"]) == 2
     mia.wait_for_call("/etc/init.d/firewall", "restart")
-    mia.assert_nothing_ran()
 
 
-@pytest.mark.parametrize("name", ["long", "long-quotes"])
-def test_a_text_of_thousands_of_characters_is_bounded_by_its_option(mia, name):
-    assert mia.post(URI, {"enable": 1, "parentalControls": [entry(1, explain=HOSTILE[name])]}).json == OK
-    assert explanations(mia) == [HOSTILE[name][:254 - len("mia.@macbind[-1].enable=")]]
+def test_without_the_switch_s_section_the_replace_ends_after_the_old_list_is_gone(router):
+    router.config("mia", "config macbind\n\toption enable 'old'\n")
+    assert router.post(URI, {"enable": 1, "parentalControls": [entry()]}).json == UNUSABLE
+    assert router.logged("Failed to set enable", priority=3)
+    assert router.package("mia") == []
+
+
+def test_without_the_package_a_change_is_result_1(router):
+    router.no_config("mia")
+    assert router.post(URI, {"enable": 1, "parentalControls": [entry()]}).json == UNUSABLE
+    assert router.post(DELETE, {"parentalControls": [{"id": 0}]}).json == UNUSABLE
+    assert not router.exists("/etc/config/mia")
+
+
+def test_what_is_stored_is_traced(mia):
+    mia.post(URI, {"enable": 1, "parentalControls": [entry(1)]})
+    for text in ("explain: child 1", "macAddress: AA:BB:CC:DD:EE:01", "startTime: 07:00", "endTime: 20:00"):
+        assert mia.logged(text, priority=7)
+
+
+@pytest.mark.parametrize("tool", [{"exit": 1}, {"missing": True}, {"hang": True}], ids=["fails", "missing", "hangs"])
+def test_a_firewall_that_does_not_restart_changes_no_answer(mia, tool):
+    mia.tool("/etc/init.d/firewall", **tool)
+    assert mia.post(URI, {"enable": 1, "parentalControls": [entry(1)]}).json == OK
+    assert mia.post(DELETE, {"parentalControls": [{"id": 0}]}).json == OK
+    assert mia.alive()
 
 
 # Delete.
@@ -134,6 +207,28 @@ def test_an_id_that_is_missing_or_unknown_is_result_1(mia, elements):
     add(mia, 1)
     assert mia.post(DELETE, {"parentalControls": elements}).json == UNUSABLE
     assert explanations(mia) == ["child 1"]
+
+
+def test_an_unknown_position_is_met_before_the_lower_ones(mia):
+    add(mia, 1, 2)
+    assert mia.post(DELETE, {"parentalControls": [{"id": 0}, {"id": 9}, {"id": 1}]}).json == UNUSABLE
+    assert explanations(mia) == ["child 1", "child 2"]
+    assert mia.logged("Failed to delete section: mia.@macbind[9]", priority=3)
+    for number in (0, 9, 1):
+        assert mia.logged(f"id: {number}")
+
+
+@pytest.mark.parametrize("body, message", [(None, "data is NULL"), (b"not json", "jsonObj is NULL"),
+                                           ({}, "parentalControls is NULL")])
+def test_a_delete_that_is_unusable_is_told_in_the_log(mia, body, message):
+    assert mia.post(DELETE, body).json == UNUSABLE
+    assert mia.logged(message, priority=3)
+
+
+def test_2048_ids_are_taken(mia):
+    add(mia, 1)
+    assert mia.post(DELETE, {"parentalControls": [{"id": 0}] * 2048}).json == UNUSABLE  # the second one is unknown
+    assert explanations(mia) == []
 
 
 def test_more_than_2048_ids_are_refused(mia):

@@ -40,12 +40,31 @@ def test_while_the_update_agent_runs_the_answer_is_result_2(unit):
     assert unit.get(URI).json == FAILED
 
 
-@pytest.mark.parametrize("break_it", [lambda r: r.remove("/tmp/deviceid"), lambda r: r.set("hota.info.auto", "2"),
-                                      lambda r: r.set("hota.info.auto", None), lambda r: r.set("firmware.idm.enabled", "x2"),
-                                      lambda r: r.no_config("firmware")][:3] + [lambda r: r.no_config("firmware")])
+def test_a_search_for_the_update_agent_is_none(unit):
+    unit.tool("ps", out="  501 root     1200 S    grep /usr/sbin/hotacron\n  502 root 99 S /usr/sbin/other\n")
+    assert unit.get(URI).json["result"] == 0
+    assert unit.commands() == ["ps"]
+
+
+@pytest.mark.parametrize("tool", ["ps", "grep", "wc"])
+def test_without_a_process_list_no_update_agent_runs(unit, tool):
+    unit.tool(tool, missing=True)
+    assert unit.get(URI).json == {"result": 0, "version": 1, "enable": 1, "detailInfoSendEnable": 0}
+
+
+@pytest.mark.parametrize("break_it", [
+    lambda r: r.remove("/tmp/deviceid"), lambda r: r.set("hota.info.auto", "2"), lambda r: r.set("hota.info.auto", "x"),
+    lambda r: r.set("hota.info.auto", None), lambda r: r.no_config("hota"), lambda r: r.no_config("firmware")],
+    ids=["no-device", "2", "text", "absent", "no-hota", "no-firmware"])
 def test_an_unreadable_state_is_result_1(unit, break_it):
     break_it(unit)
-    assert unit.get(URI).json == UNUSABLE
+    a = unit.get(URI)
+    assert a.encrypted and a.json == UNUSABLE
+
+
+def test_the_state_of_the_details_is_shown_as_its_number(unit):
+    unit.set("firmware.idm.enabled", "2")
+    assert unit.get(URI).json["detailInfoSendEnable"] == 2
 
 
 @pytest.mark.parametrize("enable, commands", [(1, START), (0, STOP)])
@@ -54,7 +73,47 @@ def test_a_change_starts_or_stops_the_agents(unit, enable, commands, detail):
     a = unit.post(URI, {"enable": enable, "detailInfoSendEnable": detail})
     assert a.encrypted and a.json == OK
     assert (unit.option("hota.info.auto"), unit.option("firmware.idm.enabled")) == (str(enable), str(detail))
-    assert sorted(agents(unit, len(commands))) == sorted(commands)
+    called = agents(unit, len(commands))
+    assert sorted(called) == sorted(commands)
+    if enable == 0:  # the others run in the background
+        assert called[0] == "/usr/sbin/hotacron"
+
+
+def test_a_device_of_no_brand_has_the_agents_too(unit):
+    unit.brand("0999")
+    assert unit.post(URI, {"enable": 1, "detailInfoSendEnable": 1}).json == OK
+    assert sorted(agents(unit, 2)) == sorted(START)
+    assert unit.get(URI).json == {"result": 0, "version": 1, "enable": 1}
+
+
+@pytest.mark.parametrize("brand, enable", [("orvane", 0), ("tesmir", 0), ("tesmir", 1)])
+def test_a_missing_update_agent_is_result_2(unit, brand, enable):
+    unit.brand(brand)
+    unit.tool("/usr/sbin/hotacron", missing=True)
+    assert unit.post(URI, {"enable": enable, "detailInfoSendEnable": 0}).json == FAILED
+    assert agents(unit, 0) == []
+
+
+@pytest.mark.parametrize("tool", [{"exit": 1}, {"missing": True}, {"hang": True}], ids=["fails", "missing", "hangs"])
+@pytest.mark.parametrize("enable", [0, 1])
+def test_management_agents_that_do_not_answer_change_no_answer(unit, enable, tool):
+    for path in ("/usr/sbin/IDM_from_qv/idm_start", "/usr/sbin/IDM_from_qv/idm_stop", "/etc/init.d/nwm_package"):
+        unit.tool(path, **tool)
+    assert unit.post(URI, {"enable": enable, "detailInfoSendEnable": 0}).json == OK
+    assert unit.alive()
+
+
+@pytest.mark.parametrize("package, auto", [("hota", None), ("firmware", "0")])
+def test_a_switch_that_cannot_be_stored_is_result_2_and_starts_nothing(unit, package, auto):
+    unit.no_config(package)
+    a = unit.post(URI, {"enable": 0, "detailInfoSendEnable": 0})
+    assert a.encrypted and a.text == '{"result": 2}'
+    assert unit.option("hota.info.auto") == auto and unit.commands() == []
+
+
+def test_the_first_switch_is_stored_before_the_second_is_looked_at(unit):
+    assert unit.post(URI, {"enable": 0}).json == UNUSABLE
+    assert unit.option("hota.info.auto") == "0" and unit.option("firmware.idm.enabled") == "0"
 
 
 @pytest.mark.parametrize("status, answer", [(0, OK), (1, FAILED)])
@@ -82,4 +141,6 @@ def test_a_missing_or_wrong_switch_is_result_1_and_starts_nothing(unit, body):
 
 def test_without_a_device_id_the_answer_is_result_1(unit):
     unit.remove("/tmp/deviceid")
-    assert unit.post(URI, {"enable": 1, "detailInfoSendEnable": 1}).json == UNUSABLE
+    assert unit.post(URI, {"enable": 0, "detailInfoSendEnable": 1}).json == UNUSABLE
+    assert (unit.option("hota.info.auto"), unit.option("firmware.idm.enabled")) == ("0", "0")
+    assert unit.commands() == []

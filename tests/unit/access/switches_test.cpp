@@ -19,7 +19,13 @@ TEST(ReadSwitch, TakesZeroAndOneAlone) {
   const Row rows[] = {{R"({"on":0})", 0},
                       {R"({"on":1})", 1},
                       {R"({"on":"1"})", 1},
+                      {R"({"on":"0"})", 0},
                       {R"({"on":true})", 1},
+                      {R"({"on":false})", 0},
+                      {R"({"on":"x"})", std::nullopt},
+                      {R"({"on":"1x"})", std::nullopt},
+                      {R"({"on":""})", std::nullopt},
+                      {R"({"on":0.5})", std::nullopt},
                       {R"({"on":2})", std::nullopt},
                       {R"({"on":-1})", std::nullopt},
                       {R"({"on":4294967297})", std::nullopt},
@@ -35,16 +41,31 @@ TEST(ReadSwitch, TakesZeroAndOneAlone) {
 TEST(StoredSwitch, TakesZeroAndOneAlone) {
   std::filesystem::create_directories("/etc/config");
   ASSERT_TRUE(platform::write_file(
-      kFile, "config switches 's'\n\toption off '0'\n\toption on '1'\n\toption two '2'\n\tlist many '1'\n"));
-  EXPECT_EQ(stored_switch("switches", "s", "off"), 0);
-  EXPECT_EQ(stored_switch("switches", "s", "on"), 1);
-  for (const char* option : {"two", "many", "nosuch"}) {
-    EXPECT_EQ(stored_switch("switches", "s", option), std::nullopt) << option;
+      kFile,
+      "config switches 's'\n\toption off '0'\n\toption on '1'\n\toption two '2'\n\toption x 'x'\n\tlist many '1'\n"));
+  const auto option = [](const char* name) { return SwitchOption{"on", "switches", "s", name}; };
+  EXPECT_EQ(stored_switch(option("off")), 0);
+  EXPECT_EQ(stored_switch(option("on")), 1);
+  for (const char* name : {"two", "x", "many", "nosuch"}) {
+    EXPECT_EQ(stored_switch(option(name)), std::nullopt) << name;
   }
-  EXPECT_TRUE(set_switch("switches", "s", "two", 0));
-  EXPECT_EQ(stored_switch("switches", "s", "two"), 0);
-  EXPECT_FALSE(set_switch("switches", "nosuch", "two", 0));
+  EXPECT_TRUE(set_switch(option("two"), 0));
+  EXPECT_EQ(stored_switch(option("two")), 0);
+  EXPECT_FALSE(set_switch({"on", "switches", "nosuch", "two"}, 0));
   std::filesystem::remove(kFile);
+}
+
+TEST(ApplySwitch, TellsAWrongSwitchFromOneThatCannotBeStored) {
+  std::filesystem::create_directories("/etc/config");
+  ASSERT_TRUE(platform::write_file(kFile, "config switches 's'\n\toption on '0'\n"));
+  const SwitchOption on{"on", "switches", "s", "on"};
+  EXPECT_EQ(apply_switch(json::parse(R"({"on":1})"), on), 0);
+  EXPECT_EQ(stored_switch(on), 1);
+  EXPECT_EQ(apply_switch(json::parse(R"({"on":2})"), on), 1);
+  EXPECT_EQ(apply_switch(json::parse("{}"), on), 1);
+  EXPECT_EQ(stored_switch(on), 1);
+  std::filesystem::remove(kFile);
+  EXPECT_EQ(apply_switch(json::parse(R"({"on":1})"), on), 2);
 }
 
 TEST(CountLines, ReadsANumberOfAnyLength) {

@@ -1,0 +1,683 @@
+"""GET /api/v1/router/wan-info: what the router tells of its Internet side."""
+
+import itertools
+
+import pytest
+
+from wan_setup import (ADDRESS_FILE, ADDRESS_SCRIPT, ENCRYPT, MODES, TUNNEL_TOOL, TUNNELS, URI, addresses, cut, set_wan,
+                       stored, told, wan)  # noqa: F401
+
+LINK = ["lanMacAddress", "wanMacAddress", "wanLinkStatus", "wanAutoSelectStatus", "wanMethod", "wanHb46ppMethod",
+        "wanMethodStr"]
+ADDRESSES = ["wanIpv4Address", "wanIpv4SubMask", "wanIpv4Gateway", "wanIpv4Dns1", "wanIpv4Dns2", "wanIpv6GlobalAddress",
+             "wanIpv6LocalAddress", "wanIpv6CeAddress", "wanIpv6Gateway", "wanIpv6Dns1", "wanIpv6Dns2",
+             "wanIpv4AvailablePorts"]
+HOST = ["dhcpcHostName", "captivePortalStatus"]
+IPIP = ["ipipService", "ipipV4Address", "ipipBrAddress", "ipipInterfaceId", "ipipResettingUrl", "ipipUserId", "ipipPassword"]
+SWITCHES = ["natAccelerationEnable", "uPnPIGD", "previousInternetLineAutoResult"]
+
+LINE = ("addr:203.0.113.10", "Mask:255.255.255.0", "gatewayV4:203.0.113.1", "ipv6Global:2001:db8::10/64",
+        "ipv6Link:fe80::2/64", "gatewayV6:fe80::1", "nameserver 203.0.113.53", "nameserver 2001:db8::53",
+        "nameserver 203.0.113.54", "nameserver 2001:db8::54")
+TUNNEL = ("MAP-E/DS-Lite/IPIP6 mode: MAP-E", "VNE Service: JPNE v6Plus", "CE: 2001:db8:ce::1", "IPv4: 198.51.100.7",
+          "WAN global address: 2001:db8::7", "AFTR: 2001:db8::a", "Port: 5136-5151")
+
+
+def info(router):
+    """The object wanConfig of an answer."""
+    answer = router.get(URI)
+    assert answer.encrypted
+    assert (answer.json["result"], answer.json["version"]) == (0, 1)
+    return answer.json["wanConfig"]
+
+
+def tunnel(router, *lines, mode="MAP-E"):
+    """A tunnel mode, and what the tunnel tool prints."""
+    set_wan(router, mode=mode)
+    router.tool(TUNNEL_TOOL, out="".join(f"{line}\n" for line in lines))
+
+
+# The document.
+
+def test_the_document_of_a_line_with_dhcp(wan):
+    set_wan(wan, hostname="unit", autoflag="2", qvilas_res="18")
+    wan.set("system.easysetup.http_redirect_enable", "1")
+    wan.write("/sys/class/net/br-lan/address", "00:90:fe:12:34:50\n")
+    wan.write("/sys/class/net/eth1/address", "00:90:fe:12:34:51\n")
+    wan.write("/sys/class/net/eth1/carrier", "1\n")
+    addresses(wan, *LINE)
+    answer = wan.get(URI)
+    assert answer.header_lines == ["Content-Type: application/json", "Status: 200 OK"]
+    assert answer.encrypted
+    assert answer.text.startswith('{ "result": 0, "version": 1, "wanConfig": { "lanMacAddress": "00:90:fe:12:34:50", ')
+    assert list(answer.json) == ["result", "version", "wanConfig"]
+    assert list(answer.json["wanConfig"].items()) == [
+        ("lanMacAddress", "00:90:fe:12:34:50"), ("wanMacAddress", "00:90:fe:12:34:51"), ("wanLinkStatus", 1),
+        ("wanAutoSelectStatus", 2), ("wanMethod", 0), ("wanHb46ppMethod", 0), ("wanMethodStr", "IPアドレス自動取得"),
+        ("wanIpv6Method", 0), ("vneAutoChangeStatus", 0), ("pppoeMtu", 1454), ("wanIpv4Address", "203.0.113.10"),
+        ("wanIpv4SubMask", "255.255.255.0"), ("wanIpv4Gateway", "203.0.113.1"), ("wanIpv4Dns1", "203.0.113.53"),
+        ("wanIpv4Dns2", "203.0.113.54"), ("wanIpv6GlobalAddress", "2001:db8::10/64"), ("wanIpv6LocalAddress", "fe80::2/64"),
+        ("wanIpv6CeAddress", "None"), ("wanIpv6Gateway", "fe80::1"), ("wanIpv6Dns1", "2001:db8::53"),
+        ("wanIpv6Dns2", "2001:db8::54"), ("wanIpv4AvailablePorts", "none"), ("dhcpcHostName", "unit"),
+        ("captivePortalStatus", 1), ("natAccelerationEnable", 1), ("uPnPIGD", "1"), ("previousInternetLineAutoResult", 1)]
+
+
+def test_the_document_of_a_tunnel(wan):
+    tunnel(wan, *TUNNEL)
+    addresses(wan, *LINE)
+    assert info(wan) == {
+        **info(wan), "wanMethod": 3, "wanHb46ppMethod": 1, "wanMethodStr": "v6プラス", "wanIpv4Address": "198.51.100.7",
+        "wanIpv4SubMask": "None", "wanIpv4Gateway": "None", "wanIpv4Dns1": "None", "wanIpv4Dns2": "None",
+        "wanIpv6GlobalAddress": "2001:db8::7/64", "wanIpv6LocalAddress": "fe80::2/64",
+        "wanIpv6CeAddress": "2001:db8:ce::1", "wanIpv6Gateway": "fe80::1", "wanIpv6Dns1": "2001:db8::53",
+        "wanIpv6Dns2": "2001:db8::54", "wanIpv4AvailablePorts": "5136-5151"}
+
+
+@pytest.mark.parametrize("mode", MODES)
+def test_the_members_stand_in_their_order(wan, mode):
+    set_wan(wan, mode=mode, username="user", password="secret")
+    own = {"DS-Lite": ["aftrAddress"], "IPIP6": IPIP}.get(mode, [])
+    for button_mode in ("router_mode", "ap_mode", "wb_mode"):
+        wan.set("system.@system[0].button_mode", button_mode)
+        wan.forget_calls()
+        routed = button_mode == "router_mode" and mode != "AP"
+        assert list(info(wan)) == [*LINK, *(["wanIpv6Method"] if routed else []), "vneAutoChangeStatus", "pppoeUserName",
+                                   "pppoePassword", "pppoeMtu", *(ADDRESSES if routed else []), *HOST, *own, *SWITCHES]
+        assert wan.commands() == ([TUNNEL_TOOL] if mode in TUNNELS else []) + ([ADDRESS_SCRIPT] if routed else [])
+
+
+def test_reading_changes_nothing(wan):
+    tunnel(wan, *TUNNEL)
+    before = stored(wan)
+    info(wan)
+    assert stored(wan) == before
+
+
+def test_each_request_reads_afresh(wan):
+    tunnel(wan, *TUNNEL)
+    addresses(wan, *LINE)
+    assert info(wan)["wanIpv6CeAddress"] == "2001:db8:ce::1"
+    wan.tool(TUNNEL_TOOL, out="IPv4: 198.51.100.8\n")
+    after = info(wan)
+    assert (after["wanIpv4Address"], after["wanIpv6CeAddress"], after["wanMethodStr"]) == ("198.51.100.8", "None", "")
+    assert (after["wanHb46ppMethod"], after["wanIpv6GlobalAddress"]) == (0, "2001:db8::10/64")
+
+
+# wanMethod.
+
+FIXED = {"DHCP": (0, "IPアドレス自動取得"), "STATIC": (1, "IPアドレス固定設定"), "PPPOE": (2, "PPPoE認証")}
+
+
+@pytest.mark.parametrize("mode", [*MODES, "", "rubbish"])
+def test_a_repeater_is_method_8_whatever_the_mode(wan, mode):
+    set_wan(wan, mode=mode or None)
+    wan.set("system.@system[0].button_mode", "wb_mode")
+    a = info(wan)
+    assert (a["wanMethod"], a["wanMethodStr"]) == (8, "リピーターモード")
+    assert "wanIpv4Address" not in a and "wanIpv6Method" not in a
+    assert not wan.logged("Invalid mode")
+
+
+@pytest.mark.parametrize("button_mode", ["wb_mode2", "wb_mode_x"])
+def test_a_repeater_is_told_by_its_first_letters(wan, button_mode):
+    wan.set("system.@system[0].button_mode", button_mode)
+    assert info(wan)["wanMethod"] == 8
+
+
+@pytest.mark.parametrize("mode", FIXED)
+def test_the_plain_modes_have_fixed_names(wan, mode):
+    for button_mode, tail in itertools.product(("router_mode", "ap_mode", "other"), ("", "x", "-2")):
+        set_wan(wan, mode=mode + tail)
+        wan.set("system.@system[0].button_mode", button_mode)
+        a = info(wan)
+        assert (a["wanMethod"], a["wanMethodStr"]) == FIXED[mode], (button_mode, tail)
+
+
+@pytest.mark.parametrize("mode", TUNNELS)
+def test_the_tunnel_modes_carry_the_providers_name(wan, mode):
+    for tail in ("", "x", "-2"):
+        tunnel(wan, *TUNNEL, mode=mode + tail)
+        wan.forget_calls()
+        a = info(wan)
+        assert (a["wanMethod"], a["wanMethodStr"]) == (MODES.index(mode), "v6プラス")
+        assert wan.commands() == [TUNNEL_TOOL, ADDRESS_SCRIPT]
+
+
+@pytest.mark.parametrize("button_mode", ["router_mode", "ap_mode", "ap_mode2"])
+@pytest.mark.parametrize("mode", ["AP", "APx"])
+def test_an_access_point_is_method_7_without_addresses(wan, mode, button_mode):
+    set_wan(wan, mode=mode)
+    wan.set("system.@system[0].button_mode", button_mode)
+    a = info(wan)
+    assert (a["wanMethod"], a["wanMethodStr"]) == (7, "APモード")
+    assert "wanIpv6Method" not in a and not set(ADDRESSES) & set(a)
+    wan.assert_calls()
+
+
+@pytest.mark.parametrize("mode, button_mode", [("AP", "other"), ("AP", None), ("dhcp", "router_mode"), ("DHC", "router_mode"),
+                                               ("MAP", "router_mode"), (" DHCP", "router_mode"), ("STDPRO", "ap_mode"),
+                                               ("A", "ap_mode"), (None, "router_mode"), ("wb_mode", "router_mode")])
+def test_an_unknown_mode_is_method_0_without_a_name(wan, mode, button_mode):
+    set_wan(wan, mode=mode)
+    wan.set("system.@system[0].button_mode", button_mode)
+    a = info(wan)
+    assert (a["wanMethod"], a["wanMethodStr"]) == (0, "")
+    assert wan.logged(f"Invalid mode, modeValue = {mode or ''}.", priority=3)
+
+
+def test_a_mode_is_read_up_to_15_bytes(wan):
+    set_wan(wan, mode="0123456789abcdefgh")
+    info(wan)
+    assert wan.logged("Invalid mode, modeValue = 0123456789abcde.", priority=3)
+
+
+# The provider's name.
+
+PROVIDERS = [("JPNE v6Plus", "v6プラス"), ("Biglobe IPv6 Option", "IPv6オプション"),
+             ("OCN Virtual Connect", "OCNバーチャルコネクト"), ("Freebit IPv6 Premium", "その他MAP-Eサービス"),
+             ("Unknown MAP-E", "その他MAP-Eサービス"), ("IMF transix", "transix"), ("Arteria Networks Xpass", "クロスパス"),
+             ("Unknown DS-Lite", "その他DS-Liteサービス"), ("IPoE IPv6 Service", "IPv6 IPoEサービス"),
+             ("Asahi Net v6Connect", "v6コネクト")]
+
+
+@pytest.mark.parametrize("service, name", PROVIDERS, ids=[p[0] for p in PROVIDERS])
+def test_a_known_provider_has_its_display_name(wan, service, name):
+    for text in (service, f"{service} (fixed IP)"):
+        tunnel(wan, f"VNE Service: {text}")
+        assert info(wan)["wanMethodStr"] == name
+
+
+@pytest.mark.parametrize("service, name", PROVIDERS, ids=[p[0] for p in PROVIDERS])
+def test_a_providers_name_counts_whole_and_from_its_beginning(wan, service, name):
+    for text in (service[:-1], f"x{service}", service.swapcase()):
+        tunnel(wan, f"VNE Service: {text}")
+        assert info(wan)["wanMethodStr"] == text
+
+
+def test_an_unknown_provider_is_shown_as_it_is(wan):
+    tunnel(wan, "VNE Service: Some Provider (beta) %s%n")
+    assert info(wan)["wanMethodStr"] == "Some Provider (beta) %s%n"
+
+
+@pytest.mark.parametrize("service, name", [("(Provider X)", "Provider X"), (" (Provider X) (Y)", "Provider X"), ("2 (X)", "X"),
+                                           (" (日本)", "日本"), (" (open", "open"), (" ((X)", "(X")])
+def test_standard_provisioning_shows_the_provider_in_its_parentheses(wan, service, name):
+    tunnel(wan, f"VNE Service: Standard Provisioning Method{service}", mode="STDPROV")
+    a = info(wan)
+    assert (a["wanMethod"], a["wanMethodStr"]) == (6, name)
+
+
+@pytest.mark.parametrize("service", ["", " ", " Provider X", " )(", " ()", " () (X)"])
+def test_standard_provisioning_without_a_provider_has_no_name(wan, service):
+    tunnel(wan, f"VNE Service: Standard Provisioning Method{service}", mode="STDPROV")
+    assert info(wan)["wanMethodStr"] == ""
+    assert wan.logged("sscanf error.", priority=7)
+
+
+def test_a_long_provider_name_is_cut(wan):
+    tunnel(wan, f"VNE Service: Standard Provisioning Method ({'n' * 300})", mode="STDPROV")
+    name = info(wan)["wanMethodStr"]
+    assert set(name) == {"n"} and 80 <= len(name) <= 99
+
+
+# The codes.
+
+@pytest.mark.parametrize("text, code", [("IPIP6", 3), ("IPIP6 fixed", 3), ("DS-Lite", 2), ("DS-Lite2", 2), ("MAP-E", 1),
+                                        ("MAP-E/x", 1), ("", 0), ("map-e", 0), ("MAP", 0), ("other", 0), (" IPIP6", 0)])
+def test_the_provisioned_method_comes_from_the_tunnel_tool(wan, text, code):
+    for mode in TUNNELS:
+        tunnel(wan, f"MAP-E/DS-Lite/IPIP6 mode: {text}", mode=mode)
+        assert info(wan)["wanHb46ppMethod"] == code, mode
+
+
+@pytest.mark.parametrize("mode", [*MODES[:3], "AP"])
+def test_outside_the_tunnel_modes_the_tool_is_not_asked(wan, mode):
+    tunnel(wan, *TUNNEL, mode=mode)
+    a = info(wan)
+    assert a["wanHb46ppMethod"] == 0
+    assert a.get("wanIpv6CeAddress", "None") == "None"
+    assert wan.calls(TUNNEL_TOOL) == []
+
+
+@pytest.mark.parametrize("slaac, dhcpv6pd, code", [
+    ("1", "0", 1), ("1", "1", 1), ("1", None, 1), ("01", "1", 1), ("0", "0", 0), (None, None, 0), ("0", "1", 2),
+    (None, "1", 2), ("2", "1", 2), ("2", "2", 0), ("x", "x", 0), ("0", "2", 0), ("1x", "0", 1)])
+def test_the_ipv6_method_comes_from_two_switches(wan, slaac, dhcpv6pd, code):
+    set_wan(wan, slaac=slaac, dhcpv6pd=dhcpv6pd)
+    assert info(wan)["wanIpv6Method"] == code
+
+
+@pytest.mark.parametrize("service, code", [("v6plus", 1), ("v6plus2", 1), ("transix", 2), ("transix-x", 2), ("v6connect", 3),
+                                           ("v6connects", 3), ("manual", 0), (None, 0), ("other", 0), ("V6plus", 0),
+                                           ("v6plu", 0), ("v6", 0)])
+def test_the_ipip_service_has_a_code(wan, service, code):
+    set_wan(wan, mode="IPIP6", v6service=service)
+    assert info(wan)["ipipService"] == code
+
+
+PREVIOUS = {1: (2, 18, 34, 130, 146, 162), 2: (4, 20, 36, 132, 148, 164), 3: (65, 66), 4: (67, 68), 5: (71, 168), 6: (69,)}
+LISTED = {value: result for result, values in PREVIOUS.items() for value in values}
+UNLISTED = sorted({near for value in LISTED for near in (value - 2, value - 1, value + 1, value + 2)} - set(LISTED))
+
+
+@pytest.mark.parametrize("result", PREVIOUS)
+def test_each_listed_line_detection_has_its_result(wan, result):
+    for value in PREVIOUS[result]:
+        set_wan(wan, qvilas_res=str(value))
+        assert info(wan)["previousInternetLineAutoResult"] == result, value
+
+
+def test_every_other_line_detection_is_0(wan):
+    for value in [None, "", "x", "-2", "00", "255", "256", "65538", *map(str, UNLISTED)]:
+        set_wan(wan, qvilas_res=value or None)
+        assert info(wan)["previousInternetLineAutoResult"] == 0, value
+
+
+@pytest.mark.parametrize("text, result", [("69", 6), ("70", 0), ("069", 6), (" 69", 6), ("69x", 6)])
+def test_a_line_detection_is_read_as_a_number(wan, text, result):
+    set_wan(wan, qvilas_res=text)
+    assert info(wan)["previousInternetLineAutoResult"] == result
+
+
+# The tunnel tool's lines.
+
+def test_a_marker_may_stand_anywhere_in_its_line(wan):
+    tunnel(wan, "[1] MAP-E/DS-Lite/IPIP6 mode: DS-Lite", "   CE: 2001:db8:ce::2", "*IPv4: 198.51.100.9")
+    a = info(wan)
+    assert (a["wanHb46ppMethod"], a["wanIpv6CeAddress"], a["wanIpv4Address"]) == (2, "2001:db8:ce::2", "198.51.100.9")
+
+
+def test_the_first_marker_in_the_tables_order_takes_the_line(wan):
+    tunnel(wan, "IPv4: 1.2.3.4 CE: 2001:db8:ce::3", "AFTR: x VNE Service: CE: name")
+    a = info(wan)
+    assert (a["wanIpv6CeAddress"], a["wanMethodStr"]) == ("2001:db8:ce::3", "CE: name")
+    assert a["wanIpv4Address"] != "1.2.3.4 CE: 2001"
+
+
+def test_a_later_line_replaces_an_earlier_one(wan):
+    tunnel(wan, "CE: first", "CE: second")
+    assert info(wan)["wanIpv6CeAddress"] == "second"
+
+
+def test_lines_without_a_marker_are_ignored(wan):
+    tunnel(wan, "", "noise", "CE:2001", "ipv4: 1.2.3.4", *TUNNEL[:4], "noise")
+    a = info(wan)
+    assert (a["wanIpv6CeAddress"], a["wanIpv4Address"]) == ("2001:db8:ce::1", "198.51.100.7")
+
+
+def test_the_last_line_needs_no_line_end(wan):
+    tunnel(wan)
+    wan.tool(TUNNEL_TOOL, out="CE: 2001:db8:ce::4\nIPv4: 198.51.100.4")
+    a = info(wan)
+    assert (a["wanIpv6CeAddress"], a["wanIpv4Address"]) == ("2001:db8:ce::4", "198.51.100.4")
+
+
+def test_each_tunnel_value_is_traced(wan):
+    tunnel(wan, *TUNNEL)
+    info(wan)
+    for name, value in [("mode", "MAP-E"), ("vne_service", "JPNE v6Plus"), ("CE", "2001:db8:ce::1"), ("ipv4", "198.51.100.7"),
+                        ("port", "5136-5151"), ("wan_global_addr", "2001:db8::7"), ("aftr", "2001:db8::a")]:
+        assert wan.logged(f"g_ip4orip6Info.{name} is [{value}", priority=7), name
+
+
+def test_ports_go_on_over_lines_without_a_separator(wan):
+    tunnel(wan, "Port: 5136-5151 ", "9232-9247 ", "13328-13343")
+    assert info(wan)["wanIpv4AvailablePorts"] == "5136-5151 9232-9247 13328-13343"
+
+
+def test_a_second_port_marker_is_a_line_of_the_ports(wan):
+    tunnel(wan, "Port: 1-2", "Port: 3-4")
+    assert info(wan)["wanIpv4AvailablePorts"] == "1-2Port: 3-4"
+
+
+@pytest.mark.parametrize("marker, member, unset", [
+    ("MAP-E/DS-Lite/IPIP6 mode: IPIP6", "wanHb46ppMethod", 0), ("VNE Service: Other", "wanMethodStr", ""),
+    ("CE: 2001:db8:ce::1", "wanIpv6CeAddress", "None"), ("WAN global address: 2001:db8::7", "wanIpv6GlobalAddress", "None"),
+    ("IPv4: 198.51.100.7", "wanIpv4Address", None), ("AFTR: 2001:db8::a", None, None)])
+def test_the_line_whose_marker_ends_the_ports_is_lost(wan, marker, member, unset):
+    tunnel(wan, "Port: 1-2", "3-4", marker, "5-6")
+    a = info(wan)
+    assert a["wanIpv4AvailablePorts"] == "1-23-4"
+    if unset is not None:
+        assert a[member] == unset
+    assert marker.split(": ")[1] not in a.values()
+
+
+def test_what_follows_the_lost_line_is_read(wan):
+    tunnel(wan, "Port: 1-2", "CE: lost", "CE: 2001:db8:ce::5", "IPv4: 198.51.100.5", "Port: 7-8")
+    a = info(wan)
+    assert (a["wanIpv6CeAddress"], a["wanIpv4Address"]) == ("2001:db8:ce::5", "198.51.100.5")
+    assert a["wanIpv4AvailablePorts"] == "7-8"
+
+
+def test_ports_are_bounded(wan):
+    ports = [f"{1000 + i}-{2000 + i} " for i in range(400)]
+    tunnel(wan, "CE: 2001:db8:ce::1", f"Port: {ports[0]}", *ports[1:])
+    a = info(wan)
+    assert a["wanIpv4AvailablePorts"] == "".join(ports)[:1023]
+    assert a["wanIpv6CeAddress"] == "2001:db8:ce::1"
+
+
+@pytest.mark.parametrize("line, member, kept", [("CE: ", "wanIpv6CeAddress", 63), ("IPv4: ", "wanIpv4Address", 15),
+                                                ("WAN global address: ", "wanIpv6GlobalAddress", 63)])
+def test_a_tunnel_value_is_cut_to_its_field(wan, line, member, kept):
+    for length in (kept, kept + 1, 90, 5000):
+        tunnel(wan, line + "a" * length)
+        tail = "/64" if member == "wanIpv6GlobalAddress" else ""
+        assert info(wan)[member] == "a" * kept + tail
+
+
+def test_a_tunnel_that_has_no_global_address_shows_the_lines(wan):
+    tunnel(wan, "WAN global address: ", "IPv4: 198.51.100.7")
+    addresses(wan, *LINE)
+    assert info(wan)["wanIpv6GlobalAddress"] == "2001:db8::10/64"
+
+
+@pytest.mark.parametrize("mode", TUNNELS)
+def test_the_addresses_of_a_tunnel_win(wan, mode):
+    tunnel(wan, *TUNNEL, mode=mode)
+    addresses(wan, *LINE)
+    a = info(wan)
+    assert (a["wanIpv4Address"], a["wanIpv6GlobalAddress"]) == ("198.51.100.7", "2001:db8::7/64")
+    assert [a[name] for name in ADDRESSES[1:5]] == ["None"] * 4
+
+
+@pytest.mark.parametrize("answer", [{"missing": True}, {"out": ""}], ids=["missing", "silent"])
+def test_without_a_report_of_its_tool_a_tunnel_has_defaults(wan, answer):
+    wan.tool(TUNNEL_TOOL, **answer)
+    set_wan(wan, mode="MAP-E")
+    a = info(wan)
+    assert (a["wanMethod"], a["wanHb46ppMethod"], a["wanMethodStr"]) == (3, 0, "")
+    assert [a[name] for name in ADDRESSES] == ["None"] * 11 + ["none"]
+
+
+@pytest.mark.parametrize("answer", [{"exit": 3}, {"signal": 9}, {"out": "%s%n%x: \n"}], ids=["fails", "dies", "babbles"])
+def test_a_broken_tunnel_tool_leaves_the_rest(wan, answer):
+    set_wan(wan, mode="DS-Lite", aftr="2001:db8::a")
+    wan.tool(TUNNEL_TOOL, **answer)
+    addresses(wan, *LINE)
+    a = info(wan)
+    assert (a["wanMethod"], a["wanMethodStr"], a["aftrAddress"]) == (4, "", "2001:db8::a")
+    assert a["wanIpv6LocalAddress"] == "fe80::2/64"
+
+
+# The address file.
+
+@pytest.mark.parametrize("count, first, second", [(0, "None", "None"), (1, "10.0.0.1", "None"), (2, "10.0.0.1", "10.0.0.2"),
+                                                  (3, "10.0.0.1", "10.0.0.2")])
+def test_only_the_first_two_ipv4_name_servers_are_told(wan, count, first, second):
+    addresses(wan, *(f"nameserver 10.0.0.{i + 1}" for i in range(count)))
+    a = info(wan)
+    assert (a["wanIpv4Dns1"], a["wanIpv4Dns2"], a["wanIpv6Dns1"]) == (first, second, "None")
+
+
+@pytest.mark.parametrize("count, first, second", [(1, "fd00::1", "None"), (2, "fd00::1", "fd00::2"), (4, "fd00::1", "fd00::2")])
+def test_only_the_first_two_ipv6_name_servers_are_told(wan, count, first, second):
+    addresses(wan, *(f"nameserver fd00::{i + 1}" for i in range(count)))
+    a = info(wan)
+    assert (a["wanIpv6Dns1"], a["wanIpv6Dns2"], a["wanIpv4Dns1"]) == (first, second, "None")
+
+
+@pytest.mark.parametrize("text", ["256.1.1.1", "1.2.3", "1.2.3.4.5", "01.2.3.4x", "dns.example", "1" * 80])
+def test_a_name_server_that_is_no_ipv4_address_counts_as_ipv6(wan, text):
+    addresses(wan, f"nameserver {text}")
+    a = info(wan)
+    assert (a["wanIpv4Dns1"], a["wanIpv6Dns1"]) == ("None", cut(text, 64))
+
+
+def test_the_first_address_counts_the_last_mask_and_gateway(wan):
+    addresses(wan, "addr:10.0.0.1", "addr:10.0.0.2", "Mask:255.0.0.0", "Mask:255.255.0.0", "gatewayV4:10.0.0.8",
+              "gatewayV4:10.0.0.9", "ipv6Global:fd00::1", "ipv6Global:fd00::2")
+    a = info(wan)
+    assert [a[name] for name in ADDRESSES[:3]] == ["10.0.0.1", "255.255.0.0", "10.0.0.9"]
+    assert a["wanIpv6GlobalAddress"] == "fd00::1"
+
+
+def test_a_key_counts_at_the_beginning_of_its_line(wan):
+    addresses(wan, " addr:10.0.0.1", "xMask:255.0.0.0", "gatewayV5:10.0.0.8", "Addr:10.0.0.3", "noise", "")
+    a = info(wan)
+    assert [a[name] for name in ADDRESSES] == ["None"] * 11 + ["none"]
+
+
+def test_the_value_follows_the_first_colon(wan):
+    addresses(wan, "address of the line:10.0.0.1", "ipv6Link:fe80::2", "gatewayV6:fe80::1")
+    a = info(wan)
+    assert (a["wanIpv4Address"], a["wanIpv6LocalAddress"], a["wanIpv6Gateway"]) == ("10.0.0.1", "fe80::2", "fe80::1")
+
+
+@pytest.mark.parametrize("key, member, kept", [("addr:", "wanIpv4Address", 15), ("Mask:", "wanIpv4SubMask", 15),
+                                               ("gatewayV4:", "wanIpv4Gateway", 15), ("ipv6Global:", "wanIpv6GlobalAddress", 71),
+                                               ("ipv6Link:", "wanIpv6LocalAddress", 63), ("gatewayV6:", "wanIpv6Gateway", 63),
+                                               ("nameserver ", "wanIpv6Dns1", 63)])
+def test_an_over_long_address_is_cut_to_its_field(wan, key, member, kept):
+    for length in (kept, kept + 1, 100, 10000):
+        addresses(wan, "noise", key + "z" * length)
+        a = info(wan)
+        assert a[member] == "z" * kept, length
+        assert [a[name] for name in ADDRESSES[:-1] if name != member] == ["None"] * 10
+
+
+@pytest.mark.parametrize("line", ["addr", "Mask", "gatewayV4", "ipv6Global", "ipv6Link", "gatewayV6", "nameserver", "addr:",
+                                  "nameserver ", ":", " "])
+def test_a_line_without_a_value_breaks_nothing(wan, line):
+    addresses(wan, line, "gatewayV6:fe80::1")
+    assert info(wan)["wanIpv6Gateway"] in ("fe80::1",)
+    addresses(wan, text=line)
+    info(wan)
+    assert wan.alive()
+
+
+def test_without_the_script_the_addresses_are_none(wan):
+    wan.tool(ADDRESS_SCRIPT, missing=True)
+    wan.write(ADDRESS_FILE, "addr:10.0.0.1\n")
+    a = info(wan)
+    assert [a[name] for name in ADDRESSES] == ["None"] * 11 + ["none"]
+    assert list(a)[-5:] == [*HOST, *SWITCHES]
+    assert wan.logged("The getIpAddr.sh file does not exist.", priority=3)
+
+
+def test_without_the_script_a_tunnel_keeps_its_address(wan):
+    wan.tool(ADDRESS_SCRIPT, missing=True)
+    tunnel(wan, *TUNNEL)
+    assert info(wan)["wanIpv4Address"] == "198.51.100.7"
+
+
+def test_a_script_that_leaves_no_file_ends_the_answer_after_the_mtu(wan):
+    wan.tool(ADDRESS_SCRIPT)
+    answer = wan.get(URI)
+    assert answer.encrypted and answer.json["result"] == 0
+    assert list(answer.json["wanConfig"]) == [*LINK, "wanIpv6Method", "vneAutoChangeStatus", "pppoeMtu"]
+    assert wan.logged("open /tmp/ipAddrResult fail.", priority=3)
+
+
+def test_the_script_is_run_before_its_file_is_read(wan):
+    wan.write(ADDRESS_FILE, "addr:10.0.0.1\n")
+    addresses(wan, "addr:10.0.0.2")
+    assert info(wan)["wanIpv4Address"] == "10.0.0.2"
+    assert wan.commands() == [ADDRESS_SCRIPT]
+
+
+def test_the_script_may_fail(wan):
+    wan.tool(ADDRESS_SCRIPT, exit=1, write={ADDRESS_FILE: "addr:10.0.0.2\n"})
+    assert info(wan)["wanIpv4Address"] == "10.0.0.2"
+
+
+# PPPoE and the rest of the options.
+
+@pytest.mark.parametrize("stored_mtu, told_mtu", [(None, 1454), ("1500", 1492), ("1454", 1446), ("8", 0), ("0", -8), ("x", -8),
+                                                  ("-1", -9), ("123456789", 1234559)])
+def test_the_mtu_is_told_without_its_header(wan, stored_mtu, told_mtu):
+    set_wan(wan, mtu=stored_mtu)
+    assert info(wan)["pppoeMtu"] == told_mtu
+
+
+@pytest.mark.parametrize("option, member", [("username", "pppoeUserName"), ("password", "pppoePassword")])
+def test_a_credential_is_left_out_when_it_is_empty(wan, option, member):
+    assert member not in info(wan)
+    set_wan(wan, **{option: "x"})
+    assert info(wan)[member] == "x"
+
+
+@pytest.mark.parametrize("own, kept, name", [("a", "b", "a"), ("a", None, "a"), (None, "b", "b"), (None, None, "")])
+def test_the_host_name_has_a_second_source(wan, own, kept, name):
+    set_wan(wan, hostname=own)
+    wan.set("network.backwan.hostname", kept)
+    assert info(wan)["dhcpcHostName"] == name
+
+
+@pytest.mark.parametrize("text, status", [("1", 1), ("0", 0), (None, 0), ("x", 0)])
+def test_the_captive_portal_switch(wan, text, status):
+    wan.set("system.easysetup.http_redirect_enable", text)
+    assert info(wan)["captivePortalStatus"] == status
+
+
+@pytest.mark.parametrize("text, status", [("0", 0), ("1", 1), ("2", 2), ("x", 0)])
+def test_the_nat_acceleration_switch(wan, text, status):
+    wan.set("ecm.global.acceleration", text)
+    assert info(wan)["natAccelerationEnable"] == status
+    assert not wan.logged("Not found ecm.global.acceleration")
+
+
+def test_nat_acceleration_is_on_where_nothing_is_stored(wan):
+    wan.set("ecm.global.acceleration", None)
+    assert info(wan)["natAccelerationEnable"] == 1
+    wan.no_config("ecm")
+    assert info(wan)["natAccelerationEnable"] == 1
+    assert wan.logged("Not found ecm.global.acceleration ,use default 1.", priority=3)
+
+
+@pytest.mark.parametrize("text", ["0", "1", "3", "on", "", "12345678"])
+def test_the_upnp_switch_is_told_as_its_text(wan, text):
+    wan.set("upnpd.config.enabled", text or None)
+    assert info(wan)["uPnPIGD"] == text[:7]
+
+
+@pytest.mark.parametrize("text, status", [("0", 0), ("2", 2), ("7", 7), ("x", 0), (None, 0)])
+def test_the_automatic_selection(wan, text, status):
+    set_wan(wan, autoflag=text)
+    assert info(wan)["wanAutoSelectStatus"] == status
+
+
+def test_the_options_of_ds_lite_and_ipip(wan):
+    set_wan(wan, mode="DS-Lite", aftr="2001:db8::a")
+    assert info(wan)["aftrAddress"] == "2001:db8::a"
+    set_wan(wan, mode="IPIP6", v6service="v6connect", ip4addr="192.0.2.1", braddr="2001:db8::b", interfaceid="::5",
+            url="http://p.example/", ipipusername="id", ipippasswd="secret")
+    a = info(wan)
+    assert [a[name] for name in IPIP] == [3, "192.0.2.1", "2001:db8::b", "::5", "http://p.example/", "id", "secret"]
+
+
+def test_missing_options_of_ds_lite_and_ipip_are_empty(wan):
+    set_wan(wan, mode="DS-Lite")
+    assert info(wan)["aftrAddress"] == ""
+    set_wan(wan, mode="IPIP6")
+    a = info(wan)
+    assert [a[name] for name in IPIP] == [0, "", "", "", "", "", ""]
+
+
+@pytest.mark.parametrize("option, member, size", [
+    ("username", "pppoeUserName", 65), ("password", "pppoePassword", 65), ("hostname", "dhcpcHostName", 32),
+    ("aftr", "aftrAddress", 132), ("ip4addr", "ipipV4Address", 16), ("braddr", "ipipBrAddress", 40),
+    ("interfaceid", "ipipInterfaceId", 32), ("url", "ipipResettingUrl", 64), ("ipipusername", "ipipUserId", 64),
+    ("ipippasswd", "ipipPassword", 64)])
+def test_an_option_is_told_up_to_its_size(wan, option, member, size):
+    set_wan(wan, mode="DS-Lite" if option == "aftr" else "IPIP6")
+    for length in (size - 1, size, 200):
+        set_wan(wan, **{option: "x" * length})
+        assert info(wan)[member] == "x" * (size - 1), length
+
+
+# The kernel's files.
+
+@pytest.mark.parametrize("content, address", [("aa:bb:cc:dd:ee:ff\n", "aa:bb:cc:dd:ee:ff"), ("aa\r\nbb\n", "aa"), ("aa", "aa"),
+                                              ("x" * 18 + "\n", "x" * 18), ("x" * 300, "x" * 19)])
+@pytest.mark.parametrize("device, member", [("eth1", "wanMacAddress"), ("br-lan", "lanMacAddress")])
+def test_a_mac_is_the_first_line_of_its_file(wan, device, member, content, address):
+    wan.write(f"/sys/class/net/{device}/address", content)
+    assert info(wan)[member] == address
+
+
+@pytest.mark.parametrize("device, member, message", [("eth1", "wanMacAddress", "get wanMac fail!"),
+                                                     ("br-lan", "lanMacAddress", "get lanMac fail!")])
+@pytest.mark.parametrize("content, reason", [(None, "open file failed."), ("", "get macaddr fail!")])
+def test_an_unreadable_mac_is_empty(wan, device, member, message, content, reason):
+    path = f"/sys/class/net/{device}/address"
+    wan.remove(path) if content is None else wan.write(path, content)
+    assert info(wan)[member] == ""
+    assert wan.logged(reason, priority=3) and wan.logged(message, priority=3)
+
+
+@pytest.mark.parametrize("content, status", [("1\n", 1), ("0\n", 0), ("", 0), (None, 0), ("x", 0), ("0\n1\n", 0),
+                                             ("00000001", 0), ("0000001", 1)])
+def test_the_link_is_the_carrier_of_the_wan_port(wan, content, status):
+    path = "/sys/class/net/eth1/carrier"
+    wan.remove(path) if content is None else wan.write(path, content)
+    assert info(wan)["wanLinkStatus"] == status
+
+
+# Missing sections.
+
+@pytest.mark.parametrize("missing", ["section", "package"])
+def test_without_a_system_section_the_body_is_null(wan, missing):
+    if missing == "section":
+        wan.config("system", "config easysetup 'easysetup'\n\toption http_redirect_enable '0'\n")
+    else:
+        wan.no_config("system")
+    answer = wan.get(URI)
+    assert answer.header_lines == ["Content-Type: application/json", "Status: 200 OK"]
+    assert (answer.encrypted, answer.text) == (True, "null")
+    assert wan.logged("Invalid system.system section.", priority=3)
+    wan.assert_calls()
+
+
+@pytest.mark.parametrize("enable, role", [("0", "none"), ("0", "agent"), ("1", "controller"), ("1", "xagent"), (None, None),
+                                          ("x", "agent")])
+def test_without_a_wan_section_the_body_is_null(wan, enable, role):
+    wan.set("network.wan", None)
+    wan.set("button_mesh.easymesh.enable", enable)
+    wan.set("button_mesh.easymesh.role", role)
+    answer = wan.get(URI)
+    assert (answer.status, answer.encrypted, answer.text) == (200, True, "null")
+    assert wan.logged("Invalid network.wan section.", priority=3)
+
+
+@pytest.mark.parametrize("enable, role", [("1", "agent"), ("01", "agent"), ("1x", "agent2")])
+def test_a_mesh_agent_needs_no_wan_section(wan, enable, role):
+    wan.set("network.wan", None)
+    wan.set("network.backwan.hostname", "agent-host")
+    wan.set("button_mesh.easymesh.enable", enable)
+    wan.set("button_mesh.easymesh.role", role)
+    wan.set("system.@system[0].button_mode", "wb_mode")
+    a = info(wan)
+    assert list(a) == [*LINK, "vneAutoChangeStatus", "pppoeMtu", *HOST, *SWITCHES]
+    assert (a["wanMethod"], a["pppoeMtu"], a["dhcpcHostName"], a["wanAutoSelectStatus"]) == (8, 1454, "agent-host", 0)
+
+
+def test_a_mesh_agent_in_router_mode_has_addresses(wan):
+    wan.set("network.wan", None)
+    wan.set("button_mesh.easymesh.enable", "1")
+    wan.set("button_mesh.easymesh.role", "agent")
+    addresses(wan, *LINE)
+    a = info(wan)
+    assert (a["wanMethod"], a["wanMethodStr"], a["wanIpv6Method"], a["wanIpv4Address"]) == (0, "", 0, "203.0.113.10")
+    assert wan.logged("Invalid mode, modeValue = .", priority=3)
+
+
+def test_an_answer_that_cannot_be_encrypted_is_a_plain_refusal(wan):
+    wan.tool("jose", *ENCRYPT, exact=True, exit=1)
+    answer = wan.get(URI)
+    assert (answer.encrypted, answer.text) == (False, '{"result": 1}')
+    assert wan.alive()
+
+
+def test_every_default_of_an_empty_router(bare_router):
+    bare_router.config("system", "config system\n\toption button_mode 'router_mode'\n")
+    bare_router.config("network", "config interface 'wan'\n")
+    addresses(bare_router)
+    a = info(bare_router)
+    assert {name: a[name] for name in a if "Mac" not in name and name != "wanLinkStatus"} == {
+        "wanAutoSelectStatus": 0, "wanMethod": 0, "wanHb46ppMethod": 0, "wanMethodStr": "", "wanIpv6Method": 0,
+        "vneAutoChangeStatus": 0, "pppoeMtu": 1454, **{name: "None" for name in ADDRESSES[:-1]},
+        "wanIpv4AvailablePorts": "none", "dhcpcHostName": "", "captivePortalStatus": 0, "natAccelerationEnable": 1,
+        "uPnPIGD": "", "previousInternetLineAutoResult": 0}
+    assert told(bare_router, "Not found ecm.global.acceleration ,use default 1.")
