@@ -3,6 +3,7 @@
 from dataclasses import dataclass, field
 
 RADIO_OCTET = 0x10
+NETWORK = "192.168.0"
 
 
 @dataclass
@@ -77,9 +78,9 @@ def mac(kind: int, number: int) -> str:
     return f"02:00:00:{kind:02X}:{number // 256:02X}:{number % 256:02X}"
 
 
-def controller(**options) -> Device:
-    return Device(mac(0, 1), "192.168.0.1", **options)
+def controller(network: str = NETWORK, **options) -> Device:
+    return Device(mac(0, 1), f"{network}.1", **options)
 
 
-def agent(number: int, parent: Device, **options) -> Device:
-    return Device(mac(0xA0 + number, 0x20), f"192.168.0.{10 + number}", parent.mac, **options)
+def agent(number: int, parent: Device, network: str = NETWORK, **options) -> Device:
+    return Device(mac(0xA0 + number, 0x20), f"{network}.{10 + number}", parent.mac, **options)

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/log.h"
 #include "uci_access.h"
 
 namespace {
@@ -35,9 +36,12 @@ int get_agent_onboarding_status(int& out) { return read_number("repacd", "MAPCon
 
 int get_mesh_role_value(int& out) {
   const std::optional<std::string> enable = uci_read("button_mesh", "easymesh", "enable", kNumberSize);
-  if (!enable) return 1;
-  const std::optional<std::string> role = uci_read("button_mesh", "easymesh", "role", kRoleSize);
-  if (!role) return 1;
+  const std::optional<std::string> role =
+      enable ? uci_read("button_mesh", "easymesh", "role", kRoleSize) : std::nullopt;
+  if (!role) {
+    log_error("Failed to get meshRole option");
+    return 1;
+  }
   if (*enable != "1") return 0;
   if (role->starts_with("controller")) out = kMeshRoleController;
   if (role->starts_with("agent")) out = kMeshRoleAgent;

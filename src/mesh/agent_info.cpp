@@ -7,7 +7,6 @@
 
 #include "answer/answer.h"
 #include "handlers.h"
-#include "mesh/backhaul.h"
 #include "mesh/topology_log.h"
 #include "mesh_codes.h"
 #include "platform/file.h"
@@ -50,17 +49,6 @@ std::string model_of(const std::vector<Lease>& leases, const std::string& mac) {
   return kModel;
 }
 
-AgentInfo agent_of(const TopologyInfo& info, std::size_t device_position, int number) {
-  const TopologyDevice& device = info.devices[device_position];
-  AgentInfo agent;
-  agent.agentDeviceNumber = number;
-  agent.macAddress = device.mac;
-  agent.ipv4Address = device.ip;
-  if (number != 0 && device.parent) agent.connectParentMacAddress = info.devices[*device.parent].mac;
-  agent.connectionType = number == 0 ? 0 : connection_type_code(device.connectionType);
-  return agent;
-}
-
 void set_led_status(std::vector<AgentInfo>& agents) {
   for (AgentInfo& agent : agents) agent.ledStatus = agent.macAddress.empty() ? 0 : 1;
 }
@@ -84,20 +72,6 @@ bool add_agents(json_object* array) {
 
 }  // namespace
 
-std::vector<AgentInfo> topology_to_agents(const TopologyInfo& info) {
-  std::vector<AgentInfo> agents;
-  std::vector<std::size_t> waiting;
-  if (info.root) waiting.push_back(*info.root);
-  while (!waiting.empty() && agents.size() < kMostAgentRows) {
-    const std::size_t device = waiting.back();
-    waiting.pop_back();
-    agents.push_back(agent_of(info, device, static_cast<int>(agents.size())));
-    const std::vector<std::size_t>& children = info.devices[device].children;
-    waiting.insert(waiting.end(), children.rbegin(), children.rend());
-  }
-  return agents;
-}
-
 int get_agent_model_info(std::vector<AgentInfo>& agents) {
   constexpr std::size_t kHostNameSize = 64;
   if (!uci_read("system", "@system[0]", "hostname", kHostNameSize)) {
@@ -105,6 +79,7 @@ int get_agent_model_info(std::vector<AgentInfo>& agents) {
     return 1;
   }
   if (!agents.empty()) agents[0].model = kModel;  // whatever the router's own host name is
+  if (agents.size() <= 1) return 0;               // nobody to name: a router without leases has no file of them
   const std::optional<std::string> text = platform::read_file(kLeasesPath);
   if (!text) {
     std::printf("Failed to open file");

@@ -1,5 +1,6 @@
 // The mesh as an agent sees it.
 #include <algorithm>
+#include <unordered_set>
 
 #include "mesh/client_sources.h"
 #include "mesh/dump_index.h"
@@ -9,13 +10,18 @@ namespace {
 
 constexpr std::size_t kMostAgents = 16;
 
-bool is_device_header(std::string_view line) {
-  return holds(line, "IEEE 1905.1 device:") && (holds(line, "IPv4 address:") || holds(line, "MAP Agent"));
-}
+// A list that takes each text once.
+class UniqueList {
+ public:
+  explicit UniqueList(std::vector<std::string>& list) : list_(list) {}
+  void add(const std::string& text) {
+    if (!text.empty() && known_.insert(text).second) list_.push_back(text);
+  }
 
-void add_unique(std::vector<std::string>& macs, const std::string& mac) {
-  if (!mac.empty() && std::ranges::find(macs, mac) == macs.end()) macs.push_back(mac);
-}
+ private:
+  std::vector<std::string>& list_;
+  std::unordered_set<std::string> known_;
+};
 
 // Walks the legacy tables: stations of Ethernet ports, the WAN port eth1 left out.
 class LegacyReader {
@@ -47,14 +53,16 @@ class LegacyReader {
 
 AgentTopo parse_agent_topology(std::string_view dump) {
   AgentTopo topology;
-  LegacyReader legacy;
+  UniqueList agents(topology.agents);
+  UniqueList legacy(topology.legacy);
+  LegacyReader reader;
   const DumpIndex index(dump);
   for (const std::string_view line : index.lines()) {
     if (is_device_header(line)) {
-      if (topology.agents.size() < kMostAgents) add_unique(topology.agents, header_mac(line));
+      if (topology.agents.size() < kMostAgents) agents.add(header_mac(line));
       continue;
     }
-    add_unique(topology.legacy, legacy.read(line));
+    legacy.add(reader.read(line));
   }
   return topology;
 }

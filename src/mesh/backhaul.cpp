@@ -7,10 +7,11 @@
 #include <utility>
 
 #include "mesh/topology.h"
+#include "mesh_codes.h"
 
 namespace {
 
-enum Medium : unsigned int { kEthernet = 1, k24GHz = 2, k5GHz = 4, k6GHz = 8 };
+enum Medium : unsigned char { kEthernet = 1, k24GHz = 2, k5GHz = 4, k6GHz = 8 };
 constexpr std::size_t kMostIndices = 8;
 constexpr const char* kDefaultType = "WLAN_MLO_5G";
 
@@ -63,25 +64,19 @@ const char* type_of(unsigned int media) {
   return row == kConnectionTypes.end() ? nullptr : row->text;
 }
 
-const char* type_of_mesh_mode(int mode) {
-  if (mode == 0) return "WLAN_MLO_5G";
-  return mode == 1 ? "WLAN_MLO_24G_5G" : "WLAN_MLO_5G_6G";
-}
-
 bool ends_remote_table(std::string_view line) {
   return line.empty() || holds(line, "Bridged addresses:") || holds(line, "Radios:") ||
          holds(line, "Remote connections (Not directly connected to self)");
 }
 
-unsigned int read_remote_media(const std::vector<std::string_view>& lines, std::size_t heading) {
-  unsigned int media = 0;
-  for (std::size_t number = heading + 1; number < lines.size() && !ends_remote_table(lines[number]); ++number) {
-    if (holds(lines[number], "eth")) return media | kEthernet;
-    for (const MediumName& name : kMediumNames) {
-      if (name.medium != kEthernet && holds(lines[number], name.name)) media |= name.medium;
-    }
+// The media of a remote table from `line` on, given those of the lines behind it.
+unsigned char media_from(std::string_view line, unsigned char behind) {
+  if (ends_remote_table(line)) return 0;
+  if (holds(line, "eth")) return kEthernet;
+  for (const MediumName& name : kMediumNames) {
+    if (name.medium != kEthernet && holds(line, name.name)) behind = static_cast<unsigned char>(behind | name.medium);
   }
-  return media;
+  return behind;
 }
 
 std::vector<std::string> words_of(std::string_view line) {
@@ -108,13 +103,26 @@ BackhaulReader::BackhaulReader(const DumpIndex& index, std::function<int()> mesh
 std::string BackhaulReader::get_backhaul_type_from_remote(const std::string& device_mac) {
   unsigned int media = 0;
   const std::optional<std::size_t> header = index_.header_of(device_mac);
-  if (const std::optional<std::size_t> heading = header ? index_.remote_table(*header) : std::nullopt) {
-    const auto [known, is_new] = remote_media_.try_emplace(*heading, 0);
-    if (is_new) known->second = read_remote_media(index_.lines(), *heading);
-    media = known->second;
-  }
+  const std::optional<std::size_t> heading = header ? index_.remote_table(*header) : std::nullopt;
+  if (heading) media = remote_media(*heading + 1);
   const char* type = type_of(media);
-  return type != nullptr ? type : type_of_mesh_mode(mesh_mode_());
+  return type != nullptr ? type : type_of_mesh_mode();
+}
+
+unsigned int BackhaulReader::remote_media(std::size_t line) {
+  if (remote_media_.empty()) {
+    remote_media_.resize(index_.lines().size() + 1);
+    for (std::size_t number = index_.lines().size(); number-- > 0;) {
+      remote_media_[number] = media_from(index_.lines()[number], remote_media_[number + 1]);
+    }
+  }
+  return remote_media_[line];
+}
+
+const char* BackhaulReader::type_of_mesh_mode() {
+  if (!known_mesh_mode_) known_mesh_mode_ = mesh_mode_();
+  if (*known_mesh_mode_ == kMeshMode245And6) return "WLAN_MLO_5G";
+  return *known_mesh_mode_ == kMeshMode24And5 ? "WLAN_MLO_24G_5G" : "WLAN_MLO_5G_6G";
 }
 
 const BackhaulReader::IndicesOfMac& BackhaulReader::bridge_rows(std::size_t heading) {
@@ -130,7 +138,8 @@ const BackhaulReader::IndicesOfMac& BackhaulReader::bridge_rows(std::size_t head
     int index = 0;
     if (std::sscanf(line.c_str(), "%17s %9d %15s", mac.data(), &index, type.data()) < 2) continue;
     for (const std::string& word : words_of(line)) {
-      if (word.size() == kMacLength) known->second[word].push_back(index);
+      std::vector<int>& indices = known->second[word.substr(0, kMacLength)];
+      if (indices.size() < kMostIndices) indices.push_back(index);
     }
   }
   return known->second;
@@ -149,8 +158,8 @@ std::string BackhaulReader::get_backhaul_type_via_bridge(const std::string& owne
 
   unsigned int media = 0;
   const std::optional<DumpIndex::Range> table = index_.interface_table(owner_mac);
-  for (std::size_t position = 0; position < std::min(indices->size(), kMostIndices); ++position) {
-    const InterfaceRow* row = table ? index_.interface_row(*table, (*indices)[position]) : nullptr;
+  for (const int index : *indices) {
+    const InterfaceRow* row = table ? index_.interface_row(*table, index) : nullptr;
     if (row == nullptr) continue;
     media |= std::ranges::find(kMediumNames, row->medium, &MediumName::name)->medium;
     if (interface_mac != nullptr && interface_mac->empty()) *interface_mac = row->mac;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -23,12 +24,17 @@ class BackhaulReader {
 
  private:
   using IndicesOfMac = std::unordered_map<std::string, std::vector<int>>;
+  // The media of the remote table whose rows begin at the line. Tables may share their rows: a dump need not end one
+  // before the next begins.
+  unsigned int remote_media(std::size_t line);
   const IndicesOfMac& bridge_rows(std::size_t heading);
+  const char* type_of_mesh_mode();
 
   const DumpIndex& index_;
   std::function<int()> mesh_mode_;
-  std::unordered_map<std::size_t, unsigned int> remote_media_;  // of a table, by the line of its heading
-  std::unordered_map<std::size_t, IndicesOfMac> bridge_rows_;   // likewise
+  std::optional<int> known_mesh_mode_;
+  std::vector<unsigned char> remote_media_;                    // from each line to the end of its table
+  std::unordered_map<std::size_t, IndicesOfMac> bridge_rows_;  // of a table, by the line of its heading
 };
 
 // The connection type code of the client list and the agent list; 5 for any text without one.

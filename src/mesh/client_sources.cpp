@@ -40,12 +40,14 @@ std::string behind(std::string_view line, char mark, std::size_t most) {
   return found == std::string_view::npos ? std::string() : std::string(line.substr(found + 1, most));
 }
 
-void read_wifi_line(std::string_view line, std::vector<WifiClient>& clients) {
+// False when the list is full: what follows belongs to a client that has no place in it.
+bool read_wifi_line(std::string_view line, std::vector<WifiClient>& clients) {
   if (holds(line, "mac_rssi")) {
-    if (clients.size() < kMostWifiClients) clients.push_back({behind(line, ':', 17), behind(line, ' ', 7), "", "", ""});
-    return;
+    if (clients.size() == kMostWifiClients) return false;
+    clients.push_back({behind(line, ':', 17), behind(line, ' ', 7), "", "", ""});
+    return true;
   }
-  if (clients.empty()) return;
+  if (clients.empty()) return true;
   WifiClient& client = clients.back();
   if (holds(line, "operating_band")) {
     client.operating_band = behind(line, ':', 63);
@@ -54,6 +56,7 @@ void read_wifi_line(std::string_view line, std::vector<WifiClient>& clients) {
   } else if (holds(line, "mld_addr")) {
     client.mld_addr = behind(line, ':', 17);
   }
+  return true;
 }
 
 int type_of_bands(std::string_view bands) {
@@ -147,7 +150,7 @@ ClientTable collect_arp_clients() { return parse_arp_clients(platform::read_file
 ClientTable parse_wifi_clients(std::string_view client_list) {
   std::vector<WifiClient> clients;
   for (const std::string& line : platform::split_lines(client_list, kWifiLineSize)) {
-    read_wifi_line(without_line_end(line), clients);
+    if (!read_wifi_line(without_line_end(line), clients)) break;
   }
   ClientTable table;
   for (const WifiClient& client : clients) table.merge(record_of(client));

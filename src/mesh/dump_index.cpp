@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <set>
+#include <utility>
 
 #include "mesh/topology.h"
 
@@ -30,11 +32,6 @@ std::string without_brackets(std::string_view line) {
   }
 }
 
-template <class Rows>
-auto first_behind(const std::vector<std::size_t>& positions, const Rows& rows, std::size_t line) {
-  return std::ranges::upper_bound(positions, line, {}, [&rows](std::size_t position) { return rows[position].line; });
-}
-
 }  // namespace
 
 bool holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
@@ -44,6 +41,11 @@ std::optional<std::string_view> text_behind(std::string_view line, std::string_v
   if (found == std::string_view::npos) return std::nullopt;
   line.remove_prefix(found + mark.size());
   return line.substr(0, line.find_first_of(ends));
+}
+
+bool is_device_header(std::string_view line) {
+  return (holds(line, "QCA IEEE 1905.1 device:") && holds(line, "IPv4 address:")) ||
+         (holds(line, "IEEE 1905.1 device:") && holds(line, "MAP Agent"));
 }
 
 std::string header_mac(std::string_view line) {
@@ -67,6 +69,7 @@ DumpIndex::DumpIndex(std::string_view dump) {
     lines_.push_back(line);
     dump.remove_prefix(line_feed == std::string_view::npos ? dump.size() : line_feed + 1);
   }
+  find_radios();
 }
 
 void DumpIndex::add_line(std::size_t number, std::string_view line) {
@@ -94,7 +97,6 @@ void DumpIndex::add_interface_row(std::size_t number, std::string_view line) {
   row.mac = mac.data();
   if (std::ranges::find(kMediums, row.medium) == kMediums.end()) return;
   rows_of_index_[row.index].push_back(interfaces_.size());
-  rows_of_medium_[row.medium].push_back(interfaces_.size());
   interfaces_.push_back(std::move(row));
 }
 
@@ -117,19 +119,33 @@ std::optional<DumpIndex::Range> DumpIndex::interface_table(const std::string& ma
 const InterfaceRow* DumpIndex::interface_row(const Range& range, int index) const {
   const auto rows = rows_of_index_.find(index);
   if (rows == rows_of_index_.end()) return nullptr;
-  const auto first = first_behind(rows->second, interfaces_, range.begin);
+  const auto first = std::ranges::upper_bound(rows->second, range.begin, {},
+                                              [this](std::size_t position) { return interfaces_[position].line; });
   return first == rows->second.end() || interfaces_[*first].line >= range.end ? nullptr : &interfaces_[*first];
 }
 
-const InterfaceRow* DumpIndex::interface_of_medium(const Range& range, const char* medium) const {
-  const auto rows = rows_of_medium_.find(medium);
-  if (rows == rows_of_medium_.end()) return nullptr;
-  for (auto row = first_behind(rows->second, interfaces_, range.begin); row != rows->second.end(); ++row) {
-    const InterfaceRow& found = interfaces_[*row];
-    if (found.line >= range.end) return nullptr;
-    if (interface_row(range, found.index) == &found) return &found;
+const InterfaceRow* DumpIndex::radio_24ghz(const Range& range) const {
+  const auto found = radios_24ghz_.find(range.begin);
+  if (found == radios_24ghz_.end() || interfaces_[found->second].line >= range.end) return nullptr;
+  return &interfaces_[found->second];
+}
+
+// From the last line to the first, so that tables that share their rows cost no more than others: the rows that count
+// behind a line are those that are the first of their index.
+void DumpIndex::find_radios() {
+  std::unordered_map<int, std::size_t> first_of_index;
+  std::set<std::size_t> radios;
+  std::size_t row = interfaces_.size();
+  const std::vector<std::size_t>& headings = interface_headings_.all();
+  for (auto heading = headings.rbegin(); heading != headings.rend(); ++heading) {
+    for (; row > 0 && interfaces_[row - 1].line > *heading; --row) {
+      const InterfaceRow& interface = interfaces_[row - 1];
+      const auto [first, is_new] = first_of_index.try_emplace(interface.index, row - 1);
+      if (!is_new) radios.erase(std::exchange(first->second, row - 1));
+      if (interface.medium == "WLAN2G") radios.insert(row - 1);
+    }
+    if (!radios.empty()) radios_24ghz_.emplace(*heading, *radios.begin());
   }
-  return nullptr;
 }
 
 std::optional<std::size_t> DumpIndex::remote_table(std::size_t header) const {

@@ -14,6 +14,7 @@ inline constexpr std::size_t kDumpLineMax = 1023;  // longer lines are cut
 // Positions of lines, ascending.
 class LineNumbers {
  public:
+  [[nodiscard]] const std::vector<std::size_t>& all() const { return lines_; }
   void add(std::size_t line) { lines_.push_back(line); }
   // The first position behind `line`.
   [[nodiscard]] std::optional<std::size_t> after(std::size_t line) const;
@@ -47,8 +48,8 @@ class DumpIndex {
   [[nodiscard]] std::optional<Range> interface_table(const std::string& mac) const;
   // The first row of that index in the range, which is the one that counts.
   [[nodiscard]] const InterfaceRow* interface_row(const Range& range, int index) const;
-  // The first row that counts of that medium, or of any for nullptr.
-  [[nodiscard]] const InterfaceRow* interface_of_medium(const Range& range, const char* medium) const;
+  // The first 2.4 GHz row that counts.
+  [[nodiscard]] const InterfaceRow* radio_24ghz(const Range& range) const;
 
   // The heading of the table of direct remote connections behind a device's header.
   [[nodiscard]] std::optional<std::size_t> remote_table(std::size_t header) const;
@@ -58,6 +59,7 @@ class DumpIndex {
  private:
   void add_line(std::size_t number, std::string_view line);
   void add_interface_row(std::size_t number, std::string_view line);
+  void find_radios();
 
   std::vector<std::string_view> lines_;
   std::unordered_map<std::string, std::size_t> headers_;
@@ -70,14 +72,17 @@ class DumpIndex {
   LineNumbers bridged_;
   LineNumbers bridge_headings_;
   std::vector<InterfaceRow> interfaces_;
-  std::unordered_map<int, std::vector<std::size_t>> rows_of_index_;           // positions in interfaces_
-  std::unordered_map<std::string, std::vector<std::size_t>> rows_of_medium_;  // likewise
+  std::unordered_map<int, std::vector<std::size_t>> rows_of_index_;  // positions in interfaces_
+  std::unordered_map<std::size_t, std::size_t> radios_24ghz_;        // positions in interfaces_, by the heading's line
 };
 
 bool holds(std::string_view line, std::string_view text);
 
 // The text behind `mark`, up to the first of `ends` or the line's end; nullopt without `mark`.
 std::optional<std::string_view> text_behind(std::string_view line, std::string_view mark, std::string_view ends);
+
+// The line begins a device's block: a header of the daemon's own device, or of a mesh agent's.
+bool is_device_header(std::string_view line);
 
 // The MAC of a device header line ("... device: MAC, ..."); empty when it has none.
 std::string header_mac(std::string_view line);

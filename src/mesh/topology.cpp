@@ -20,11 +20,6 @@ struct Header {
   std::string ip;
 };
 
-bool is_device_header(std::string_view line) {
-  return (holds(line, "QCA IEEE 1905.1 device:") && holds(line, "IPv4 address:")) ||
-         (holds(line, "IEEE 1905.1 device:") && holds(line, "MAP Agent"));
-}
-
 // "if a colon occurs and more than 10 characters follow it": the MAC without its first octet.
 std::string mac_tail(const std::string& mac) {
   constexpr std::size_t kShortestTail = 10;
@@ -150,7 +145,8 @@ class TopologyParser {
     }
     const std::optional<std::size_t> child = position_of(current_mac_);
     const std::optional<std::size_t> parent = position_of(parent_mac);
-    if (!child || !parent || info_.devices[*child].parent || !ancestry_->link(*child, *parent)) return;
+    if (!child || !parent || child == info_.root || info_.devices[*child].parent) return;
+    if (!ancestry_->link(*child, *parent)) return;
     TopologyDevice& device = info_.devices[*child];
     TopologyDevice& above = info_.devices[*parent];
     device.parent = parent;
@@ -198,14 +194,14 @@ class TopologyParser {
     if (position_of(mac) || stations_[owner].contains(mac)) return;
     std::string interface_mac;
     const std::string type = backhaul_.get_backhaul_type_via_bridge(current_mac_, mac, &interface_mac);
-    if (type == "ETHER" && !is_wired_port_of_agent(interface_mac)) return;
+    if (type == "ETHER" && !is_wired_port_of_agent(owner, interface_mac)) return;
     add_station(owner, mac, type);
   }
 
   // A wired station counts only on the port whose MAC stands one below the agent's 2.4 GHz radio.
-  bool is_wired_port_of_agent(const std::string& interface_mac) const {
-    const std::optional<DumpIndex::Range> table = index_.interface_table(current_mac_);
-    const InterfaceRow* radio = table ? index_.interface_of_medium(*table, "WLAN2G") : nullptr;
+  bool is_wired_port_of_agent(std::size_t agent, const std::string& interface_mac) const {
+    const std::optional<DumpIndex::Range> table = index_.interface_table(info_.devices[agent].mac);
+    const InterfaceRow* radio = table ? index_.radio_24ghz(*table) : nullptr;
     return radio != nullptr && mac_tail(interface_mac) == mac_tail(mac_below(radio->mac));
   }
 

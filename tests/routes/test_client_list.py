@@ -2,7 +2,9 @@
 
 import pytest
 
-from mesh_setup import (Station, agent, controller, mac, set_bridge, set_dump, set_mesh, set_wifi_clients, wifi_client)
+from kit import HOSTILE
+from mesh_setup import (Station, agent, controller, mac, render, set_bridge, set_dump, set_mesh, set_wifi_clients,
+                        wifi_client)
 
 URI = "/api/v1/router/client-list"
 PHONE, CABLE, TABLET = "02:00:00:0C:00:01", "02:00:00:0C:00:02", "02:00:00:0C:00:03"
@@ -56,6 +58,60 @@ def test_the_drivers_word_counts_over_the_arp_tables(router):
     a = router.get(URI)
     assert a.json["numOfClient"] == 1
     assert rows(a)[PHONE] == {"macAddress": PHONE, "connectionType": 3, "rssi": 33}
+
+
+def test_the_bridges_ports_are_read_in_both_notations(router):
+    set_mesh(router, 0)
+    set_wifi_clients(router)
+    set_bridge(router, (0x1a, CABLE.lower()), (12, TABLET.lower()))
+    router.write("/sys/class/net/br-lan/brif/eth0/port_no", "0X1A\n")
+    router.write("/sys/class/net/br-lan/brif/eth2/port_no", "12\n")
+    neighbour(router, "192.168.0.10", CABLE)
+    neighbour(router, "192.168.0.11", TABLET)
+    assert {row["connectionType"] for row in rows(router.get(URI)).values()} == {0}
+    assert router.logged("Interface eth0 port from file: 0X1A -> 26", priority=7)
+    assert router.logged("Interface eth2 port from file: 12 -> 12", priority=7)
+
+
+def test_a_device_on_the_wan_port_is_not_wired(router):
+    set_mesh(router, 0)
+    set_wifi_clients(router)
+    set_bridge(router, (4, CABLE.lower()))  # eth1
+    neighbour(router, "192.168.0.10", CABLE)
+    assert rows(router.get(URI))[CABLE]["connectionType"] == 1
+
+
+def test_a_wifi_row_that_says_ethernet_is_taken_for_2_4_ghz_unless_the_bridge_confirms_it(router):
+    set_mesh(router, 0)
+    set_wifi_clients(router, wifi_client(PHONE, "ETHER"), wifi_client(CABLE, "eth0"))
+    set_bridge(router, (2, CABLE.lower()), (4, PHONE.lower()))
+    assert {mac: row["connectionType"] for mac, row in rows(router.get(URI)).items()} == {PHONE: 1, CABLE: 0}
+
+
+def test_bands_that_nobody_knows_are_minus_one(router):
+    set_mesh(router, 0)
+    set_wifi_clients(router, wifi_client(PHONE, "60GHz of another kind"))
+    assert rows(router.get(URI))[PHONE]["connectionType"] == -1
+
+
+@pytest.mark.parametrize("enable", ["0", "", "x", None])
+def test_without_a_mesh_the_daemon_is_not_asked(router, enable):
+    set_mesh(router, 0)
+    router.set("button_mesh.easymesh.enable", enable)
+    set_wifi_clients(router, wifi_client(PHONE))
+    assert router.get(URI).json["numOfClient"] == 1
+    assert router.calls("emt") == []
+
+
+def test_without_mesh_settings_the_list_is_a_plain_routers(router):
+    router.remove("/etc/config/button_mesh")
+    set_wifi_clients(router, wifi_client(PHONE))
+    assert router.get(URI).json["numOfClient"] == 1
+
+
+def test_the_list_has_no_version(router):
+    set_mesh(router, 0)
+    assert "version" not in router.get(URI).json
 
 
 @pytest.mark.parametrize("missing", ["eth0", "eth2"])
@@ -139,6 +195,80 @@ def test_satellites_have_keys_of_two_digits(router):
     assert keys == [f"easyMesh{number:02d}" for number in range(1, 17)]
 
 
+def test_a_satellite_below_a_satellite_has_a_number_of_its_own(router):
+    set_mesh(router, 1, "controller")
+    root = controller()
+    first = agent(1, root, bridged=[Station(mac(0xC, 1), (1,))])
+    second = agent(2, first, bridged=[Station(mac(0xC, 2), (2,))])
+    set_dump(router, [root, first, second])
+    set_wifi_clients(router)
+    a = router.get(URI)
+    assert [row["macAddress"] for row in a.json["easyMesh01"]] == [mac(0xC, 1)]
+    assert [row["macAddress"] for row in a.json["easyMesh02"]] == [mac(0xC, 2)]
+    assert a.json["numOfClient"] == 2
+
+
+def test_a_client_seen_behind_two_units_stands_behind_the_deeper_one(router):
+    set_mesh(router, 1, "controller")
+    root = controller(legacy={"ath0": [PHONE]})
+    first = agent(1, root, bridged=[Station(PHONE, (1,))])
+    second = agent(2, first, bridged=[Station(PHONE, (2,))])
+    set_dump(router, [root, first, second])
+    set_wifi_clients(router)
+    a = router.get(URI)
+    assert "easyMesh01" not in a.json
+    assert a.json["easyMesh02"] == [{"macAddress": PHONE, "connectionType": 2, "rssi": "0"}]
+
+
+def test_a_satellites_client_in_the_arp_table_is_not_listed_twice(router):
+    controller_with_one_agent(router, Station(PHONE, (2,)))
+    set_bridge(router, (1, PHONE.lower()))
+    neighbour(router, "192.168.0.10", PHONE)
+    a = router.get(URI)
+    assert a.json["clientList"] == [] and a.json["numOfClient"] == 1
+
+
+@pytest.mark.parametrize("role", ["", "other", "Controller"])
+def test_with_another_role_satellites_clients_stand_in_the_list_itself(router, role):
+    controller_with_one_agent(router, Station(PHONE, (2,)))
+    router.set("button_mesh.easymesh.role", role)
+    a = router.get(URI)
+    assert list(a.json) == ["result", "numOfClient", "clientList"]
+    assert a.json["clientList"] == [{"macAddress": PHONE, "connectionType": 2, "rssi": 0}]
+
+
+@pytest.mark.parametrize("text", ["no devices here\n", "\n", "\0\0", "QCA IEEE 1905.1 device: "])
+def test_a_dump_without_devices_leaves_the_drivers_clients(router, text):
+    set_mesh(router, 1, "controller")
+    router.tool("emt", out=text)
+    set_wifi_clients(router, wifi_client(PHONE, "5GHz", "40"))
+    assert router.get(URI).json["clientList"] == [{"macAddress": PHONE, "connectionType": 2, "rssi": 40}]
+
+
+def test_a_long_answer_is_told_to_the_console_instead_of_the_log(router):
+    set_mesh(router, 0)
+    set_wifi_clients(router, *(wifi_client(mac(0xC, number)) for number in range(60)))
+    assert router.get(URI).json["numOfClient"] == 60
+    assert "[TOPO_LOG] Content too long (need " in router.console()
+    assert "handle_get_client_list" not in (router.read("/tmp/topology.log") or "")
+
+
+def test_a_full_topology_log_begins_anew(router):
+    set_mesh(router, 0)
+    set_wifi_clients(router)
+    router.write("/tmp/topology.log", "x" * 16000)
+    router.get(URI)
+    assert router.read("/tmp/topology.log").startswith("handle_get_client_list = {")
+    assert "[TOPO_LOG] Log file full (15.6KB), truncated to empty\n" in router.console()
+
+
+def test_a_topology_log_that_cannot_be_written_is_told_to_the_console(router):
+    set_mesh(router, 0)
+    router.write("/tmp/topology.log/file", "")
+    assert router.get(URI).json["result"] == 0
+    assert "[TOPO_LOG] Failed to open log file: /tmp/topology.log\n" in router.console()
+
+
 def test_the_tree_and_the_answer_are_kept_in_the_topology_log(router):
     controller_with_one_agent(router)
     router.get(URI)
@@ -175,6 +305,14 @@ def test_an_agent_lists_its_wifi_clients_and_wired_devices(router):
     assert "Legacy wired device count: 1\n  Legacy[0]: " + CABLE in log
 
 
+def test_the_only_unit_that_an_agent_sees_is_no_client_of_it(router):
+    set_mesh(router, 1, "agent")
+    root = controller(legacy={"eth0": [CABLE]})
+    set_dump(router, [root])
+    set_wifi_clients(router, wifi_client(root.mac), wifi_client(PHONE))
+    assert set(rows(router.get(URI))) == {PHONE, CABLE}
+
+
 def test_an_agent_that_sees_no_agents_lists_nothing(router):
     set_mesh(router, 1, "agent")
     router.tool("emt", out="no devices here\n")
@@ -188,3 +326,36 @@ def test_dead_tools_leave_an_empty_list(router):
         router.tool(tool, missing=True)
     router.remove("/tmp/clientList.txt")
     assert router.get(URI).json == {"result": 0, "numOfClient": 0, "clientList": []}
+
+
+@pytest.mark.parametrize("role", ["controller", "agent"])
+def test_dead_tools_beside_the_daemon_leave_an_empty_list(router, role):
+    set_mesh(router, 1, role)
+    set_dump(router, [controller()])
+    for tool in ("/etc/wireClient.sh", "brctl", "arp-scan", "ip", "arp"):
+        router.tool(tool, missing=True)
+    assert router.get(URI).json == {"result": 0, "numOfClient": 0, "clientList": []}
+
+
+@pytest.mark.parametrize("role", ["controller", "agent"])
+def test_a_daemon_that_fails_after_its_dump_was_heard(router, role):
+    set_mesh(router, 1, role)
+    router.tool("emt", out=render([controller()]), exit=1, stdin=True)
+    assert router.get(URI).json["result"] == 0
+
+
+@pytest.mark.parametrize("enable, role", [(0, ""), (1, "controller"), (1, "agent")], ids=["alone", "controller", "agent"])
+@pytest.mark.parametrize("text", HOSTILE.values(), ids=HOSTILE.keys())
+def test_hostile_text_of_the_tools_does_nothing(router, enable, role, text):
+    set_mesh(router, enable, role)
+    data = text.encode("utf-8", "surrogateescape")
+    header = b"QCA IEEE 1905.1 device: %s, IPv4 address: %s"
+    agents = b"%s\nUpstream Device: None\nLegacy Devices:\nInterface eth0:\n%s: and more than seventeen\nRadios:\n%s\n" % (
+        header % (b"02:00:00:00:00:01", data), data, header % (data[:17], b"1.1.1.1"))
+    router.tool("emt", out=agents)
+    router.tool("brctl", out=b"port\n1 %s\n" % data)
+    clients = b"mac_rssi:%s %s\noperating_band:%s\nmlo:Yes\nmld_addr:%s\n" % (data, data, data, data)
+    router.tool("/etc/wireClient.sh", write={"/tmp/clientList.txt": clients.decode("utf-8", "surrogateescape")})
+    neighbour(router, "192.168.0.10", CABLE)
+    assert router.get(URI).json["result"] == 0
+    router.assert_nothing_ran()

@@ -3,7 +3,7 @@
 import pytest
 
 from kit import HOSTILE
-from mesh_setup import agent, controller, set_dump, set_leases, set_mesh
+from mesh_setup import agent, controller, render, set_dump, set_leases, set_mesh
 
 URI = "/api/v1/mesh/agent-info"
 MODEL = "MX-9P300KLD"
@@ -117,7 +117,15 @@ def failures():
     def no_leases(router):
         router.remove("/tmp/dhcp.leases")
 
-    return [(no_role, "Failed to get mesh role"), (no_daemon, "Failed to get topology data"),
+    def no_role_option(router):
+        router.set("button_mesh.easymesh.role", None)
+
+    def no_daemon_and_no_output(router):
+        router.tool("emt", exit=1)
+
+    return [(no_role, "Failed to get mesh role"), (no_role, "Failed to get meshRole option"),
+            (no_role_option, "Failed to get meshRole option"), (no_daemon_and_no_output, "Failed to get topology data"),
+            (no_host_name, "Failed to get hostname"), (no_daemon, "Failed to get topology data"),
             (silent_daemon, "Failed to get topology data"), (no_mode, "Failed to get topology data"),
             (no_host_name, "Failed to get agent model info"), (no_leases, "Failed to get agent model info")]
 
@@ -131,11 +139,66 @@ def test_a_failure_is_a_plain_result_1(router, break_it, message):
     assert router.logged(message, priority=3)
 
 
+def test_without_leases_the_missing_file_is_told(router):
+    prepare(router, chain(2))
+    router.remove("/tmp/dhcp.leases")
+    router.get(URI)
+    assert "Failed to open file" in router.stderr()  # its standard output goes the same way
+
+
+def test_a_controller_with_no_agents_needs_no_leases(router):
+    prepare(router, [controller()])
+    router.remove("/tmp/dhcp.leases")
+    assert router.get(URI).json["agentInfo"] == []
+
+
+def test_a_lease_names_at_most_63_bytes_and_needs_two_fields(router):
+    devices = chain(2)
+    prepare(router, devices)
+    router.write("/tmp/dhcp.leases", f"\n1 {devices[1].mac}\n1 {devices[1].mac} 1.1.1.1\n1 {devices[1].mac} 1.1.1.1 {'n' * 70} *\n")
+    assert router.get(URI).json["agentInfo"][0]["model"] == "n" * 63
+
+
+@pytest.mark.parametrize("mode, code", [("0", 2), ("1", 4), ("2", 5), ("3", 5), (None, 5)])
+def test_a_backhaul_that_the_dump_does_not_tell_is_the_mesh_modes(router, mode, code):
+    root = controller()
+    prepare(router, [root, agent(1, root, backhaul=())])
+    router.set("button_mesh.easymesh.mode", mode)
+    assert router.get(URI).json["agentInfo"][0]["connectionType"] == code
+
+
+def test_a_tree_without_a_root_lists_none(router):
+    prepare(router, [])
+    assert router.get(URI).json["agentInfo"] == []
+
+
+def test_a_dead_arp_tool_leaves_out_an_agent_without_an_address(router):
+    root = controller()
+    prepare(router, [root])
+    router.tool("emt", out=render([root, agent(1, root)]).replace(", IPv4 address: 192.168.0.11 ,", ","))
+    router.tool("arp", missing=True)
+    assert router.get(URI).json["agentInfo"] == []
+
+
+@pytest.mark.parametrize("text", [text for text in HOSTILE.values() if text.split()], ids=[key for key, text in HOSTILE.items() if text.split()])
+def test_a_hostile_host_name_is_a_name(router, text):
+    devices = chain(2)
+    prepare(router, devices)
+    name = text.encode("utf-8", "surrogateescape").split()[0][:63]
+    router.write("/tmp/dhcp.leases", b"1 %s 1.1.1.1 %s *\n" % (devices[1].mac.encode(), name))
+    a = router.get(URI)
+    assert a.json["result"] == 0
+    try:
+        assert a.json["agentInfo"][0]["model"] == name.decode()
+    except UnicodeDecodeError:
+        pass  # what is no text has no name in JSON; the answer is one all the same
+    router.assert_nothing_ran()
+
+
 def test_an_agent_without_an_address_in_its_header_is_looked_up_by_arp(router):
     set_mesh(router, 1)
     set_leases(router)
     root = controller()
-    from mesh_setup import render
     dump = render([root, agent(1, root)]).replace(", IPv4 address: 192.168.0.11 ,", ",")
     router.tool("emt", out=dump)
     router.tool("arp", "-a", out="? (192.168.0.77) at 02:00:00:a1:00:20 [ether] on br-lan\n")

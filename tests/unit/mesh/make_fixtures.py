@@ -41,12 +41,44 @@ def chain_of(count):
     return devices
 
 
+def self_parent():
+    root = controller()
+    first = agent(1, root)
+    first.parent = first.mac
+    return [root, first, agent(2, root)]
+
+
+def cycle():
+    root = controller()
+    devices = [agent(number, root) for number in (1, 2, 3)]
+    for device, parent in zip(devices, [devices[2], devices[0], devices[1]]):
+        device.parent = parent.mac
+    return [root, *devices]
+
+
+def two_parents():
+    root = controller()
+    first = agent(1, root)
+    return [root, first, agent(2, first), agent(2, root)]
+
+
+def reordered():
+    root = controller()
+    first = agent(1, root)
+    return [root, agent(2, first), first]
+
+
 FIXTURES = {
     "controller_alone": [controller(legacy=LEGACY)],
     "one_agent": one_agent(),
     "chained_agents": chained(),
     "wired_backhaul": [(root := controller()), agent(1, root, backhaul=("ETHER",))],
+    "wireless_backhaul": [(root := controller()), agent(1, root, backhaul=("WLAN2G", "WLAN5G", "WLAN6G"))],
     "duplicates": duplicates(),
+    "self_parent": self_parent(),
+    "cycle": cycle(),
+    "two_parents": two_parents(),
+    "reordered": reordered(),
     "twenty_devices": chain_of(20),
 }
 

@@ -3,30 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "mesh/backhaul.h"
-#include "platform/file.h"
+#include "mesh/dumps.h"
 
 namespace {
 
-std::string fixture(const std::string& name) {
-  const auto text = platform::read_file((std::string(UNIT_FIXTURES) + "/" + name + ".txt").c_str());
-  EXPECT_TRUE(text) << name;
-  return text.value_or("");
-}
-
-TopologySources sources(int mesh_mode = 2) {
-  return {.ip_of_mac = [](const std::string&) { return std::nullopt; }, .mesh_mode = [mesh_mode] { return mesh_mode; }};
-}
-
-TopologyInfo parse(const std::string& dump, int mesh_mode = 2) { return parse_topology(dump, sources(mesh_mode)); }
-
-std::string stations_of(const TopologyDevice& device) {
-  std::string text;
-  for (const TopologyStation& station : device.stations) {
-    text += station.mac.substr(12) + " " + station.connectionType + " " + std::to_string(station.level) + "; ";
-  }
-  return text;
-}
+using namespace dumps;
 
 TEST(ParseTopology, OfAControllerAloneHasItsLegacyStationsButNotThoseOfTheWanPort) {
   const TopologyInfo info = parse(fixture("controller_alone"));
@@ -118,87 +99,154 @@ TEST(ParseTopology, IgnoresHeadersWithoutAUsableMacOrAddress) {
   }
 }
 
-std::string header(const std::string& mac, const std::string& upstream) {
-  return "QCA IEEE 1905.1 device: " + mac + ", IPv4 address: 10.0.0.1\n  Upstream Device: " + upstream + "\n";
-}
+// Headers.
 
-TEST(ParseTopology, NeverMakesADeviceItsOwnAncestor) {
-  const std::string a = "AA:AA:AA:AA:AA:01";
-  const std::string b = "AA:AA:AA:AA:AA:02";
-  const std::string root = "AA:AA:AA:AA:AA:00";
-  const TopologyInfo info = parse(header(root, "None") + header(a, b) + header(b, a) + header(root, a) + header(a, a));
-  ASSERT_EQ(info.devices.size(), 3U);
-  EXPECT_EQ(info.devices[1].parent, 2U);
-  EXPECT_EQ(info.devices[2].parent, std::nullopt);
-}
-
-TEST(ParseTopology, IsSafeOnAnyCutOfADump) {
-  const std::string dump = fixture("duplicates");
-  for (std::size_t length = 0; length <= dump.size(); ++length) {
-    const TopologyInfo info = parse(dump.substr(0, length));
-    EXPECT_LE(info.devices.size(), 3U);
+TEST(ParseTopology, TakesBothFormsOfAHeader) {
+  for (const char* line : {"QCA IEEE 1905.1 device: AA:BB:CC:DD:EE:01, IPv4 address: 10.0.0.7",
+                           "IEEE 1905.1 device: AA:BB:CC:DD:EE:01, IPv4 address: 10.0.0.7 , MAP Agent"}) {
+    const TopologyInfo info = parse(std::string(line) + "\n");
+    ASSERT_EQ(info.devices.size(), 1U) << line;
+    EXPECT_EQ(info.devices[0].mac, "AA:BB:CC:DD:EE:01");
+    EXPECT_EQ(info.devices[0].ip, "10.0.0.7");
   }
-  EXPECT_EQ(parse("").root_device(), nullptr);
-  EXPECT_EQ(parse(std::string(100000, 'x')).devices.size(), 0U);
+  EXPECT_TRUE(parse("IEEE 1905.1 device: AA:BB:CC:DD:EE:01, IPv4 address: 10.0.0.7\n").devices.empty());
 }
 
-TEST(ParseTopology, ReadsTenMegabytesOfDevices) {
-  std::string dump = fixture("one_agent");
-  for (int number = 0; dump.size() < 10'000'000; ++number) {
-    std::array<char, 18> mac{};
-    std::snprintf(mac.data(), mac.size(), "DD:%02X:%02X:%02X:00:00", number >> 16 & 255, number >> 8 & 255,
-                  number & 255);
-    dump += header(mac.data(), "02:00:00:A1:00:20") + "    Index Medium Type\n     1 WLAN2G " + mac.data() + " x\n";
-  }
-  EXPECT_GT(parse(dump).devices.size(), 50'000U);
+TEST(ParseTopology, KnowsADeviceThatIsPrintedTwiceOnce) {
+  EXPECT_EQ(parse(header(kRoot, "None") + header(kRoot, "None")).devices.size(), 1U);
 }
 
-TEST(BackhaulType, FallsBackToTheMeshMode) {
-  std::string dump = fixture("one_agent");
-  for (const char* medium : {"ath13            WLAN5G", "ath23            WLAN6G"}) {
-    ASSERT_NE(dump.find(medium), std::string::npos);
-    dump.replace(dump.find(medium), 23, "xxxx             yyyyyy");
-  }
-  EXPECT_EQ(parse(dump, 0).devices[1].connectionType, "WLAN_MLO_5G");
-  EXPECT_EQ(parse(dump, 1).devices[1].connectionType, "WLAN_MLO_24G_5G");
-  EXPECT_EQ(parse(dump, 2).devices[1].connectionType, "WLAN_MLO_5G_6G");
-  EXPECT_EQ(parse(dump, -1).devices[1].connectionType, "WLAN_MLO_5G_6G");
+TEST(ParseTopology, CutsALineAt1023Bytes) {
+  const std::string line = "QCA IEEE 1905.1 device: AA:BB:CC:DD:EE:01, ";
+  const std::string address = "IPv4 address: 10.0.0.7";
+  const auto devices = [&](std::size_t blanks) { return parse(line + std::string(blanks, ' ') + address).devices; };
+  EXPECT_EQ(devices(1023 - line.size() - address.size())[0].ip, "10.0.0.7");
+  EXPECT_EQ(devices(1024 - line.size() - address.size())[0].ip, "10.0.0.");
 }
 
-TEST(BackhaulType, HasARowForEachCombinationOfBands) {
+TEST(ParseTopology, CutsAnAddressOfTheArpTableAt15Bytes) {
+  const TopologyInfo info = parse_topology(
+      "IEEE 1905.1 device: AA:BB:CC:DD:EE:01, MAP Agent\n",
+      {.ip_of_mac = [](const std::string&) { return "192.168.100.2000"; }, .mesh_mode = [] { return 0; }});
+  EXPECT_EQ(info.devices[0].ip, "192.168.100.200");
+}
+
+// The tree.
+
+TEST(ParseTopology, HangsADeviceWithoutUpstreamBelowTheController) {
+  EXPECT_EQ(parse(header(kRoot, "None") + header(kAgent, "None")).devices[1].parent, 0U);
+}
+
+TEST(ParseTopology, DoesNotLinkADeviceToAnUnknownParent) {
+  EXPECT_EQ(parse(header(kRoot, "None") + header(kAgent, kOtherAgent)).devices[1].parent, std::nullopt);
+}
+
+TEST(ParseTopology, WithoutAControllersMarkHasTheRootAndItsLegacyStationsAlone) {
+  const TopologyInfo info =
+      parse(header(kRoot, "????") + "Legacy Devices:\nInterface eth0:\n0C:00:00:00:00:01\nRadios:\n" +
+            header(kAgent, kRoot) + bridged("0C:00:00:00:00:02 1 Remote"));
+  EXPECT_EQ(stations_of(*info.root_device()), "00:01 ETHER 1; ");
+  EXPECT_TRUE(info.root_device()->children.empty());
+  EXPECT_EQ(stations_of(info.devices[1]), "");
+}
+
+TEST(ParseTopology, SaysThatARootWithoutStationsAndChildrenHasNoAgent) {
+  EXPECT_FALSE(parse(header(kRoot, "None")).hasAgent);
+  EXPECT_TRUE(parse(header(kRoot, "None") + header(kAgent, kRoot)).hasAgent);
+}
+
+// Legacy devices.
+
+TEST(ParseTopology, ReadsLegacyDevicesOfTheRootUpToItsRadios) {
+  const TopologyInfo info = parse(
+      header(kRoot, "None") + "Legacy Devices:\nInterface eth1:\n0C:00:00:00:00:01\nInterface eth2:\n" +
+      " \t0C:00:00:00:00:02 and more\n0C:00:00:00:00:0\nno colon in this line\nInterface ath1:\n0C:00:00:00:00:03\n" +
+      "Radios:\n0C:00:00:00:00:04\n");
+  EXPECT_EQ(stations_of(*info.root_device()), "00:02 ETHER 1; 00:03 Wireless 1; ");
+}
+
+TEST(ParseTopology, ReadsNoLegacyDevicesOfAnAgent) {
+  const TopologyInfo info = parse(header(kRoot, "None") + header(kAgent, kRoot) +
+                                  "Legacy Devices:\nInterface eth0:\n0C:00:00:00:00:01\nRadios:\n");
+  EXPECT_EQ(stations_of(info.devices[0]) + stations_of(info.devices[1]), "");
+}
+
+// Bridged addresses.
+
+TEST(ParseTopology, ReadsBridgedStationsUpToTheRadios) {
+  const TopologyInfo info =
+      parse(header(kRoot, "None") + header(kAgent, kRoot) + interfaces("1 WLAN2G AA:AA:AA:AA:AA:11") +
+            "Bridged addresses:\nAddress Interface Type\n0C:00:00:00:00:01 1 Remote\n0C:00:00:00:00:02 1 Local\n" +
+            "0C:00:00:00:00:03 x Remote\nRemote\n0C:00:00:00:00:01 1 Remote\n" + kRoot + " 1 Remote\nRadios:\n" +
+            "0C:00:00:00:00:04 1 Remote\n");
+  // Neither a local one, nor one without an index, nor a second time, nor a device, nor what follows the radios.
+  EXPECT_EQ(stations_of(info.devices[1]), "00:01 WLAN_MLO_24G 2; ");
+}
+
+TEST(ParseTopology, ReadsNoBridgedStationsOfTheRoot) {
+  const TopologyInfo info =
+      parse(header(kRoot, "None") + header(kRoot, "None") + bridged("0C:00:00:00:00:01 1 Remote"));
+  EXPECT_EQ(stations_of(*info.root_device()), "");
+}
+
+TEST(ParseTopology, HasRoomFor15BytesOfAStationsType) {
+  const std::string station = "0C:00:00:00:00:01";
+  const TopologyInfo info =
+      parse(agent_with("1 WLAN2G x:1\n2 WLAN5G x:2\n3 WLAN6G x:3",
+                       station + " 1 Remote\n" + station + " 2 Remote\n" + station + " 3 Remote"));
+  EXPECT_EQ(stations_of(info.devices[1]), "00:01 WLAN_MLO_24G_5G 2; ");
+}
+
+TEST(ParseTopology, AcceptsAWiredStationOneBelowTheRadioOf24GHzOnly) {
   struct Row {
-    const char* rows;
-    const char* type;
+    const char* port;
+    const char* radio;
+    bool accepted;
   };
-  for (const Row& row : {Row{"eth1", "ETHER"}, Row{"WLAN2G\nWLAN5G\nWLAN6G", "WLAN_MLO_24G_5G_6G"},
-                         Row{"WLAN2G\nWLAN5G", "WLAN_MLO_24G_5G"}, Row{"WLAN5G\nWLAN6G", "WLAN_MLO_5G_6G"},
-                         Row{"WLAN2G", "WLAN_MLO_24G"}, Row{"WLAN5G", "WLAN_MLO_5G"}, Row{"WLAN6G", "WLAN_MLO_6G"},
-                         Row{"WLAN2G\nWLAN6G", "WLAN_MLO_24G_5G"}, Row{"WLAN5G\neth1", "WLAN_MLO_5G"},
-                         Row{"WLAN5G\n\nWLAN2G", "WLAN_MLO_5G"}, Row{"WLAN5G\nRadios:\nWLAN2G", "WLAN_MLO_5G"},
-                         Row{"WLAN5G\nBridged addresses:\nWLAN2G", "WLAN_MLO_5G"}, Row{"", "WLAN_MLO_24G_5G"}}) {
-    const std::string dump = header("AA:AA:AA:AA:AA:00", "None") + header("AA:AA:AA:AA:AA:01", "None") +
-                             "Remote connections (Directly connected to self)\n"
-                             "Interface name   Medium Type  MAC Address  MID\n" +
-                             row.rows + "\n";
-    EXPECT_EQ(parse(dump, 1).devices[1].connectionType, row.type) << row.rows;
+  for (const Row& row :
+       {Row{"AA:AA:AA:AA:AA:0F", "AA:AA:AA:AA:AA:10", true}, Row{"AA:AA:AA:AA:AA:FF", "AA:AA:AA:AA:AA:00", true},
+        Row{"BB:AA:AA:AA:AA:0F", "AA:AA:AA:AA:AA:10", true},   // the first octet does not count
+        Row{"AA:AA:AA:AA:AA:0f", "AA:AA:AA:AA:AA:10", false},  // written in upper case
+        Row{"AA:AA:AA:AA:AA:10", "AA:AA:AA:AA:AA:10", false}, Row{"AA:AA:AA:AA:AA:11", "AA:AA:AA:AA:AA:10", false},
+        Row{"AA:AA:AA:AA:AB:0F", "AA:AA:AA:AA:AA:10", false}, Row{"1F", "20", true}, Row{"1F", "none", false}}) {
+    const std::string dump =
+        agent_with(std::string("0 ETHER ") + row.port + "\n1 WLAN2G " + row.radio, "0C:00:00:00:00:01 0 Remote");
+    EXPECT_EQ(stations_of(parse(dump).devices[1]), row.accepted ? "00:01 ETHER 2; " : "")
+        << row.port << " " << row.radio;
   }
+  EXPECT_EQ(stations_of(parse(agent_with("0 ETHER AA:AA:AA:AA:AA:0F", "0C:00:00:00:00:01 0 Remote")).devices[1]), "");
 }
 
-TEST(ConnectionTypeCode, HasARowForEachText) {
-  const std::vector<const char*> texts{"ETHER",           "WLAN_MLO_24G",   "WLAN_MLO_5G",        "WLAN_MLO_6G",
-                                       "WLAN_MLO_24G_5G", "WLAN_MLO_5G_6G", "WLAN_MLO_24G_5G_6G", "WLAN_MLO_24G_6G"};
-  for (std::size_t code = 0; code < texts.size(); ++code)
-    EXPECT_EQ(connection_type_code(texts[code]), static_cast<int>(code));
-  for (const char* text : {"Wireless", "Wired", "", "ether"}) EXPECT_EQ(connection_type_code(text), 5) << text;
+TEST(ParseTopology, TakesTheRadioOf24GHzThatCounts) {
+  const auto wired = [](const std::string& rows) {
+    return stations_of(parse(agent_with(rows, "0C:00:00:00:00:01 0 Remote")).devices[1]) != "";
+  };
+  EXPECT_TRUE(wired("0 ETHER x:0F\n1 WLAN2G x:10\n4 WLAN2G x:20"));
+  EXPECT_FALSE(wired("0 ETHER x:1F\n1 WLAN2G x:10\n4 WLAN2G x:20"));
+  EXPECT_TRUE(wired("0 ETHER x:1F\n1 WLAN5G x:01\n1 WLAN2G x:10\n4 WLAN2G x:20")) << "index 1 is taken";
 }
 
-TEST(ParseArpTable, TakesTheSecondFieldWithoutBrackets) {
-  const std::string table =
-      "? (192.168.0.7) at aa:bb:cc:dd:ee:0f [ether] on br-lan\nname (192.168.0.8) at AA:BB:CC:00:00:01\n";
-  EXPECT_EQ(parse_arp_table(table, "AA:BB:CC:DD:EE:0F"), "192.168.0.7");
-  EXPECT_EQ(parse_arp_table(table, "aa:bb:cc:00:00:01"), "192.168.0.8");
-  EXPECT_EQ(parse_arp_table(table, "aa:bb:cc:00:00:02"), std::nullopt);
-  EXPECT_EQ(parse_arp_table(table, "$(x)"), std::nullopt);
+// Duplicates.
+
+TEST(ParseTopology, PrefersAnAgentsStationToTheSameOneOfTheController) {
+  const std::string station = "0C:00:00:00:00:01";
+  const TopologyInfo info =
+      parse(header(kRoot, "None") + "Legacy Devices:\nInterface eth0:\n" + station + "\nRadios:\n" +
+            header(kAgent, kRoot) + interfaces("1 WLAN2G x:1") + bridged(station + " 1 Remote"));
+  EXPECT_EQ(stations_of(info.devices[0]), "");
+  EXPECT_EQ(stations_of(info.devices[1]), "00:01 WLAN_MLO_24G 2; ");
+}
+
+TEST(ParseTopology, KeepsAStationBehindTheFirstOfTwoEquallyDeepAgents) {
+  const std::string tables = interfaces("1 WLAN2G x:1") + bridged("0C:00:00:00:00:01 1 Remote");
+  const TopologyInfo info =
+      parse(header(kRoot, "None") + header(kAgent, kRoot) + tables + header(kOtherAgent, kRoot) + tables);
+  EXPECT_EQ(stations_of(info.devices[1]), "00:01 WLAN_MLO_24G 2; ");
+  EXPECT_EQ(stations_of(info.devices[2]), "");
+}
+
+TEST(ParseTopology, TellsAWirelessBackhaulOfThreeBands) {
+  EXPECT_EQ(parse(fixture("wireless_backhaul")).devices[1].connectionType, "WLAN_MLO_24G_5G_6G");
 }
 
 }  // namespace
