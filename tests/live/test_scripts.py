@@ -3,6 +3,7 @@
 import json
 import os
 import re
+import signal
 import subprocess
 from pathlib import Path
 
@@ -55,6 +56,25 @@ def test_one_exchange_is_shown_in_full_with_its_plain_text():
     assert '{"lanIpv4Address": "192.168.2.1", "lanIpv4SubMask": "255.255.255.0", "globalIpProtectionEnable": 1}' in done.stdout
     assert '{"result": 0, "version": 1, "waitTime": 60}' in done.stdout
     assert len(re.findall(r"^eyJ[\w-]+(?:\.[\w-]*){4}$", done.stdout, re.M)) == 2  # the body, the answer
+
+
+@pytest.mark.parametrize("number, status", [(signal.SIGINT, 0), (signal.SIGTERM, 128 + signal.SIGTERM)])
+def test_a_router_serves_until_it_is_ended_and_leaves_nothing(number, status):
+    command = ["/usr/bin/python3", SOURCES / "simulator/simulator.py", "--build", os.environ["ROUTER_API_BUILD"], "--port", "0"]
+    with subprocess.Popen(command, stdout=subprocess.PIPE, text=True, start_new_session=True) as router:
+        shown = ""
+        while "Ctrl-C ends it." not in shown:
+            line = router.stdout.readline()
+            assert line, shown
+            shown += line
+        port = re.search(r"http://127\.0\.0\.1:(\d+)/", shown)[1]
+        files = Path(re.search(r"Its files: +(\S+)", shown)[1])
+        assert files.is_dir()
+        assert script("request", "--port", port, "GET", LAN).returncode == 0
+        router.send_signal(number)
+        assert router.wait(DEADLINE_S) == status
+    assert not files.exists()
+    assert script("request", "--port", port, "GET", LAN).returncode == 2
 
 
 def test_a_request_prints_its_answer_and_tells_its_result_by_its_status(live):
