@@ -49,6 +49,14 @@ def test_a_second_setup_finds_nothing_to_do():
     assert (done.returncode, done.stdout, done.stderr) == (0, "", "")
 
 
+def test_a_plain_cmake_builds_the_program_and_the_uci_command(tmp_path):
+    plain = {name: value for name, value in os.environ.items() if name != "CMAKE_GENERATOR"}
+    done = subprocess.run(["cmake", "-S", SOURCES, "-B", tmp_path], capture_output=True, text=True, env=plain)
+    assert done.returncode == 0, done.stderr
+    targets = run("cmake", "--build", tmp_path, "--target", "help").stdout.split()
+    assert {"router-api", "uci"} <= set(targets)
+
+
 def test_one_exchange_is_shown_in_full_with_its_plain_text():
     done = simulate("--brand", "tesmir")
     assert done.returncode == 0, done.stderr
