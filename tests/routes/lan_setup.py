@@ -50,3 +50,17 @@ def wait_for_chain(router):
     """The calls of the reload chain; what ran before it is not in them."""
     commands = [str(call) for call in router.wait_for_call("msg_tool", "-r", "easymesh_over")]
     return commands[commands.index("sleep 2"):] if "sleep 2" in commands else commands
+
+
+def stored(router, *options):
+    return [router.option(f"network.lan.{option}") for option in options]
+
+
+def assert_refused(router, body, answer=UNUSABLE):
+    """Nothing was stored and nothing was started."""
+    before = router.read("/etc/config/network")
+    a = router.post(URI, body)
+    assert a.encrypted and a.text == answer
+    assert router.read("/etc/config/network") == before
+    assert not reloads(router)
+    assert router.calls("ubus") == []
