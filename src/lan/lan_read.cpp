@@ -42,14 +42,14 @@ void read_ipv6(LanSettings& settings, bool is_client) {
 }
 
 // 0 on success, 1 for a protocol that the LAN never has.
-int read_dhcp_client(LanSettings& settings, const std::string& op_mode) {
+int read_dhcp_client(LanSettings& settings, const std::string& op_mode, bool is_dhcp_server_on) {
   const std::string proto = uci_read_or("network", "lan", "proto", kNumberSize, "static");
   if (proto != "dhcp" && proto != "static") {
     log_error("Unkown value of\tnetwork.lan.proto by uci get api \n");
     return 1;
   }
   settings.dhcp_client = proto == "dhcp" ? 1 : 0;
-  if (op_mode == "re" && is_lan_dhcp_server_on()) settings.dhcp_client = 2;
+  if (op_mode == "re" && is_dhcp_server_on) settings.dhcp_client = 2;
   return 0;
 }
 
@@ -64,7 +64,7 @@ int is_ap_or_repeater_mode() {
 }
 
 void get_gateway_and_dns_by_uci(std::string& gateway, std::string& dns1, std::string& dns2) {
-  constexpr std::size_t kDnsSlot = 32;
+  constexpr std::size_t kDnsSlot = kIpv4TextSize - 1;  // an element that fills its slot has no terminator
   gateway = uci_read_or("network", "lan", "gateway", kIpv4TextSize, kAddressNotFound);
   const auto servers = uci_read_list("network", "lan", "dns", kDnsSlot, 2).value_or(std::vector<std::string>{});
   dns1 = element_or_none(servers, 0);
@@ -73,6 +73,7 @@ void get_gateway_and_dns_by_uci(std::string& gateway, std::string& dns1, std::st
 
 int cmd_get_lan_netowrk(LanSettings& settings) {
   const std::string op_mode = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "");
+  const bool is_dhcp_server_on = is_lan_dhcp_server_on();
   const std::optional<std::string> mac = uci_read("network", "@device[0]", "macaddr", kNumberSize);
   if (!mac) log_error("Fail to get network.lan.macaddr value by uci api\n");
   settings.mac_address = mac.value_or("");
@@ -84,7 +85,7 @@ int cmd_get_lan_netowrk(LanSettings& settings) {
   }
   settings.global_ip_protection = std::atoi(protection->c_str()) != 0 ? 1 : 0;
 
-  if (read_dhcp_client(settings, op_mode) != 0) return 1;
+  if (read_dhcp_client(settings, op_mode, is_dhcp_server_on) != 0) return 1;
 
   const std::optional<LanAddress> live = read_lan_address();
   if (!live) {

@@ -53,7 +53,7 @@ std::string header_mac(std::string_view line) {
   if (mark == std::string_view::npos) return {};
   line.remove_prefix(mark + std::string_view("device: ").size());
   const std::size_t comma = line.find(',');
-  return comma > kMacLength ? std::string() : std::string(line.substr(0, comma));  // also when there is none
+  return comma > kMacLength ? std::string() : std::string(line.substr(0, comma));  // none at all is npos
 }
 
 std::optional<std::size_t> LineNumbers::after(std::size_t line) const {

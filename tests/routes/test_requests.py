@@ -2,9 +2,11 @@
 
 import json
 import os
+import resource
 import socket
 
 import pytest
+from process_state import below, sockets
 
 from kit import HOSTILE, decrypt, encrypt, fastcgi
 
@@ -63,6 +65,26 @@ def test_a_claimed_length_reserves_nothing(router, length):
     a = router.fcgi(post_params(length), body)
     assert a.json == {"result": 1}
     assert router.calls("jose")[0].stdin == body.decode()
+
+
+def test_a_claim_that_memory_cannot_hold_is_refused_as_text(router):
+    router.get("/api/v1/nothing")
+    limit_memory(router.pid(), spare_bytes=1 << 30)
+    a = router.fcgi(post_params("2147483647"), b"x")
+    assert (a.header_lines, a.body) == (["Content-Type: text/plain"], b"Memory allocation error")
+    assert router.alive()
+
+
+def limit_memory(pid, spare_bytes):
+    size = int(open(f"/proc/{pid}/statm").read().split()[0]) * os.sysconf("SC_PAGE_SIZE")
+    resource.prlimit(pid, resource.RLIMIT_AS, (size + spare_bytes, resource.RLIM_INFINITY))
+
+
+@pytest.mark.parametrize("uri", ["/api/v1/system/firmware", "/api/v1/system/config/restore", "/api/v1/system/config/backup"])
+def test_an_upload_reaches_its_handler_undecrypted(router, uri):
+    a = router.post(uri, b"no ciphertext\0 and more", plain=True)
+    assert a.header_lines[0] == "Content-Type: application/json" and not a.encrypted
+    assert router.calls("jose") == []
 
 
 def test_a_body_longer_than_its_claim_is_cut(router):
@@ -162,11 +184,6 @@ def test_a_body_of_1_megabyte_is_decrypted_whole(router):
 
 # What outlives a request.
 
-def open_sockets(pid: int) -> list[str]:
-    links = [os.readlink(f"/proc/{pid}/fd/{fd}") for fd in os.listdir(f"/proc/{pid}/fd")]
-    return [link for link in links if link.startswith("socket:")]
-
-
 def test_a_child_holds_neither_the_connection_nor_the_listening_socket(router):
     # The stand-in hangs while the connection is open; what it holds is looked at from outside.
     router.tool("ifconfig", hang=True)
@@ -176,12 +193,11 @@ def test_a_child_holds_neither_the_connection_nor_the_listening_socket(router):
         connection.sendall(fastcgi.request({"REQUEST_METHOD": "GET", "REQUEST_URI": LAN}))
         router.wait_for_call("ifconfig", "br-lan")
         program = router.pid()
-        assert len(open_sockets(program)) >= 2  # the listening socket, the connection
-        children = [int(pid) for task in os.listdir(f"/proc/{program}/task")
-                    for pid in open(f"/proc/{program}/task/{task}/children").read().split()]
+        assert len(sockets(program)) >= 2  # the listening socket, the connection
+        children = below(program)
         assert children
         for child in children:
-            assert open_sockets(child) == []
+            assert sockets(child) == []
     router.kill()
 
 
@@ -189,3 +205,16 @@ def test_hostile_text_in_an_answer_is_json(router):
     router.tool("ifconfig", "br-lan", out="          inet addr:192.168.1.1  Bcast:1.1.1.1  Mask:%n\"\\\n")
     a = router.get(LAN)
     assert json.loads(a.data)["lanIpv4SubMask"] == "%n\"\\"
+
+
+def test_a_plaintext_with_a_single_quote_reaches_jose_unchanged(router):
+    router.set("network.@device[0].macaddr", "Bob's")
+    a = router.get(LAN)
+    assert a.json["lanMacAddress"] == "Bob's"
+    assert router.calls("jose")[-1].stdin == a.text
+
+
+def test_a_program_whose_socket_is_gone_says_so_and_ends_well(router):
+    router.get("/api/v1/nothing")
+    assert router.stop() == 0
+    assert "FCGX_Accept_r: " in router.stderr()

@@ -1,9 +1,89 @@
-// The quoting of texts for a shell word. What `jose` is given is asked over FastCGI, with a recording one.
+// Texts through a `jose` of the test's own. What the program gives it is asked over FastCGI, with a recording one.
 #include "encrypted_body.h"
 
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <sys/stat.h>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "captured_log.h"
+#include "platform/file.h"
+
 namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Jose : public ::testing::Test {
+ protected:
+  void SetUp() override { std::filesystem::create_directories(folder_); }
+  void TearDown() override {
+    std::filesystem::remove_all(folder_);
+    setenv("PATH", path_.c_str(), 1);
+  }
+  void provide(const std::string& script) {
+    const std::string file = folder_ + "/jose";
+    ASSERT_TRUE(platform::write_file(file.c_str(), "#!/bin/sh\n" + script));
+    chmod(file.c_str(), 0755);
+    setenv("PATH", (folder_ + ":" + path_).c_str(), 1);
+  }
+  static std::string encrypt(const std::string& text) { return encrypt_content_api(text.c_str()).value_or("(none)"); }
+  static std::string decrypt(const std::string& text) {
+    return decrypt_content_api(text.c_str(), text.size()).value_or("(none)");
+  }
+  std::string folder_ = "/tmp/encrypted_body_test";
+  std::string path_ = getenv("PATH");
+  CapturedLog log_;
+};
+
+TEST_F(Jose, GetsATextWithASingleQuoteUnchanged) {
+  provide("cat\n");
+  for (const char* text : {"{\"ssid\": \"Bob's\"}", "'", "''", "';touch /tmp/x;'", "$(x) `y` \\ \" %s%n\n"}) {
+    EXPECT_EQ(encrypt(text), text);
+    EXPECT_EQ(decrypt(text), text);
+  }
+}
+
+TEST_F(Jose, EncryptsAnEmptyTextLikeAnyOther) {
+  provide("[ -z \"$(cat)\" ] && echo encrypted nothing\n");
+  EXPECT_EQ(encrypt(""), "encrypted nothing\n");
+}
+
+TEST_F(Jose, GivesTextsBackWholeWhateverTheirLength) {
+  provide("cat\n");
+  for (const std::size_t length : {1023U, 1024U, 4095U, 4096U, 5000U, 131072U, 3000000U}) {
+    const std::string text(length, 'x');
+    EXPECT_TRUE(encrypt(text) == text) << length;
+    EXPECT_TRUE(decrypt(text) == text) << length;
+  }
+  EXPECT_THAT(log_.texts(), IsEmpty());
+}
+
+TEST_F(Jose, ThatPrintsNothingYieldsNoneInsteadOfAnEmptyText) {
+  for (const char* script : {"exit 1\n", "exit 0\n", "cat >/dev/null\n", "kill -9 $$\n"}) {
+    provide(script);
+    EXPECT_EQ(encrypt("text"), "(none)") << script;
+    EXPECT_EQ(log_.texts().back(), "Failed to allocate memory for jwe_str.\n");
+    EXPECT_EQ(decrypt("text"), "(none)") << script;
+    EXPECT_EQ(log_.texts().back(), "Failed to allocate memory for plaintext_str.\n");
+  }
+}
+
+TEST_F(Jose, CountsByItsOutputAndNotByItsStatus) {
+  provide("printf partly; exit 3\n");
+  EXPECT_EQ(decrypt("text"), "partly");
+  EXPECT_THAT(log_.texts(), ElementsAre("jose printed 6 bytes and ended with status 3\n"));
+}
+
+TEST_F(Jose, IsNotAskedWithoutAText) {
+  EXPECT_FALSE(encrypt_content_api(nullptr));
+  EXPECT_THAT(log_.texts(), ElementsAre("Jwe encrypt_str is null!\n"));
+  EXPECT_FALSE(decrypt_content_api(nullptr, 0));
+  EXPECT_THAT(log_.texts(), ElementsAre("Jwe decrypt_str is null!\n"));
+}
 
 TEST(EscapeSingleQuotes, ReplacesEachQuoteByFourCharacters) {
   EXPECT_EQ(escape_single_quotes(""), "");
@@ -11,8 +91,5 @@ TEST(EscapeSingleQuotes, ReplacesEachQuoteByFourCharacters) {
   EXPECT_EQ(escape_single_quotes("Bob's"), R"(Bob'\''s)");
   EXPECT_EQ(escape_single_quotes("''"), R"('\'''\'')");
 }
-
-TEST(EncryptContentApi, FailsWithoutAText) { EXPECT_FALSE(encrypt_content_api(nullptr)); }
-TEST(DecryptContentApi, FailsWithoutAText) { EXPECT_FALSE(decrypt_content_api(nullptr, 0)); }
 
 }  // namespace

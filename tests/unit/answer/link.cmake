@@ -1,0 +1,2 @@
+# encrypted_body_test.cpp reads the log (captured_log.h).
+target_link_options(unit_answer PRIVATE "LINKER:--wrap=syslog,--wrap=__syslog_chk")

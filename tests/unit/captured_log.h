@@ -1,0 +1,76 @@
+// What the code under test logs. One source of a test program includes this; the program's folder has a link.cmake with
+// the option --wrap for syslog and __syslog_chk.
+#pragma once
+
+#include <array>
+#include <cstdarg>
+#include <cstdio>
+#include <ostream>
+#include <string>
+#include <syslog.h>
+#include <utility>
+#include <vector>
+
+struct LogEntry {
+  int priority;
+  std::string text;  // what stands behind "[FcgiApp][function]:[line] "
+  bool operator==(const LogEntry&) const = default;
+};
+
+inline void PrintTo(const LogEntry& entry, std::ostream* out) { *out << entry.priority << ' ' << entry.text; }
+
+// Keeps the entries from its making to its end; one at a time. Every entry goes to the system's log all the same.
+class CapturedLog {
+ public:
+  CapturedLog() { current() = this; }
+  CapturedLog(const CapturedLog&) = delete;
+  CapturedLog& operator=(const CapturedLog&) = delete;
+  ~CapturedLog() { current() = nullptr; }
+
+  // The texts since the last call, in their order.
+  std::vector<std::string> texts() {
+    std::vector<std::string> taken;
+    for (LogEntry& entry : entries()) taken.push_back(std::move(entry.text));
+    return taken;
+  }
+  std::vector<LogEntry> entries() { return std::exchange(entries_, {}); }
+
+  [[gnu::format(printf, 2, 0)]] static void keep(int priority, const char* format, va_list arguments) {
+    if (current() == nullptr) return;
+    std::array<char, 4096> buffer{};
+    std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
+    const std::string line = buffer.data();
+    const std::size_t head = line.find("] ");
+    current()->entries_.push_back({priority, line.substr(head == std::string::npos ? 0 : head + 2)});
+  }
+
+ private:
+  static CapturedLog*& current() {
+    static CapturedLog* log = nullptr;
+    return log;
+  }
+  std::vector<LogEntry> entries_;
+};
+
+extern "C" {
+[[gnu::format(printf, 2, 3)]] void __wrap_syslog(int priority, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  va_list kept;
+  va_copy(kept, arguments);
+  CapturedLog::keep(priority, format, kept);
+  va_end(kept);
+  vsyslog(priority, format, arguments);
+  va_end(arguments);
+}
+[[gnu::format(printf, 3, 4)]] void __wrap___syslog_chk(int priority, int /*flag*/, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  va_list kept;
+  va_copy(kept, arguments);
+  CapturedLog::keep(priority, format, kept);
+  va_end(kept);
+  vsyslog(priority, format, arguments);
+  va_end(arguments);
+}
+}

@@ -1,0 +1,2 @@
+# messages_test.cpp reads the log (captured_log.h).
+target_link_options(unit_platform PRIVATE "LINKER:--wrap=syslog,--wrap=__syslog_chk")
