@@ -1,7 +1,11 @@
 // Addresses out of the ARP table.
+#include <cstdlib>
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "mesh/topology.h"
+#include "platform/file.h"
 
 namespace {
 
@@ -23,6 +27,22 @@ TEST(ParseArpTable, IsSafeOnAnyText) {
   for (const char* table : {"", "\n", "x", "x\n", "  x  \n", "x ()\n", "\nx\t(\n"})
     EXPECT_EQ(parse_arp_table(table, "x"), std::nullopt) << table;
   EXPECT_EQ(parse_arp_table("a b c\n", ""), std::nullopt);
+}
+
+TEST(ArpLookupIp, AsksTheTool) {
+  std::string ip = "before";
+  EXPECT_EQ(arp_lookup_ip("aa:bb:cc:dd:ee:0f", ip), 1) << "there is no such tool here";
+  std::filesystem::create_directories("/tmp/bin");
+  ASSERT_TRUE(
+      platform::write_file("/tmp/bin/arp", "#!/bin/sh\necho \"? (192.168.0.7) at AA:BB:CC:DD:EE:0F $*\"\n", 0755));
+  const std::string path = std::getenv("PATH");
+  setenv("PATH", ("/tmp/bin:" + path).c_str(), 1);
+  EXPECT_EQ(arp_lookup_ip("00:00:00:00:00:01", ip), 1);
+  EXPECT_EQ(ip, "before");
+  EXPECT_EQ(arp_lookup_ip("aa:bb:cc:dd:ee:0f", ip), 0);
+  EXPECT_EQ(ip, "192.168.0.7");
+  EXPECT_EQ(arp_lookup_ip("-a", ip), 0) << "all entries are asked for";
+  setenv("PATH", path.c_str(), 1);
 }
 
 }  // namespace

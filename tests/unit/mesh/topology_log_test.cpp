@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "mesh/client_sources.h"
 #include "mesh/star.h"
 #include "platform/file.h"
 
@@ -40,6 +41,14 @@ TEST_F(TopologyLog, IsEmptiedWhenItIsOver15Kilobytes) {
   ASSERT_TRUE(platform::write_file(kPath, std::string(16000, 'o')));
   topo_log("again\n");
   EXPECT_EQ(content(), "again\n");
+}
+
+TEST_F(TopologyLog, OfNoAgentsViewIsAMessageOnTheConsole) {
+  ASSERT_TRUE(platform::write_file("/dev/console", ""));
+  print_agent_topology(nullptr);
+  EXPECT_EQ(platform::read_file("/dev/console"), "AgentTopo is NULL\n");
+  EXPECT_EQ(content(), "(none)");
+  std::filesystem::remove("/dev/console");
 }
 
 TEST_F(TopologyLog, ShowsTheTree) {
