@@ -33,18 +33,26 @@ def sent_back(router, uri):
     return {key: pair for key, pair in changed.items() if pair[0] is not None}, answer
 
 
-def settle(router, role):
-    """What a router that runs has: an MLD has the name of the access points it carries, an agent what its controller
-    decides. Keys differ where they may, so that one in the wrong place shows."""
-    for section in router.package("wireless"):
-        if section.type == "wifi-iface":
-            router.set(f"wireless.{section.name}.ssid", "One name")
-            router.set(f"wireless.{section.name}.key", f"key of {section.name}")
-        if section.type == "wifi-mld":
-            router.set(f"wireless.{section.name}.mld_ssid", "One name")
+def settle(router, brand, role):
+    """What a router that runs has: an MLD has the name of the access points it carries, the mesh knows the keys, an agent
+    does what its controller decides. Keys differ where they may, so that one in the wrong place shows."""
+    for package in ("wireless", "wireless_for_easymesh"):
+        for section in router.package(package):
+            if section.type == "wifi-iface":
+                router.set(f"{package}.{section.name}.ssid", "One name")
+                key = "key of the MLO network" if section.name in MLO_LINKS else f"key of {section.name}"
+                router.set(f"{package}.{section.name}.key", key)
+            if section.type == "wifi-mld":
+                router.set(f"{package}.{section.name}.mld_ssid", "One name")
+    router.set("button_mesh.easymesh.Key5G", "key of ath1")
+    router.set("button_mesh.easymesh.Key6G", "key of ath2")
+    router.set("button_mesh.easymesh.mlo_key", "key of the MLO network")
+    router.set("repacd.MAPConfig.FronthaulSSID", "One name")
+    router.set("repacd.MAPConfig.FronthaulKey", "key of ath1" if brand == 1 else "key of ath0")
     if role == 2:
         router.set("lbd.config.Enable", 1)
-        for address in (*(f"wireless.{ifname}.key" for ifname in MAINS), *BACKHAUL_KEYS):
+        for address in (*(f"wireless.{ifname}.key" for ifname in MAINS), *BACKHAUL_KEYS, "button_mesh.easymesh.Key5G",
+                        "button_mesh.easymesh.Key6G"):
             router.set(address, "one key for all")
 
 
@@ -55,7 +63,7 @@ def test_no_value_changes(brand, role, mode):
         try:
             mesh(router, role, mode, brand, onboarded=(mode + index) % 2)
             router.set("system.@system[0].op_mode", op_mode)
-            settle(router, role)
+            settle(router, brand, role)
             is_guessed = mode == UNKNOWN_MODE and op_mode != "re"
             expected = {"button_mesh.easymesh.mode": ("3", "2")} if is_guessed else {}
             if is_guessed and role != 0:  # which is a change of the mesh
@@ -78,10 +86,10 @@ def test_no_value_changes(brand, role, mode):
 @pytest.mark.parametrize("brand,role", list(itertools.product(range(3), (0, 1))))
 def test_an_mlo_network_keeps_its_values(router, brand, role, mlo, links):
     mesh(router, role, brand=brand)
-    settle(router, role)
+    settle(router, brand, role)
     for ifname, is_on in zip(MLO_LINKS, links):
         router.set(f"wireless.{ifname}.disabled", 1 - int(is_on))
-        router.set(f"wireless.{ifname}.key", "key of the MLO network")
+        router.set(f"wireless_for_easymesh.{ifname}.disabled", 1 - int(is_on))
     changed, _ = sent_back(router, SETTING)
     assert changed == {}
 
@@ -125,7 +133,7 @@ def test_an_automatic_channel_becomes_zero(router):
 @pytest.mark.parametrize("role", [0, 2])
 def test_channels_that_an_uplink_decides_become_the_configured_ones(router, role):
     mesh(router, role, onboarded=1)
-    settle(router, role)
+    settle(router, 0, role)
     router.set("system.@system[0].op_mode", "re")
     router.set("repeater.repeater_band.status", "success")
     router.tool("iw", out="\tchannel 11 (2462 MHz), width: 20 MHz, center1: 2462 MHz\n")
@@ -173,7 +181,7 @@ def test_other_spellings_become_the_usual_ones(router):
 
 def test_mixed_security_of_the_6_ghz_network_becomes_wpa3_in_a_mesh(router):
     mesh(router, 1)
-    settle(router, 1)
+    settle(router, 0, 1)
     router.set("wireless.ath2.encryption", "psk2+ccmp")
     router.set("wireless.ath2.sae", 1)
     changed, _ = sent_back(router, SETTING)
