@@ -91,6 +91,10 @@ def test_the_mac_filter_is_filled_and_switched(live, brand, mode):
 
 def test_a_description_of_a_megabyte_goes_through(live):
     router = live()
+    for section in ("ath1", "ath2", "ath01", "ath11", "ath21", "ath04", "ath14", "ath24", "ath05", "ath15", "ath25", "ath02",
+                    "ath12"):  # two interfaces are enough
+        router.run("uci", "delete", f"macfilter.{section}")
+    router.run("uci", "commit", "macfilter")
     table = [{"description": "'\"\\$(reboot)\n日" * 60000, "macAddress": "00:11:22:33:44:55", "enableTime": 0, "remainTime": 0}]
     assert router.post(FILTER, {"macFilterTable": table}).json["waitTime"] == 100
     assert router.get(FILTER).json["macFilterTable"] == table
