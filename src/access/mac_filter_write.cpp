@@ -30,6 +30,17 @@ int delete_list(const char* ifname, const char* list) {
   return run_uci("delete", list_address(ifname, list)) ? 0 : 1;
 }
 
+// Whether the interface took the description. One that is too long for an argument goes to the same place without one.
+bool add_name(const char* ifname, const std::string& description) {
+  const std::string address = list_address(ifname, "namelist=") + description;
+  if (address.size() > platform::argument_max()) {
+    return uci_stage_list_element("macfilter", ifname, "namelist", description) == 0;
+  }
+  int exit_status = -1;
+  run_uci("add_list", address, &exit_status);
+  return exit_status == 0;
+}
+
 int set_wps(const char* ifname, const char* state, const char* pbc) {
   if (UciSetOption(nullptr, "wireless", ifname, "wps_state", state) == 0 &&
       UciSetOption(nullptr, "wireless", ifname, "wps_pbc", pbc) == 0) {
@@ -120,9 +131,7 @@ int set_namelist_policy(const char* description) {
   }
   bool is_taken = false;
   for (const char* ifname : mac_filter::filtered_interfaces(mac_filter::is_mesh_on())) {
-    int exit_status = -1;
-    run_uci("add_list", list_address(ifname, "namelist=") + description, &exit_status);
-    is_taken = is_taken || exit_status == 0;
+    is_taken = add_name(ifname, description) || is_taken;
   }
   os_system(kCommit);
   return is_taken ? 0 : 1;

@@ -172,6 +172,19 @@ unsigned int UciAddList(const char* confdir, const char* package, const char* se
   return kSuccess;
 }
 
+unsigned int uci_stage_list_element(const char* package, const char* section, const char* option,
+                                    const std::string& value) {
+  OPEN_CONTEXT(nullptr)
+  Address address({package, section, option});
+  address.text += '=' + value;
+  LOOK_UP(address)
+  if (uci_add_list(context.get(), &found) != UCI_OK || uci_save(context.get(), found.p) != UCI_OK) {
+    log_error("uci_add_list %s failed.", address.shown.c_str());
+    return kFailure;
+  }
+  return kSuccess;
+}
+
 unsigned int UciDelList(const char* confdir, const char* package, const char* section, const char* option,
                         const char* value) {
   OPEN_CONTEXT(confdir)

@@ -1,5 +1,6 @@
 """Detail settings, WPS, agent settings and MAC filter of a simulated router, through the web server with the real jose."""
 
+import itertools
 import time
 
 import pytest
@@ -11,6 +12,11 @@ FILTER = "/api/v1/wireless/mac-filter"
 AGENT = "/api/v1/mesh/agent-wificlient-info"
 SETTING = "/api/v1/wireless/setting"
 
+BRANDS = ["orvane", "tesmir"]
+IN_A_MESH = ("controller", "agent")
+EVERY_ROUTER = pytest.mark.parametrize(
+    "brand,mode", list(itertools.product(BRANDS, ("router", "re", *IN_A_MESH))))
+
 
 def until(condition):
     end = time.monotonic() + 20
@@ -19,15 +25,15 @@ def until(condition):
         time.sleep(0.05)
 
 
-@pytest.mark.parametrize("brand,mode,wait", [
-    ("orvane", "router", 50), ("tesmir", "re", 50), ("orvane", "controller", 100), ("tesmir", "agent", 100)])
-def test_detail_settings_are_read_and_posted_back(live, brand, mode, wait):
+@EVERY_ROUTER
+def test_detail_settings_are_read_and_posted_back(live, brand, mode):
     router = live(brand=brand, mode=mode)
     before = router.get(DETAIL).json
     assert before["result"] == 0 and len(before) == 20
     assert router.post(DETAIL, {**before, "bandSteeringEnable": 0}).text == \
-        '{"result": 0, "version": 1, "waitTime": %d}' % wait
+        '{"result": 0, "version": 1, "waitTime": %d}' % (100 if mode in IN_A_MESH else 50)
     assert router.get(DETAIL).json == before
+    assert router.post(DETAIL, {**before, "power2G": 80}).text == '{"result": 1}'
 
 
 def test_a_changed_width_and_power_show_once_wifi_has_reloaded(live):
@@ -53,31 +59,68 @@ def test_band_steering_gives_all_bands_one_name_and_back(live):
         slot["ssidValue"] for slot in settings["wirelessConfig"]]
 
 
-def test_wps_is_switched_and_pushed(live):
-    router = live(brand="orvane", mode="router")
+@EVERY_ROUTER
+def test_wps_is_switched_and_pushed(live, brand, mode):
+    router = live(brand=brand, mode=mode)
     assert router.get(STATUS).json == {"result": 0, "version": 1, "status": 1}
     assert router.post(PUSH, None).json["waitTime"] == 20
     until(lambda: "/usr/sbin/wps_web.sh" in router.calls())
     assert router.post(STATUS, {"status": 0}).json["waitTime"] == 20
-    assert router.get(STATUS).json["status"] == router.get(DETAIL).json["wpsEnable"] == 0
+    assert router.get(STATUS).json["status"] == 0
+    assert router.get(DETAIL).json["wpsEnable"] == (1 if mode == "agent" else 0)  # an agent shows its controller's
     assert router.post(PUSH, None).text == '{"result": 1}'
     assert router.post(STATUS, None).text == '{"result": 1}'
 
 
-@pytest.mark.parametrize("mode", ["router", "controller"])
-def test_the_mac_filter_is_filled_and_switched(live, mode):
-    router = live(brand="orvane", mode=mode)
+@EVERY_ROUTER
+def test_the_mac_filter_is_filled_and_switched(live, brand, mode):
+    router = live(brand=brand, mode=mode)
     table = [{"description": text, "macAddress": f"00:00:00:00:00:{i:02}", "enableTime": 0, "remainTime": 0}
              for i, text in enumerate(("Bob's phone", "日本語 \"quoted\"\nlines", "$(reboot); `reboot`"))]
     assert router.post(FILTER, {"macFilterStatus": 1, "macFilterTable": table}).json["waitTime"] == 100
     shown = router.get(FILTER).json
     assert shown == {"result": 0, "version": 1, "macFilterStatus": 1, "numOfmacFilterTable": 3, "max": 60,
                      "macFilterTable": table}
+    assert router.option("macfilter.ath0.macfilter") == ("deny" if mode in IN_A_MESH else "allow")
     assert router.get(STATUS).json["status"] == 0
     assert router.post(FILTER, {**shown, "macFilterStatus": 0}).json["result"] == 0
     assert router.get(FILTER).json == {**shown, "macFilterStatus": 0}
     assert router.get(STATUS).json["status"] == 1
     assert router.post(FILTER, {"macFilterTable": "none"}).text == '{"result": 1}'
+
+
+def test_a_description_of_a_megabyte_goes_through(live):
+    router = live()
+    for section in ("ath1", "ath2", "ath01", "ath11", "ath21", "ath04", "ath14", "ath24", "ath05", "ath15", "ath25", "ath02",
+                    "ath12"):  # two interfaces are enough
+        router.run("uci", "delete", f"macfilter.{section}")
+    router.run("uci", "commit", "macfilter")
+    table = [{"description": "'\"\\$(reboot)\n日" * 60000, "macAddress": "00:11:22:33:44:55", "enableTime": 0, "remainTime": 0}]
+    assert router.post(FILTER, {"macFilterTable": table}).json["waitTime"] == 100
+    assert router.get(FILTER).json["macFilterTable"] == table
+
+
+def agent_request(router, **members):
+    """The settings of a set-up that changes nothing, with these members in place."""
+    return {"mesh": int(router.option("button_mesh.easymesh.enable")), "frequency": 5,
+            "multiLinkOperationEnable": int(router.option("button_mesh.easymesh.mode")), "ieee802dot11r": 0,
+            "multiRuEnable": int(router.option("wireless.wifi1.dfs_puncture_en")), "location": 9,
+            "locationCustom": "Bob's attic", "ledStatus": 1, "compatiMode": 0,
+            "compatiWiFi6Mode": int(router.option("button_mesh.easymesh.compatiWiFi6Mode")), **members}
+
+
+@EVERY_ROUTER
+def test_a_units_set_up_changes_multi_ru_and_the_mesh(live, brand, mode):
+    router = live(brand=brand, mode=mode)
+    assert router.post(AGENT, agent_request(router)).json["waitTime"] == 20
+    assert router.post(AGENT, agent_request(router, multiRuEnable=1)).json["waitTime"] == 120
+    assert router.get(DETAIL).json["multiRuEnable"] == 1
+    assert router.option("devicecustom.info.locationCustom") == "Bob's attic"
+    was_on = mode in IN_A_MESH
+    assert router.post(AGENT, agent_request(router, mesh=int(not was_on))).json["waitTime"] == (
+        120 if was_on else 130 if brand == "orvane" else 150)
+    until(lambda: router.get(SETTING).json["mesh"] == int(not was_on))
+    assert router.post(AGENT, {"mesh": 1}).text == '{"result": 1}'
 
 
 @pytest.mark.parametrize("brand,wait", [("orvane", 130), ("tesmir", 150)])

@@ -84,6 +84,22 @@ def test_the_mesh_is_switched_on_changed_and_off(live, brand, wait):
     until(lambda: router.get(SETTING).json["mesh"] == 0)
 
 
+@pytest.mark.parametrize("mode", ["router", "re", "controller", "agent"])
+@pytest.mark.parametrize("brand", ["orvane", "tesmir"])
+def test_the_channels_of_every_router(live, brand, mode):
+    router = live(brand=brand, mode=mode)
+    bands = router.get("/api/v1/wireless/channel").json["wirelessChannel"]
+    assert [band["band"] for band in bands] == [1, 2, 3]
+    assert [band["currentChannel"] for band in bands] == [6, 36, 37]
+    operates_as_told = mode in ("re", "agent")  # an uplink decides the channels
+    assert [band["setChannel"] for band in bands] == ([6, 36, 37] if operates_as_told else [0, 0, 0])
+    uplink = router.get("/api/v1/repeater/channel").json
+    assert uplink["result"] == 0
+    assert [uplink[f"current{band}gChannel"] for band in (2, 5, 6)] == [6, 36, 37]
+    assert [uplink[f"current{band}gChannelWidth"] for band in (2, 5, 6)] == [
+        band["currentChannelWidth"] for band in bands]
+
+
 def test_the_channels_of_a_repeater_and_of_an_agent(live):
     repeater = live(brand="orvane", mode="re").get("/api/v1/repeater/channel").json
     assert repeater == {"result": 0, "version": 1, "connectBand": 2, "current2gChannel": 6, "current5gChannel": 36,
