@@ -1,8 +1,7 @@
 // GET /api/v1/router/client-list: every device on the router's LAN.
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <string>
 
 #include "answer/answer.h"
 #include "handlers.h"
@@ -68,9 +67,7 @@ json::JsonPtr satellite_entry(const ClientRecord& row) {
 
 // "easyMesh01" to "easyMesh09", "easyMesh10" to "easyMesh16".
 std::string satellite_key(int number) {
-  std::array<char, 16> key{};
-  std::snprintf(key.data(), key.size(), "easyMesh%02d", number + 1);
-  return key.data();
+  return (number < 9 ? "easyMesh0" : "easyMesh") + std::to_string(number + 1);
 }
 
 void add_satellites(json_object* root, const ClientTable& clients) {
