@@ -6,7 +6,7 @@ from pathlib import Path
 
 import pytest
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "simulator"))
+sys.path[:0] = [str(Path(__file__).parent), str(Path(__file__).resolve().parents[2] / "simulator")]
 
 import simulator  # noqa: E402
 

@@ -2,24 +2,16 @@
 
 import json
 import re
-import time
 from pathlib import Path
 
 import pytest
+
+from waits import wait_for_calls
 
 DOCS = Path(__file__).resolve().parents[2] / "docs" / "api"
 API = "/api/v1/"
 BRANDS = pytest.mark.parametrize("brand", ["orvane", "tesmir"])
 HOSTILE = "Bob's \"x\"; $(touch /tmp/pwned) `touch /tmp/pwned` %n\n日本"
-DEADLINE_S = 20.0
-
-
-def wait_for_calls(router, *expected):
-    """Waits until each of these calls was made: what runs in the background may come after the answer."""
-    end = time.monotonic() + DEADLINE_S
-    while not set(expected) <= set(router.calls()):
-        assert time.monotonic() < end, router.calls()
-        time.sleep(0.02)
 
 
 def ask(router, method, uri, body=None):

@@ -3,17 +3,17 @@
 import json
 import os
 import re
-import time
 from pathlib import Path
 
 import pytest
+
+from waits import wait_for, wait_until
 
 CONNECT = "/api/v1/repeater/connect"
 RESULT = "/api/v1/repeater/wifiresult"
 SURVEY = "/api/v1/wireless/sitesurvey"
 OK = {"result": 0, "version": 1, "waitTime": 80}
 KEY = "upstream-key-1234"
-DEADLINE_S = 60.0
 
 LOST = "hostapd_cli -i mld6 -p /var/run/hostapd-wifi2 disable"
 RETURNED = "ifconfig br-lan up"
@@ -23,17 +23,6 @@ RETURNED = "ifconfig br-lan up"
 def repeater(live):
     """A repeater whose program's waits pass at once, as those of its monitor would take minutes."""
     return live(mode="re", uplink="good", fast_time=os.environ["FAST_TIME_LIB"])
-
-
-def wait_until(condition, what):
-    end = time.monotonic() + DEADLINE_S
-    while not condition():
-        assert time.monotonic() < end, f"{what}: not in time"
-        time.sleep(0.05)
-
-
-def wait_for(router, command, times=1):
-    wait_until(lambda: router.calls().count(command) >= times, command)
 
 
 def upstream(router, state):

@@ -1,13 +1,11 @@
 """The simulated router's root: what a program finds in it."""
 
 import re
-import time
 from pathlib import Path
 
 import pytest
 import sandbox
-
-DEADLINE_S = 20.0
+from waits import wait_until
 
 PACKAGES = """
     bandsteering button_mesh dhcp ecm firewall fsecure hota lbd macfilter mia network portmapping repacd repeater rpcd
@@ -40,10 +38,7 @@ def test_what_the_program_logs_lands_in_the_routers_log(live):
     router = live()
     router.post("/api/v1/lan", "no json")
     line = re.compile(r"\[FcgiApp\]\[handle_set_lan_network\]:\[\d+\] can't parse data to json format\.\n")
-    end = time.monotonic() + DEADLINE_S
-    while not line.search(router.root.read("/tmp/log/messages.log") or ""):
-        assert time.monotonic() < end, "not in time"
-        time.sleep(0.05)
+    wait_until(lambda: line.search(router.root.read("/tmp/log/messages.log") or ""))
 
 
 def test_the_platforms_tools_answer_and_keep_their_calls(live):

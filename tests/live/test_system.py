@@ -1,20 +1,13 @@
 """System and maintenance through the web server with the real jose, passwd, crontab, tar and md5sum."""
 
 import crypt
-import time
 
 import pytest
 
-DEADLINE_S = 20.0
+from waits import wait_until
+
 BACKUP = "/api/v1/system/config/backup"
 RESTORE = "/api/v1/system/config/restore"
-
-
-def wait_until(condition):
-    end = time.monotonic() + DEADLINE_S
-    while not condition():
-        assert time.monotonic() < end, "not in time"
-        time.sleep(0.05)
 
 
 @pytest.mark.parametrize("brand, product", [("orvane", "0221"), ("tesmir", "0121")])

@@ -11,6 +11,7 @@ import pytest
 
 import client
 import sandbox
+from waits import wait_for, wait_until
 
 INFO = "/api/v1/router/wan-info"
 FIRST = "/api/v1/system/config/waninit"
@@ -24,22 +25,10 @@ NAMES = ("DHCP", "STATIC", "PPPOE", "MAP-E", "DS-Lite", "IPIP6", "STDPROV", "AP"
 LINES = ("dhcp", "static", "pppoe", "map-e", "ds-lite", "ipip6", "map-e", "ap")
 BRANDS = ("orvane", "tesmir")
 LAN = {"orvane": "192.168.0.1", "tesmir": "192.168.2.1"}
-DEADLINE_S = 60.0
 NODES = [f"/sys/kernel/debug/ecm/{node}" for node in ("front_end_ipv4_stop", "front_end_ipv6_stop", "ecm_db/defunct_all")]
 RELOAD = "/etc/init.d/network reload"
 FINISHED = "logger -t LAN_INFO lan reload completely finished"
 HOSTILE = ["Bob's", "$(touch /tmp/pwned)", "a\";touch /tmp/pwned;'", "a\\b\nc %s%n", "日本語 🛜", "`id`|x,<y>^"]
-
-
-def wait_until(condition, what):
-    end = time.monotonic() + DEADLINE_S
-    while not condition():
-        assert time.monotonic() < end, f"{what}: not in time"
-        time.sleep(0.05)
-
-
-def wait_for(router, command, times=1):
-    wait_until(lambda: router.calls().count(command) >= times, command)
 
 
 def request(method, **changes):

@@ -6,16 +6,9 @@ import socket
 import time
 
 import client
+from waits import wait_until
 
 LAN = "/api/v1/lan"
-DEADLINE_S = 20.0
-
-
-def wait_until(condition):
-    end = time.monotonic() + DEADLINE_S
-    while not condition():
-        assert time.monotonic() < end, "not in time"
-        time.sleep(0.05)
 
 
 def test_an_answer_is_encrypted_json(live):

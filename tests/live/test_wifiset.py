@@ -1,9 +1,10 @@
 """Detail settings, WPS, agent settings and MAC filter of a simulated router, through the web server with the real jose."""
 
 import itertools
-import time
 
 import pytest
+
+from waits import wait_until
 
 DETAIL = "/api/v1/wireless/detail-setting"
 STATUS = "/api/v1/wireless/wps-status"
@@ -16,13 +17,6 @@ BRANDS = ["orvane", "tesmir"]
 IN_A_MESH = ("controller", "agent")
 EVERY_ROUTER = pytest.mark.parametrize(
     "brand,mode", list(itertools.product(BRANDS, ("router", "re", *IN_A_MESH))))
-
-
-def until(condition):
-    end = time.monotonic() + 20
-    while not condition():
-        assert time.monotonic() < end, "did not come true"
-        time.sleep(0.05)
 
 
 @EVERY_ROUTER
@@ -40,7 +34,7 @@ def test_a_changed_width_and_power_show_once_wifi_has_reloaded(live):
     router = live(brand="tesmir", mode="router")
     document = {**router.get(DETAIL).json, "bandWidth5G": 2, "power5G": 50, "beaconInterval": 40}
     assert router.post(DETAIL, document).json["waitTime"] == 50
-    until(lambda: router.get("/api/v1/wireless/channel").json["wirelessChannel"][1]["currentChannelWidth"] == 4)
+    wait_until(lambda: router.get("/api/v1/wireless/channel").json["wirelessChannel"][1]["currentChannelWidth"] == 4)
     assert router.get(DETAIL).json == {**document, "beaconInterval": 100}
     assert router.post(DETAIL, {**document, "power5G": 80}).text == '{"result": 1}'
 
@@ -64,7 +58,7 @@ def test_wps_is_switched_and_pushed(live, brand, mode):
     router = live(brand=brand, mode=mode)
     assert router.get(STATUS).json == {"result": 0, "version": 1, "status": 1}
     assert router.post(PUSH, None).json["waitTime"] == 20
-    until(lambda: "/usr/sbin/wps_web.sh" in router.calls())
+    wait_until(lambda: "/usr/sbin/wps_web.sh" in router.calls())
     assert router.post(STATUS, {"status": 0}).json["waitTime"] == 20
     assert router.get(STATUS).json["status"] == 0
     assert router.get(DETAIL).json["wpsEnable"] == (1 if mode == "agent" else 0)  # an agent shows its controller's
@@ -119,7 +113,7 @@ def test_a_units_set_up_changes_multi_ru_and_the_mesh(live, brand, mode):
     was_on = mode in IN_A_MESH
     assert router.post(AGENT, agent_request(router, mesh=int(not was_on))).json["waitTime"] == (
         120 if was_on else 130 if brand == "orvane" else 150)
-    until(lambda: router.get(SETTING).json["mesh"] == int(not was_on))
+    wait_until(lambda: router.get(SETTING).json["mesh"] == int(not was_on))
     assert router.post(AGENT, {"mesh": 1}).text == '{"result": 1}'
 
 
@@ -129,14 +123,14 @@ def test_an_agent_joins_changes_and_leaves_its_mesh(live, brand, wait):
     request = {"mesh": 1, "frequency": 5, "multiLinkOperationEnable": 1, "ieee802dot11r": 1, "multiRuEnable": 0,
                "location": 9, "locationCustom": "Bob's attic", "ledStatus": 1, "compatiMode": 0, "compatiWiFi6Mode": 0}
     assert router.post(AGENT, request).json["waitTime"] == wait
-    until(lambda: router.get(SETTING).json["mesh"] == 1)
+    wait_until(lambda: router.get(SETTING).json["mesh"] == 1)
     assert router.option("devicecustom.info.locationCustom") == "Bob's attic"
     assert router.post(AGENT, request).json["waitTime"] == 20
     assert router.post(AGENT, {**request, "multiLinkOperationEnable": 2}).json["waitTime"] == 150
-    until(lambda: router.option("button_mesh.easymesh.mode_change") == "0")
+    wait_until(lambda: router.option("button_mesh.easymesh.mode_change") == "0")
     assert router.option("button_mesh.easymesh.mode") == "2"
     assert router.post(AGENT, {**request, "multiLinkOperationEnable": 2, "multiRuEnable": 1}).json["waitTime"] == 120
     assert router.get(DETAIL).json["multiRuEnable"] == 1
     assert router.post(AGENT, {**request, "mesh": 0}).json["waitTime"] == 120
-    until(lambda: router.get(SETTING).json["mesh"] == 0)
+    wait_until(lambda: router.get(SETTING).json["mesh"] == 0)
     assert router.post(AGENT, {"mesh": 1}).text == '{"result": 1}'

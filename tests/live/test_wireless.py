@@ -1,21 +1,15 @@
 """The wireless settings and channels of a simulated router, through the web server with the real jose."""
 
-import time
 
 import pytest
+
+from waits import wait_until
 
 SETTING = "/api/v1/wireless/setting"
 
 
 def slot(document, name):
     return next(s for s in document["wirelessConfig"] if s["ssidName"] == name)
-
-
-def until(condition):
-    end = time.monotonic() + 20
-    while not condition():
-        assert time.monotonic() < end, "did not come true"
-        time.sleep(0.05)
 
 
 @pytest.mark.parametrize("mode", ["router", "re", "controller", "agent"])
@@ -44,7 +38,7 @@ def test_a_change_shows_once_wifi_has_reloaded(live):
     slot(document, "MLO SSID")["ssidValue"] = "All bands"
     slot(document, "MLO SSID")["ssidPassword"] = "all the keys"
     assert router.post(SETTING, document).json["waitTime"] == 70
-    until(lambda: router.get("/api/v1/wireless/channel").json["wirelessChannel"][1]["currentChannel"] == 100)
+    wait_until(lambda: router.get("/api/v1/wireless/channel").json["wirelessChannel"][1]["currentChannel"] == 100)
     after = router.get(SETTING).json
     assert (after["set5GChannel"], after["mlo"]) == (100, 4)
     assert slot(after, "SSID1")["ssidValue"] == "Bob's \"café\" $(reboot) 日本"
@@ -60,7 +54,7 @@ def test_a_radio_that_is_switched_off(live):
     document = router.get(SETTING).json
     document["set6GChannel"] = -1
     router.post(SETTING, document)
-    until(lambda: slot(router.get(SETTING).json, "SSID7")["bssid"] == "00:90:FE:12:34:62")  # the radio's: no link
+    wait_until(lambda: slot(router.get(SETTING).json, "SSID7")["bssid"] == "00:90:FE:12:34:62")  # the radio's: no link
     band = router.get("/api/v1/wireless/channel").json["wirelessChannel"][2]
     assert (band["setChannel"], band["currentChannel"]) == (-1, -1)
     assert router.root.read("/sys/devices/platform/soc@0/soc@0:leds/leds/led_6g/brightness") == "0".ljust(8, "\0")
@@ -72,16 +66,16 @@ def test_the_mesh_is_switched_on_changed_and_off(live, brand, wait):
     document = router.get(SETTING).json
     document["mesh"] = 1
     assert router.post(SETTING, document).json["waitTime"] == wait
-    until(lambda: router.get(SETTING).json["mesh"] == 1)
+    wait_until(lambda: router.get(SETTING).json["mesh"] == 1)
     document = router.get(SETTING).json
     slot(document, "Mesh SSID")["band"] = "5GHz,6GHz"
     assert router.post(SETTING, document).json["waitTime"] == 230
-    until(lambda: slot(router.get(SETTING).json, "Mesh SSID")["band"] == "5GHz,6GHz")
-    until(lambda: router.option("button_mesh.easymesh.mode_change") == "0")
+    wait_until(lambda: slot(router.get(SETTING).json, "Mesh SSID")["band"] == "5GHz,6GHz")
+    wait_until(lambda: router.option("button_mesh.easymesh.mode_change") == "0")
     document = router.get(SETTING).json
     document["mesh"] = 0
     assert router.post(SETTING, document).json["waitTime"] == 180
-    until(lambda: router.get(SETTING).json["mesh"] == 0)
+    wait_until(lambda: router.get(SETTING).json["mesh"] == 0)
 
 
 @pytest.mark.parametrize("mode", ["router", "re", "controller", "agent"])

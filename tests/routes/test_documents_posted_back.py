@@ -4,7 +4,7 @@ import itertools
 
 import kit
 import pytest
-from routes.wireless_state import BRANDS, SETTING, changes, mesh, packages, slot
+from routes.wireless_state import SETTING, changes, mesh, packages, slot
 
 DETAIL = "/api/v1/wireless/detail-setting"
 WPS = "/api/v1/wireless/wps-status"

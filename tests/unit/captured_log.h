@@ -35,6 +35,16 @@ class CapturedLog {
   }
   std::vector<LogEntry> entries() { return std::exchange(entries_, {}); }
 
+  // Keeps the entry and writes it.
+  [[gnu::format(printf, 2, 0)]] static void pass_on(int priority, const char* format, va_list arguments) {
+    va_list kept;
+    va_copy(kept, arguments);
+    keep(priority, format, kept);
+    va_end(kept);
+    vsyslog(priority, format, arguments);
+  }
+
+ private:
   [[gnu::format(printf, 2, 0)]] static void keep(int priority, const char* format, va_list arguments) {
     if (current() == nullptr) return;
     std::array<char, 4096> buffer{};
@@ -43,8 +53,6 @@ class CapturedLog {
     const std::size_t head = line.find("] ");
     current()->entries_.push_back({priority, line.substr(head == std::string::npos ? 0 : head + 2)});
   }
-
- private:
   static CapturedLog*& current() {
     static CapturedLog* log = nullptr;
     return log;
@@ -56,21 +64,13 @@ extern "C" {
 [[gnu::format(printf, 2, 3)]] void __wrap_syslog(int priority, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  va_list kept;
-  va_copy(kept, arguments);
-  CapturedLog::keep(priority, format, kept);
-  va_end(kept);
-  vsyslog(priority, format, arguments);
+  CapturedLog::pass_on(priority, format, arguments);
   va_end(arguments);
 }
 [[gnu::format(printf, 3, 4)]] void __wrap___syslog_chk(int priority, int /*flag*/, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  va_list kept;
-  va_copy(kept, arguments);
-  CapturedLog::keep(priority, format, kept);
-  va_end(kept);
-  vsyslog(priority, format, arguments);
+  CapturedLog::pass_on(priority, format, arguments);
   va_end(arguments);
 }
 }
