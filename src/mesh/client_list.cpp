@@ -66,9 +66,7 @@ json::JsonPtr satellite_entry(const ClientRecord& row) {
 }
 
 // "easyMesh01" to "easyMesh09", "easyMesh10" to "easyMesh16".
-std::string satellite_key(int number) {
-  return (number < 9 ? "easyMesh0" : "easyMesh") + std::to_string(number + 1);
-}
+std::string satellite_key(int number) { return (number < 9 ? "easyMesh0" : "easyMesh") + std::to_string(number + 1); }
 
 void add_satellites(json_object* root, const ClientTable& clients) {
   for (int number = 0; number < kMostSatellites; ++number) {
