@@ -4,12 +4,24 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
 namespace platform {
+namespace {
+
+// Makes a rename outlast a power cut. The file stands either way, so a folder that cannot be synced is no failure.
+void sync_folder_of(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  const UniqueFd opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (opened.valid()) fsync(opened.get());
+}
+
+}  // namespace
 
 FilePtr open_file(const char* path, const char* mode) {
   return FilePtr(std::fopen(path, (std::string(mode) + "e").c_str()));
@@ -44,14 +56,37 @@ std::optional<std::string> read_file(const char* path, std::size_t max_bytes) {
 
 bool write_file(const char* path, std::string_view content, unsigned int mode) {
   UniqueFd file(open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, static_cast<mode_t>(mode)));
-  if (!file.valid()) return false;
+  return file.valid() && write_whole(file.get(), content) && close(file.release()) == 0;
+}
+
+bool write_whole(int descriptor, std::string_view content) {
   while (!content.empty()) {
-    const ssize_t written = write(file.get(), content.data(), content.size());
+    const ssize_t written = write(descriptor, content.data(), content.size());
     if (written < 0 && errno == EINTR) continue;
     if (written < 0) return false;
     content.remove_prefix(static_cast<std::size_t>(written));
   }
-  return close(file.release()) == 0;
+  return true;
+}
+
+bool replace_file(const std::string& path, std::string_view content, unsigned int mode) {
+  std::string temporary = path + ".XXXXXX";
+  UniqueFd file(mkostemp(temporary.data(), O_CLOEXEC));
+  if (!file.valid()) return false;
+  if (write_whole(file.get(), content) && fchmod(file.get(), static_cast<mode_t>(mode)) == 0 &&
+      fsync(file.get()) == 0 && close(file.release()) == 0 && rename(temporary.c_str(), path.c_str()) == 0) {
+    sync_folder_of(path);
+    return true;
+  }
+  const int failure = errno;
+  unlink(temporary.c_str());
+  errno = failure;
+  return false;
+}
+
+UniqueFd create_private_file(const std::string& path) {
+  if (unlink(path.c_str()) != 0 && errno != ENOENT) return UniqueFd();
+  return UniqueFd(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
 }
 
 bool file_exists(const char* path) { return access(path, F_OK) == 0; }

@@ -44,6 +44,19 @@ std::optional<std::string> read_file(const char* path, std::size_t max_bytes = s
 // Replaces the content of the file (made with `mode` when missing). False, with errno, on any failed step.
 bool write_file(const char* path, std::string_view content, unsigned int mode = 0644);
 
+// Replaces the file by one with this content and mode, whatever the umask: a temporary file in the same folder, fsync,
+// rename, fsync of the folder. A reader, or a power cut, meets the old content or the new one, never a part. A symbolic
+// link of that name is itself replaced. False, with errno, on any failed step: the old file is then as it was, and no
+// temporary file is left.
+bool replace_file(const std::string& path, std::string_view content, unsigned int mode = 0644);
+
+// Makes `path` anew, empty, mode 0600, opened for writing: what was there is removed, never written through (a planted
+// link, a FIFO, a file of another owner). Invalid, with errno, when it cannot be made.
+UniqueFd create_private_file(const std::string& path);
+
+// Writes all of `content`. False, with errno, when any of it could not be written.
+bool write_whole(int descriptor, std::string_view content);
+
 // The file exists (access F_OK).
 bool file_exists(const char* path);
 

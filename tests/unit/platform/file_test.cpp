@@ -1,9 +1,17 @@
 // Small files and owning handles.
 #include "platform/file.h"
 
+#include <array>
+#include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -30,6 +38,112 @@ TEST(WriteFile, ReplacesAndTellsFailures) {
   EXPECT_TRUE(platform::file_exists(kPath));
   std::remove(kPath);
   EXPECT_FALSE(platform::file_exists(kPath));
+}
+
+unsigned int mode_of(const char* path) {
+  struct stat status {};
+  return lstat(path, &status) == 0 ? status.st_mode : 0;
+}
+
+// A folder of its own, so that a temporary file that stays is seen.
+class ReplacedFile : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_TRUE(std::filesystem::create_directory(kFolder)); }
+  void TearDown() override { std::filesystem::remove_all(kFolder); }
+  static std::vector<std::string> names() {
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(kFolder)) found.push_back(entry.path().filename());
+    return found;
+  }
+
+  static constexpr const char* kFolder = "/tmp/replaced_file";
+  static constexpr const char* kFile = "/tmp/replaced_file/state";
+};
+
+TEST_F(ReplacedFile, HasTheNewContentAndTheModeAskedForWhateverTheUmask) {
+  const mode_t before = umask(077);
+  EXPECT_TRUE(platform::replace_file(kFile, "first"));
+  EXPECT_EQ(mode_of(kFile), S_IFREG | 0644U);
+  EXPECT_TRUE(platform::replace_file(kFile, std::string("sec\0nd", 6), 0600));
+  umask(before);
+  EXPECT_EQ(mode_of(kFile), S_IFREG | 0600U);
+  EXPECT_EQ(platform::read_file(kFile), std::string("sec\0nd", 6));
+  EXPECT_EQ(names(), std::vector<std::string>{"state"});
+}
+
+TEST_F(ReplacedFile, IsAnotherFileSoThatWhoReadsTheOldOneReadsItToItsEnd) {
+  ASSERT_TRUE(platform::replace_file(kFile, "old"));
+  const platform::FilePtr reader = platform::open_file(kFile, "r");
+  ASSERT_TRUE(platform::replace_file(kFile, "new"));
+  std::array<char, 8> text{};
+  EXPECT_EQ(std::fread(text.data(), 1, text.size(), reader.get()), 3U);
+  EXPECT_STREQ(text.data(), "old");
+}
+
+TEST_F(ReplacedFile, IsAsItWasWhenTheDiskIsFull) {
+  ASSERT_TRUE(platform::replace_file(kFile, "old"));
+  rlimit limit{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &limit), 0);
+  const rlimit small{.rlim_cur = 4096, .rlim_max = limit.rlim_max};
+  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  const bool replaced = platform::replace_file(kFile, std::string(10000, 'x'));
+  const int failure = errno;
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+  std::signal(SIGXFSZ, handler);
+  EXPECT_FALSE(replaced);
+  EXPECT_EQ(failure, EFBIG);
+  EXPECT_EQ(platform::read_file(kFile), "old");
+  EXPECT_EQ(names(), std::vector<std::string>{"state"});
+}
+
+TEST_F(ReplacedFile, TellsWhatStandsInItsWayAndLeavesNothing) {
+  EXPECT_FALSE(platform::replace_file("/tmp/replaced_file/none/state", "x"));
+  EXPECT_EQ(errno, ENOENT);
+  ASSERT_TRUE(std::filesystem::create_directory(kFile));
+  EXPECT_FALSE(platform::replace_file(kFile, "x"));
+  EXPECT_EQ(errno, EISDIR);
+  EXPECT_EQ(names(), std::vector<std::string>{"state"});
+}
+
+TEST_F(ReplacedFile, NeverWritesThroughALink) {
+  ASSERT_TRUE(platform::write_file("/tmp/replaced_file/victim", "kept"));
+  std::filesystem::create_symlink("victim", kFile);
+  ASSERT_TRUE(platform::replace_file(kFile, "new"));
+  EXPECT_EQ(platform::read_file("/tmp/replaced_file/victim"), "kept");
+  EXPECT_TRUE(S_ISREG(mode_of(kFile)));
+}
+
+using PrivateFile = ReplacedFile;
+
+TEST_F(PrivateFile, IsMadeAnewWhateverWasPlantedThere) {
+  const auto expect_new = [](const char* planted) {
+    platform::UniqueFd file = platform::create_private_file(kFile);
+    ASSERT_TRUE(file.valid()) << planted;
+    EXPECT_TRUE(platform::write_whole(file.get(), "secret"));
+    EXPECT_EQ(mode_of(kFile), S_IFREG | 0600U) << planted;
+    EXPECT_EQ(platform::read_file(kFile), "secret") << planted;
+    EXPECT_NE(fcntl(file.get(), F_GETFD) & FD_CLOEXEC, 0);
+    std::remove(kFile);
+  };
+  expect_new("nothing");
+  ASSERT_TRUE(platform::write_file("/tmp/replaced_file/victim", "kept"));
+  std::filesystem::create_symlink("victim", kFile);
+  expect_new("a link");
+  EXPECT_EQ(platform::read_file("/tmp/replaced_file/victim"), "kept");
+  std::filesystem::create_symlink("nowhere", kFile);
+  expect_new("a link to nothing");
+  ASSERT_EQ(mkfifo(kFile, 0666), 0);
+  expect_new("a FIFO");
+  ASSERT_TRUE(platform::write_file(kFile, "longer than what follows", 0666));
+  const platform::FilePtr spy = platform::open_file(kFile, "r");
+  expect_new("a file that somebody has open");
+  EXPECT_NE(std::fgetc(spy.get()), 's');
+}
+
+TEST_F(PrivateFile, IsRefusedWhereAFolderStands) {
+  ASSERT_TRUE(std::filesystem::create_directory(kFile));
+  EXPECT_FALSE(platform::create_private_file(kFile).valid());
 }
 
 TEST(UniqueFd, ClosesWhatItOwnsOnce) {
