@@ -2,6 +2,7 @@
 #include "answer/answer.h"
 
 #include <string>
+#include <utility>
 
 #include "encrypted_body.h"
 
@@ -30,6 +31,8 @@ int answer(FCGX_Request* request, const json::JsonPtr& document) {
   return answer(request, json::to_text(document.get()));
 }
 
+int answer(FCGX_Request* request, json::ObjectText document) { return answer(request, std::move(document).text()); }
+
 int answer_plain(FCGX_Request* request, std::string_view text) {
   write_json_headers(request);
   write_bytes(request, text);
@@ -38,6 +41,10 @@ int answer_plain(FCGX_Request* request, std::string_view text) {
 
 int answer_plain(FCGX_Request* request, const json::JsonPtr& document) {
   return answer_plain(request, json::to_text(document.get()));
+}
+
+int answer_plain(FCGX_Request* request, json::ObjectText document) {
+  return answer_plain(request, std::move(document).text());
 }
 
 void answer_router_error(FCGX_Request* request, std::string_view message) {

@@ -6,6 +6,7 @@
 #include <fcgiapp.h>
 
 #include "answer/json.h"
+#include "answer/json_text.h"
 #include "result_envelope.h"
 
 // "Content-Type: application/json", "Status: 200 OK" and the empty line.
@@ -15,9 +16,11 @@ void write_json_headers(FCGX_Request* request);
 // All four return 0, so that a handler can end with `return answer(...)`.
 int answer(FCGX_Request* request, std::string_view text);
 int answer(FCGX_Request* request, const json::JsonPtr& document);
+int answer(FCGX_Request* request, json::ObjectText document);
 // Headers and the text as it is.
 int answer_plain(FCGX_Request* request, std::string_view text);
 int answer_plain(FCGX_Request* request, const json::JsonPtr& document);
+int answer_plain(FCGX_Request* request, json::ObjectText document);
 
 // The router's own errors: text/plain, no status line, no newline behind the message.
 void answer_router_error(FCGX_Request* request, std::string_view message);

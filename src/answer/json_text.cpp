@@ -1,0 +1,62 @@
+// Building of JSON texts; json-c does the quoting.
+#include "answer/json_text.h"
+
+#include <memory>
+#include <utility>
+
+#include <json-c/json.h>
+
+#include "platform/text.h"
+
+namespace json {
+namespace {
+
+struct Put {
+  void operator()(json_object* value) const noexcept { json_object_put(value); }
+};
+using JsonPtr = std::unique_ptr<json_object, Put>;
+
+// Wraps what was collected in place, so that a long text is never copied.
+std::string enclose(char open, std::string inside, char close) {
+  if (inside.empty()) return {open, ' ', close};
+  inside[0] = open;
+  inside += ' ';
+  inside += close;
+  return inside;
+}
+
+}  // namespace
+
+std::string quoted(std::string_view text) {
+  const std::string valid = platform::valid_utf8(text);
+  const JsonPtr value(json_object_new_string_len(valid.data(), static_cast<int>(valid.size())));
+  return json_object_to_json_string(value.get());
+}
+
+ObjectText& ObjectText::add(const char* key, const char* value) {
+  return value == nullptr ? add_raw(key, "null") : add(key, std::string_view(value));
+}
+
+ObjectText& ObjectText::add(const char* key, ListText value) { return add_raw(key, std::move(value).text()); }
+
+// Each member begins with the ',' before it; the first one's place becomes the brace.
+ObjectText& ObjectText::add_raw(const char* key, std::string_view value) {
+  members_.append(", ").append(quoted(key)).append(": ").append(value);
+  return *this;
+}
+
+std::string ObjectText::take() { return enclose('{', std::move(members_), '}'); }
+
+ListText& ListText::add_raw(std::string_view value) {
+  elements_.append(", ").append(value);
+  return *this;
+}
+
+std::string ListText::take() { return enclose('[', std::move(elements_), ']'); }
+
+std::string pretty(const std::string& text) {
+  const JsonPtr value(json_tokener_parse(text.c_str()));
+  return json_object_to_json_string_ext(value.get(), JSON_C_TO_STRING_PRETTY);
+}
+
+}  // namespace json

@@ -1,0 +1,65 @@
+// Building of JSON texts, member by member: no tree stands in memory beside the text, however long a list is.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace json {
+
+class ListText;
+
+// A value as it stands in a document: spaced as json_object_to_json_string does, bytes that are no UTF-8 shown as
+// U+FFFD.
+std::string quoted(std::string_view text);
+
+// An object: members in the order of the calls.
+class ObjectText {
+ public:
+  ObjectText& add(const char* key, int value) { return add_raw(key, std::to_string(value)); }
+  ObjectText& add(const char* key, std::int64_t value) { return add_raw(key, std::to_string(value)); }
+  ObjectText& add(const char* key, std::string_view value) { return add_raw(key, quoted(value)); }
+  ObjectText& add(const char* key, const std::string& value) { return add_raw(key, quoted(value)); }
+  // nullptr adds a JSON null.
+  ObjectText& add(const char* key, const char* value);
+  ObjectText& add(const char* key, ObjectText value) { return add_raw(key, std::move(value).text()); }
+  ObjectText& add(const char* key, ListText value);
+
+  // "{ "a": 1, "b": [ 1, "two" ] }", "{ }"
+  [[nodiscard]] std::string text() const& { return ObjectText(*this).take(); }
+  [[nodiscard]] std::string text() && { return take(); }
+
+ private:
+  std::string take();
+  ObjectText& add_raw(const char* key, std::string_view value);
+  std::string members_;
+};
+
+// An array.
+class ListText {
+ public:
+  ListText& add(int value) { return add_raw(std::to_string(value)); }
+  ListText& add(std::string_view value) { return add_raw(quoted(value)); }
+  ListText& add(ObjectText value) { return add_raw(std::move(value).text()); }
+
+  [[nodiscard]] std::string text() const& { return ListText(*this).take(); }
+  [[nodiscard]] std::string text() && { return take(); }
+
+ private:
+  std::string take();
+  ListText& add_raw(std::string_view value);
+  std::string elements_;
+};
+
+// {"result": N} and what every document of a failed reading is.
+inline ObjectText result_text(int result) {
+  ObjectText document;
+  document.add("result", result);
+  return document;
+}
+
+// `text`, which is JSON, as json-c's JSON_C_TO_STRING_PRETTY writes it: for logs.
+std::string pretty(const std::string& text);
+
+}  // namespace json

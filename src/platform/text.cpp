@@ -1,0 +1,99 @@
+// Pure functions on texts.
+#include "platform/text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <climits>
+
+namespace platform {
+namespace {
+
+unsigned char byte_at(std::string_view text, std::size_t index) { return static_cast<unsigned char>(text[index]); }
+
+bool is_continuation(unsigned char byte) { return (byte & 0xC0U) == 0x80; }
+
+// The bytes that a character with this first byte has; 1 for what begins none.
+std::size_t sequence_length(unsigned char first) {
+  if (first >= 0xC2 && first <= 0xDF) return 2;
+  if (first >= 0xE0 && first <= 0xEF) return 3;
+  return first >= 0xF0 && first <= 0xF4 ? 4 : 1;
+}
+
+// The second byte's range keeps overlong forms, surrogates and what lies beyond U+10FFFF out.
+bool is_second_byte(unsigned char first, unsigned char second) {
+  if (first == 0xE0) return second >= 0xA0 && second <= 0xBF;
+  if (first == 0xED) return second >= 0x80 && second <= 0x9F;
+  if (first == 0xF0) return second >= 0x90 && second <= 0xBF;
+  if (first == 0xF4) return second >= 0x80 && second <= 0x8F;
+  return is_continuation(second);
+}
+
+struct Sequence {
+  std::size_t bytes;
+  bool complete;
+};
+
+// The character that `text` (not empty) begins with, or the longest beginning of one.
+Sequence first_sequence(std::string_view text) {
+  const unsigned char first = byte_at(text, 0);
+  if (first < 0x80) return {1, true};
+  const std::size_t length = sequence_length(first);
+  std::size_t matching = 1;
+  while (matching < length && matching < text.size()) {
+    const unsigned char byte = byte_at(text, matching);
+    if (matching == 1 ? !is_second_byte(first, byte) : !is_continuation(byte)) break;
+    ++matching;
+  }
+  return {matching, length > 1 && matching == length};
+}
+
+bool is_control(unsigned char byte) { return byte < 0x20 || byte == 0x7F; }
+
+}  // namespace
+
+std::string_view cut_utf8(std::string_view text, std::size_t max_bytes) {
+  constexpr std::size_t kLongestCharacter = 4;
+  if (text.size() <= max_bytes) return text;
+  for (std::size_t back = 1; back < kLongestCharacter && back <= max_bytes; ++back) {
+    const std::size_t begin = max_bytes - back;
+    const Sequence sequence = first_sequence(text.substr(begin));
+    if (sequence.complete && sequence.bytes > back) return text.substr(0, begin);
+  }
+  return text.substr(0, max_bytes);
+}
+
+std::string valid_utf8(std::string_view text) {
+  constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+  std::string valid;
+  valid.reserve(text.size());
+  while (!text.empty()) {
+    const Sequence sequence = first_sequence(text);
+    valid += sequence.complete ? text.substr(0, sequence.bytes) : kReplacement;
+    text.remove_prefix(sequence.bytes);
+  }
+  return valid;
+}
+
+bool is_storable(std::string_view text) {
+  return std::ranges::none_of(text, [](unsigned char byte) {
+    return is_control(byte) && byte != '\t' && byte != '\n' && byte != '\r' && byte != 0x7F;
+  });
+}
+
+bool is_one_line(std::string_view text) {
+  return std::ranges::none_of(text, [](unsigned char byte) { return is_control(byte); });
+}
+
+bool parse_decimal(std::string_view text, int& value) {
+  const bool is_negative = text.starts_with('-');
+  const std::string_view digits = text.substr(is_negative ? 1 : 0);
+  const auto is_digit = [](char character) { return character >= '0' && character <= '9'; };
+  if (digits.empty() || !std::ranges::all_of(digits, is_digit)) return false;
+  int parsed = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
+  if (error == std::errc::result_out_of_range) parsed = is_negative ? INT_MIN : INT_MAX;
+  value = parsed;
+  return true;
+}
+
+}  // namespace platform

@@ -1,0 +1,48 @@
+// Texts of answers, held against what json-c writes for the same tree.
+#include "answer/json_text.h"
+
+#include <gtest/gtest.h>
+#include <json-c/json.h>
+
+namespace {
+
+using json::ListText;
+using json::ObjectText;
+
+// json-c's text of the document that `text` is.
+std::string as_json_c(const std::string& text) {
+  json_object* value = json_tokener_parse(text.c_str());
+  const std::string written = json_object_to_json_string(value);
+  json_object_put(value);
+  return written;
+}
+
+TEST(ObjectText, IsSpacedAsJsonCDoes) {
+  ObjectText document;
+  document.add("result", 0).add("name", "it's \"x\"/%n\n\x01").add("none", static_cast<const char*>(nullptr));
+  document.add("big", std::int64_t{1} << 40).add("empty", ObjectText()).add("list", ListText().add(1).add("two"));
+  document.add("nested", ListText().add(ObjectText().add("a", std::string("b"))).add(ObjectText()));
+  document.add("nothing", ListText());
+  const std::string text = std::move(document).text();
+  EXPECT_EQ(text, as_json_c(text));
+  EXPECT_EQ(text.substr(0, 40), R"({ "result": 0, "name": "it's \"x\"\/%n\n)");
+  EXPECT_EQ(ObjectText().text(), "{ }");
+  EXPECT_EQ(ListText().text(), "[ ]");
+}
+
+TEST(ObjectText, IsAlwaysValidUtf8) {
+  EXPECT_EQ(ObjectText().add("ssid", std::string_view("caf\xE9 \xC3\xA9")).text(),
+            "{ \"ssid\": \"caf\xEF\xBF\xBD \xC3\xA9\" }");
+}
+
+TEST(ObjectText, KeepsNulCharacters) {
+  EXPECT_EQ(ObjectText().add("t", std::string_view("a\0b", 3)).text(), R"({ "t": "a\u0000b" })");
+}
+
+TEST(Pretty, IsWhatJsonCWrites) {
+  EXPECT_EQ(json::pretty(R"({ "a": 1, "b": [ 1 ] })"), "{\n  \"a\":1,\n  \"b\":[\n    1\n  ]\n}");
+}
+
+TEST(ResultText, HoldsTheResultAlone) { EXPECT_EQ(json::result_text(2).text(), R"({ "result": 2 })"); }
+
+}  // namespace

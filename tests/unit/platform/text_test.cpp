@@ -1,0 +1,108 @@
+// Bounds of texts and what they may hold.
+#include "platform/text.h"
+
+#include <climits>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using platform::cut_utf8;
+using platform::valid_utf8;
+
+struct Cut {
+  std::string_view text;
+  std::size_t max_bytes;
+  std::string_view expected;
+};
+
+TEST(CutUtf8, LeavesOutACharacterThatDoesNotFitWhole) {
+  for (const Cut& row : {
+           Cut{"", 0, ""},
+           Cut{"abc", 3, "abc"},
+           Cut{"abcd", 3, "abc"},
+           Cut{"abc", 0, ""},
+           Cut{"ab\xC3\xA9", 4, "ab\xC3\xA9"},
+           Cut{"ab\xC3\xA9", 3, "ab"},
+           Cut{"\xC3\xA9", 1, ""},
+           Cut{"a\xE2\x82\xAC", 3, "a"},
+           Cut{"a\xE2\x82\xAC", 2, "a"},
+           Cut{"a\xE2\x82\xAC"
+               "b",
+               4, "a\xE2\x82\xAC"},
+           Cut{"a\xF0\x9F\x98\x80", 4, "a"},
+           Cut{"a\xF0\x9F\x98\x80", 2, "a"},
+           Cut{"\xF0\x9F\x98\x80\xF0\x9F\x98\x80", 7, "\xF0\x9F\x98\x80"},
+       }) {
+    EXPECT_EQ(cut_utf8(row.text, row.max_bytes), row.expected) << row.text << ' ' << row.max_bytes;
+  }
+}
+
+TEST(CutUtf8, CutsBytesThatAreNoUtf8Anywhere) {
+  EXPECT_EQ(cut_utf8("\xFF\xFF\xFF", 2), "\xFF\xFF");
+  EXPECT_EQ(cut_utf8("ab\x80\x80\x80\x80", 4), "ab\x80\x80");
+  EXPECT_EQ(cut_utf8("a\xE2\x82zz", 2), "a\xE2");  // no character begins there
+}
+
+TEST(ValidUtf8, KeepsWhatIsValid) {
+  for (const std::string_view text :
+       {"", "plain", "\xC3\xA9\xE2\x82\xAC\xF0\x9F\x98\x80", "\x7F\x01", "\xEF\xBF\xBD"}) {
+    EXPECT_EQ(valid_utf8(text), text);
+  }
+}
+
+TEST(ValidUtf8, ShowsOneReplacementForEachLongestBeginning) {
+  const std::string replacement = "\xEF\xBF\xBD";
+  struct Row {
+    std::string_view text;
+    std::string expected;
+  };
+  for (const Row& row : {
+           Row{"\xFF", replacement},
+           Row{"a\x80"
+               "b",
+               "a" + replacement + "b"},
+           Row{"\xC0\xAF", replacement + replacement},                                      // overlong
+           Row{"\xE0\x80\xAF", replacement + replacement + replacement},                    // overlong
+           Row{"\xED\xA0\x80", replacement + replacement + replacement},                    // surrogate
+           Row{"\xF4\x90\x80\x80", replacement + replacement + replacement + replacement},  // beyond U+10FFFF
+           Row{"\xE2\x82", replacement},                                                    // cut
+           Row{"\xE2\x82z", replacement + "z"},
+           Row{"\xF0\x9F\x98", replacement},
+           Row{"\xC3", replacement},
+       }) {
+    EXPECT_EQ(valid_utf8(row.text), row.expected);
+  }
+}
+
+TEST(IsStorable, RefusesWhatUciDrops) {
+  for (const std::string_view text : {"", "caf\xC3\xA9", "tab\tline\nreturn\r", "\x7F", "\xFF"}) {
+    EXPECT_TRUE(platform::is_storable(text));
+  }
+  for (const std::string_view text : {"\x01", "a\x1F", "\x0B", "\x08z"}) EXPECT_FALSE(platform::is_storable(text));
+}
+
+TEST(IsOneLine, RefusesEveryControlCharacter) {
+  for (const std::string_view text : {"", "192.168.0.1", "caf\xC3\xA9"}) EXPECT_TRUE(platform::is_one_line(text));
+  for (const std::string_view text : {"a\n", "\r", "\t", "\x01", "\x7F"}) EXPECT_FALSE(platform::is_one_line(text));
+}
+
+TEST(ParseDecimal, TakesWholeTextsAlone) {
+  struct Row {
+    std::string_view text;
+    int expected;
+  };
+  for (const Row& row : {Row{"0", 0}, Row{"-1", -1}, Row{"007", 7}, Row{"2147483647", INT_MAX},
+                         Row{"99999999999999999999", INT_MAX}, Row{"-99999999999999999999", INT_MIN}}) {
+    int value = 5;
+    EXPECT_TRUE(platform::parse_decimal(row.text, value)) << row.text;
+    EXPECT_EQ(value, row.expected) << row.text;
+  }
+  for (const std::string_view text : {"", "-", "+1", " 1", "1 ", "1.0", "0x1", "1e3", "--1", "abc", "\xEF\xBC\x91"}) {
+    int value = 5;
+    EXPECT_FALSE(platform::parse_decimal(text, value)) << text;
+    EXPECT_EQ(value, 5);
+  }
+}
+
+}  // namespace
