@@ -38,6 +38,11 @@ def decrypt(text: bytes) -> bytes:
     return _jose("dec", "-i-", "-k", str(_KEY), text=text)
 
 
+def key() -> dict:
+    """The key that router and clients share, as a JWK."""
+    return json.loads(_KEY.read_text())
+
+
 def is_encrypted(body: bytes) -> bool:
     """Whether a body is a JWE compact text: five base64url fields, the first a JSON header."""
     return body.startswith(b"eyJ") and body.count(b".") == 4

@@ -25,6 +25,7 @@ HERE = Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE))
 
 import client  # noqa: E402
+import console_server  # noqa: E402
 import sandbox  # noqa: E402
 import uci_text  # noqa: E402
 
@@ -76,6 +77,7 @@ class Simulator:
         self._stopping = threading.Event()
         self._program: subprocess.Popen | None = None
         self._server: subprocess.Popen | None = None
+        self._console: console_server.ConsoleServer | None = None
         self._log_socket: socket.socket | None = None
         self._threads: list[threading.Thread] = []
         self.directory = Path(tempfile.mkdtemp(prefix="router-"))
@@ -110,6 +112,11 @@ class Simulator:
                 return path
         raise sandbox.SandboxError(f"{self.build}/{name} is not built: cmake --build {self.build}")
 
+    def _about(self) -> dict:
+        """What the console has to know; the key is the one that every simulated router shares with its clients."""
+        return {"brand": self.args.brand, "mode": self.args.mode, "port": self.port, "defaultPort": PORT,
+                "key": client.key()}
+
     # Start and stop.
 
     def start(self) -> None:
@@ -118,6 +125,7 @@ class Simulator:
         self._listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
         self._listener.bind(str(self.directory / "fcgi.sock"))
         self._listener.listen(128)
+        self._console = console_server.ConsoleServer(self.directory / "console.sock", self.root, self._about())
         self._start_program()
         for work in (self._keep_log, self._keep_running):
             thread = threading.Thread(target=work, daemon=True)
@@ -184,14 +192,16 @@ class Simulator:
     def _start_server(self) -> None:
         if shutil.which("lighttpd", path="/usr/sbin:/usr/bin:/usr/local/sbin") is None:
             raise sandbox.SandboxError("lighttpd is missing: script/setup installs it (package lighttpd)")
-        (self.directory / "www").mkdir()
         (self.directory / "uploads").mkdir()
         configuration = self.directory / "lighttpd.conf"
         configuration.write_text(textwrap.dedent(f"""\
-            server.modules = ("mod_fastcgi")
+            server.modules = ("mod_setenv", "mod_fastcgi", "mod_proxy")
             server.bind = "127.0.0.1"
             server.port = {self.port}
-            server.document-root = "{self.directory}/www"
+            server.document-root = "{console_server.PAGES}"
+            index-file.names = ("index.html")
+            mimetype.assign = (".html" => "text/html; charset=utf-8", ".css" => "text/css; charset=utf-8",
+                               ".js" => "text/javascript; charset=utf-8", ".svg" => "image/svg+xml")
             server.errorlog = "{self.directory}/lighttpd.log"
             server.upload-dirs = ("{self.directory}/uploads")
             server.max-request-size = {LARGEST_REQUEST_KB}
@@ -201,6 +211,12 @@ class Simulator:
             server.http-parseopts = ("header-strict" => "enable", "host-strict" => "enable",
                                      "host-normalize" => "enable", "url-normalize" => "disable")
             fastcgi.server = ("/api/v1/" => (("socket" => "{self.directory}/fcgi.sock", "check-local" => "disable")))
+            proxy.server = ("/console/" => (("socket" => "{self.directory}/console.sock")))
+            $HTTP["url"] !~ "^/api/" {{
+              setenv.set-response-header = ("Content-Security-Policy" => "{console_server.POLICY}",
+                                            "X-Content-Type-Options" => "nosniff", "Referrer-Policy" => "no-referrer",
+                                            "Cache-Control" => "no-cache")
+            }}
             """))
         server = shutil.which("lighttpd", path="/usr/sbin:/usr/bin:/usr/local/sbin")
         with open(self.directory / "lighttpd.log", "ab") as log:
@@ -240,6 +256,8 @@ class Simulator:
             except subprocess.TimeoutExpired:
                 process.kill()
                 process.wait()
+        if self._console is not None:
+            self._console.stop()
         for held in (self._log_socket, getattr(self, "_listener", None)):
             if held is not None:
                 held.close()

@@ -2,7 +2,8 @@
 //
 // Linked under the name of a tool (/router/bin/ifconfig), or called by a script in its place (/etc/init.d/dnsmasq). One
 // run:
-//   1. appends {"tool": ..., "args": [...], "stdin": ...} as one line to /router/calls.jsonl;
+//   1. appends {"tool": ..., "args": [...], "stdin": ..., "time": ...} as one line to /router/calls.jsonl, the time in
+//      seconds since 1970;
 //   2. gives the first answer of /router/answers/<tool>.json whose arguments match;
 //   3. else becomes /router/tools/<tool>, when there is one;
 //   4. else prints nothing and exits with 0.
@@ -21,6 +22,7 @@
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 #include <vector>
 
@@ -103,12 +105,20 @@ std::string quoted(std::string_view text) {
   return result += '"';
 }
 
+std::string time_now() {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  std::array<char, 32> text;
+  std::snprintf(text.data(), text.size(), "%lld.%03ld", static_cast<long long>(now.tv_sec), now.tv_nsec / 1000000);
+  return text.data();
+}
+
 void record(const Call& call) {
   std::string line = "{\"tool\": " + quoted(call.tool) + ", \"args\": [";
   for (std::size_t i = 0; i < call.args.size(); ++i) line += (i == 0 ? "" : ", ") + quoted(call.args[i]);
   line += "]";
   if (call.input) line += ", \"stdin\": " + quoted(*call.input);
-  line += "}\n";
+  line += ", \"time\": " + time_now() + "}\n";
   const int fd = open((kHome + "calls.jsonl").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
   if (fd < 0) return;
   write_all(fd, line);
