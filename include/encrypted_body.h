@@ -6,13 +6,15 @@
 #include <string>
 #include <string_view>
 
-// Both start `jose` directly with the text on its standard input and take what it prints, whatever its exit status.
-// nullopt (and one log line) when there is no text, the tool cannot be started, or it prints nothing. Blocking; safe
-// from any thread.
+// Both start `jose` directly with the text on its standard input. nullopt (and one log line) when there is no text, the
+// tool cannot be started, or it prints nothing. Blocking; safe from any thread.
 
-// The ciphertext as printed, a trailing newline included. `plaintext` may be empty; nullptr fails.
+// The ciphertext as printed, a trailing newline included, whatever the tool's exit status. `plaintext` may be empty;
+// nullptr fails.
 std::optional<std::string> encrypt_content_api(const char* plaintext);
-// The plaintext, up to its first NUL byte. `ciphertext` may be any `length` bytes.
+// The plaintext, up to its first NUL byte. `ciphertext` may be any `length` bytes; the tool gets it without the white
+// space around it. nullopt, too, when the tool ends with a status other than 0: it prints a plaintext before it has
+// checked the tag, so what a forged text yields is printed, but never valid.
 std::optional<std::string> decrypt_content_api(const char* ciphertext, std::size_t length);
 
 // Every ' becomes '\'' so that the text can stand inside a single-quoted shell word.

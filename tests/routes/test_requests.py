@@ -136,14 +136,20 @@ def test_a_body_of_any_text_can_only_fail_to_decrypt(router, text):
         pytest.skip("no body")
     a = router.fcgi(post_params(str(len(data))), data)
     assert a.body == b"decrypt error"
-    assert router.calls("jose")[0].stdin == text
+    assert router.calls("jose")[0].stdin == text.strip(" \t\r\n\v\f")
     router.assert_nothing_ran()
 
 
-def test_a_plaintext_counts_whatever_the_exit_status(router):
+def test_a_plaintext_that_jose_then_rejects_is_not_used(router):
     router.tool("jose", *DECRYPT, exact=True, out="[]", exit=1)
-    assert router.post(LAN, "x").json == {"result": 1}
+    assert router.post(LAN, "x").body == b"decrypt error"
     assert router.logged("jose printed 2 bytes and ended with status 1", priority=3)
+
+
+def test_white_space_around_a_body_does_not_reach_jose(router):
+    body = b" \t\r\n\v\f" + encrypt(b"[]") + b"\r\n"
+    assert router.fcgi(post_params(str(len(body))), body).json == {"result": 1}
+    assert router.calls("jose")[0].stdin == encrypt(b"[]").decode()
 
 
 def test_a_missing_jose_is_a_decrypt_error(router):

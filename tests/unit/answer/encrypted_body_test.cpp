@@ -41,7 +41,7 @@ class Jose : public ::testing::Test {
 
 TEST_F(Jose, GetsATextWithASingleQuoteUnchanged) {
   provide("cat\n");
-  for (const char* text : {"{\"ssid\": \"Bob's\"}", "'", "''", "';touch /tmp/x;'", "$(x) `y` \\ \" %s%n\n"}) {
+  for (const char* text : {"{\"ssid\": \"Bob's\"}", "'", "''", "';touch /tmp/x;'", "$(x) `y` \\ \" %s\n%n"}) {
     EXPECT_EQ(encrypt(text), text);
     EXPECT_EQ(decrypt(text), text);
   }
@@ -72,10 +72,26 @@ TEST_F(Jose, ThatPrintsNothingYieldsNoneInsteadOfAnEmptyText) {
   }
 }
 
-TEST_F(Jose, CountsByItsOutputAndNotByItsStatus) {
+TEST_F(Jose, ThatFailsYieldsNoPlaintextWhateverItPrinted) {
+  for (const char* status : {"exit 1", "exit 3", "exit 255", "kill -9 $$"}) {
+    provide(std::string("printf '{\"status\":1}'; ") + status + "\n");
+    EXPECT_EQ(decrypt("text"), "(none)") << status;
+    EXPECT_THAT(log_.texts(), ElementsAre(::testing::StartsWith("jose printed 12 bytes and ended with status ")));
+  }
+}
+
+TEST_F(Jose, CountsByItsOutputAndNotByItsStatusWhenItEncrypts) {
   provide("printf partly; exit 3\n");
-  EXPECT_EQ(decrypt("text"), "partly");
+  EXPECT_EQ(encrypt("text"), "partly");
   EXPECT_THAT(log_.texts(), ElementsAre("jose printed 6 bytes and ended with status 3\n"));
+}
+
+TEST_F(Jose, GetsABodyWithoutTheWhiteSpaceAroundIt) {
+  provide("printf '[%s]' \"$(cat; echo .)\"\n");
+  for (const char* text : {"a b", "a b\n", "a b\r\n", " \t\r\n\v\fa b\f\v\n\r\t "})
+    EXPECT_EQ(decrypt(text), "[a b.]") << text;
+  EXPECT_EQ(encrypt(" a b\t"), "[ a b\t.]");
+  EXPECT_EQ(decrypt(" \n"), "[.]");
 }
 
 TEST_F(Jose, IsNotAskedWithoutAText) {
