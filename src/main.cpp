@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <exception>
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <fcgiapp.h>
@@ -42,6 +43,12 @@ void dispatch_guarded(FCGX_Request* request) {
 
 }  // namespace
 
+// libfcgi accepts with accept(), which would leave a connection open in a child that another thread starts before it
+// can be marked. It binds to this definition instead of the C library's: close-on-exec from the first instant.
+extern "C" int accept(int socket, sockaddr* address, socklen_t* length) {
+  return accept4(socket, address, length, SOCK_CLOEXEC);
+}
+
 int main() {
   std::signal(SIGCHLD, SIG_DFL);  // children are always waited for; an inherited SIG_IGN would reap them first
   const int listening_socket = hide_listening_socket();
@@ -49,7 +56,6 @@ int main() {
   FCGX_Request request;
   FCGX_InitRequest(&request, listening_socket, 0);
   while (FCGX_Accept_r(&request) == 0) {
-    fcntl(request.ipcFd, F_SETFD, FD_CLOEXEC);
     dispatch_guarded(&request);
     FCGX_Finish_r(&request);
   }

@@ -1,6 +1,7 @@
 """What the program and its children hold, looked at from outside through /proc."""
 
 import os
+import re
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -25,6 +26,20 @@ def descriptors(pid: int) -> list[str]:
 
 def sockets(pid: int) -> list[str]:
     return [link for link in descriptors(pid) if link.startswith("socket:")]
+
+
+def sockets_that_children_keep(pid: int) -> list[str]:
+    """The sockets that are not close-on-exec."""
+    kept = []
+    for entry in Path(f"/proc/{pid}/fd").iterdir():
+        try:
+            link = os.readlink(entry)
+            flags = re.search(r"^flags:\s*(\d+)$", Path(f"/proc/{pid}/fdinfo/{entry.name}").read_text(), re.M)[1]
+        except FileNotFoundError:
+            continue  # closed meanwhile
+        if link.startswith("socket:") and not int(flags, 8) & os.O_CLOEXEC:
+            kept.append(link)
+    return kept
 
 
 def children(pid: int) -> list[int]:

@@ -6,7 +6,7 @@ import resource
 import socket
 
 import pytest
-from process_state import below, sockets
+from process_state import below, sockets, sockets_that_children_keep
 
 from kit import HOSTILE, decrypt, encrypt, fastcgi
 
@@ -111,6 +111,15 @@ def test_a_client_that_hangs_up_in_its_body_reaches_no_handler_with_more_than_it
     router.raw(data[:-20_000], close=True)
     assert router.alive()
     assert all(len(c.stdin) <= 40_000 for c in router.calls("jose") if "dec" in c.args)
+
+
+def test_a_connection_is_close_on_exec_before_its_first_byte_is_read(router):
+    router.get(LAN)
+    before = set(sockets(router.pid()))
+    with fastcgi.connect(str(router.directory / "fcgi.sock"), 20.0) as connection:
+        connection.sendall(fastcgi.begin())
+        router.wait_until(lambda: set(sockets(router.pid())) - before, "an accepted connection")
+        assert sockets_that_children_keep(router.pid()) == []
 
 
 def test_a_client_that_does_not_read_its_answer_harms_no_other(router):
