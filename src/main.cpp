@@ -9,6 +9,7 @@
 #include <fcgiapp.h>
 
 #include "answer/answer.h"
+#include "command_line.h"
 #include "platform/log.h"
 #include "request/dispatch.h"
 
@@ -49,7 +50,8 @@ extern "C" int accept(int socket, sockaddr* address, socklen_t* length) {
   return accept4(socket, address, length, SOCK_CLOEXEC);
 }
 
-int main() {
+int main(int argc, char** argv) {
+  if (const auto status = handle_command_line(argc, argv)) return *status;
   std::signal(SIGCHLD, SIG_DFL);  // children are always waited for; an inherited SIG_IGN would reap them first
   const int listening_socket = hide_listening_socket();
   FCGX_Init();
