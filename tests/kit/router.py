@@ -137,6 +137,7 @@ class Router:
             raise RuntimeError("STAND_IN_BIN is not set: run the tests through ctest or script/test")
         sandbox.isolation()  # says what the machine lacks, before anything is made
         self.real_time = False  # True: waits take their time and are not kept as calls
+        self.count_uci = False  # True: uci_calls() tells which packages the program loads and commits
         self.environment: dict[str, str] = {}
         self._process: subprocess.Popen | None = None
         self._ended = False
@@ -268,9 +269,12 @@ class Router:
             raise RuntimeError("ROUTER_API_BIN is not set: run the tests through ctest or script/test")
         self.root.mount(binary, "/usr/sbin/router-api")
         environment = {**SANITIZER_OPTIONS, **self.environment}
-        if not self.real_time and (shim := program("FAST_TIME_LIB")) is not None:
-            self.root.mount(shim, "/router/fast_time.so")
-            environment["LD_PRELOAD"] = "/router/fast_time.so"
+        shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci}
+        loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None]
+        for shim in loaded:
+            self.root.mount(shim, f"/router/{shim.name}")
+        if loaded:
+            environment["LD_PRELOAD"] = ":".join(f"/router/{shim.name}" for shim in loaded)
         with open(self.directory / "stderr", "ab") as stderr:
             self._process = subprocess.Popen(self.root.command(["/usr/sbin/router-api"], environment),
                                              stdin=self._listener, stdout=stderr, stderr=stderr)
@@ -343,6 +347,14 @@ class Router:
 
     def forget_calls(self) -> None:
         self.write("/router/calls.jsonl", "")
+
+    def uci_calls(self) -> list[str]:
+        """The program's loads and commits of packages in their order: ["load network", "commit network", ...]. Only
+        with count_uci = True before the first request; the `uci` commands that it runs do not count."""
+        return (self.read("/router/uci_calls") or "").splitlines()
+
+    def forget_uci_calls(self) -> None:
+        self.write("/router/uci_calls", "")
 
     def wait_for_call(self, tool: str, *args: str, times: int = 1) -> list[Call]:
         """Waits until the tool was called with these first arguments (`times` times); the calls up to that one."""

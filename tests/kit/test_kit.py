@@ -124,6 +124,18 @@ def test_waits_pass_at_once_and_are_kept_in_their_order(router):
     assert router.commands() == ["sleep 60", "logger x", "sleep 3", "sleep 0.25"]
 
 
+def test_loads_and_commits_of_packages_are_kept(router):
+    router.count_uci = True
+    assert router.get("/api/v1/ntp").status == 200
+    assert set(router.uci_calls()) == {"load system"}
+    router.forget_uci_calls()
+    assert router.post("/api/v1/ntp", {"enable": 1, "server": "new.example"}).json["result"] == 0
+    assert "commit system" in router.uci_calls()
+    router.forget_uci_calls()
+    router.run("uci", "get", "system.ntp.enabled")
+    assert router.uci_calls() == []
+
+
 def test_neighbours_stand_in_the_arp_table(router):
     router.network_device("br-lan", "192.168.0.1/24")
     router.neighbour("192.168.0.5", "02:00:00:00:00:05")
