@@ -84,6 +84,19 @@ def test_log_switch_and_update_routes_answer(live):
     assert router.post("/api/v1/fwupdatechkandrun", {"checkAndUpdate": 0}).json == {"result": 1}
 
 
+def test_a_log_page_that_is_polled_does_not_feed_on_its_own_messages(live):
+    """Lines that do not split are told in the log that is read."""
+    router = live()
+    log = router.root.path("/var/log/messages.log")
+    router.root.write("/var/log/messages.log", "wireless line without a mark\nno bracket\nopen [only\n" * 20)
+    before = log.stat().st_size
+    for _ in range(50):
+        assert router.get("/api/v1/system/log/message").json["result"] == 0
+        after = log.stat().st_size
+        assert after - before < 4 * 1024  # whatever stands in the log already
+        before = after
+
+
 def test_a_reboot_and_a_factory_reset_start_the_router_again(live):
     router = live()
     assert router.post("/api/v1/reboot", {"timeTillReboot": 1}).json["result"] == 0

@@ -37,6 +37,23 @@ def test_lines_that_do_not_split_are_left_out_and_told(router):
     assert router.logged("unknow format of log mesg of wlan", priority=3)
 
 
+def test_the_messages_stand_under_the_name_of_the_function_that_splits(router):
+    """Under a name that holds "wireless" the page would find its own messages again, as lines of the driver."""
+    router.write(LOG, "no bracket\nopen [only\nwireless without a mark\n")
+    assert entries(router) == []
+    assert {line.function for line in router.log()} == {"fill_log_msg_value"}
+
+
+def test_of_each_kind_of_line_that_does_not_split_the_first_one_is_told(router):
+    router.write(LOG, "".join(f"no bracket {n}\nopen [only {n}\nwireless {n}\n" for n in range(50)))
+    told = ["Can't find character '[' in \"no bracket 0\"", "Can't find character ']' in \"open [only 0\"",
+            "unknow format of log mesg of wlan\n"]
+    assert entries(router) == []
+    assert [line.text for line in router.log()] == told
+    assert entries(router) == []  # and again of the next request
+    assert [line.text for line in router.log()] == told * 2
+
+
 def test_a_shorter_value_keeps_the_tail_of_a_longer_one(router):
     router.write(LOG, "long-time [long-tag] a\nt [x] b\n")
     assert entries(router)[1] == {"time": "tong-time", "category": "[x]ng-tag]", "msg": "b"}
