@@ -31,6 +31,11 @@ int hide_listening_socket() {
   return moved;
 }
 
+// A request that was ended has its answer.
+void answer_failure(FCGX_Request* request) {
+  if (request->out != nullptr) answer_plain(request, kResultUnusable);
+}
+
 // No exception leaves a request: answers are complete before their first byte is written, so a client whose request
 // failed that way has got nothing yet and is told so. The loop lives on.
 void dispatch_guarded(FCGX_Request* request) {
@@ -38,7 +43,10 @@ void dispatch_guarded(FCGX_Request* request) {
     dispatch_request(request);
   } catch (const std::exception& error) {
     log_error("request failed: %s\n", error.what());
-    answer_plain(request, kResultUnusable);
+    answer_failure(request);
+  } catch (...) {
+    log_error("request failed: %s\n", "no standard exception");
+    answer_failure(request);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "encrypted_body.h"
+#include "platform/run_guarded.h"
 
 namespace {
 
@@ -32,6 +33,13 @@ int answer(FCGX_Request* request, const json::JsonPtr& document) {
 }
 
 int answer(FCGX_Request* request, json::ObjectText document) { return answer(request, std::move(document).text()); }
+
+int answer_then(FCGX_Request* request, std::string_view text, const std::function<void()>& work) {
+  answer(request, text);
+  FCGX_Finish_r(request);
+  platform::run_guarded(work);
+  return 0;
+}
 
 int answer_plain(FCGX_Request* request, std::string_view text) {
   write_json_headers(request);

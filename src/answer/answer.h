@@ -1,6 +1,7 @@
 // Answers: the header triple and one JSON text, encrypted or plain. Data is never a format.
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 #include <fcgiapp.h>
@@ -20,6 +21,11 @@ int answer(FCGX_Request* request, json::ObjectText document);
 // Headers and the text as it is.
 int answer_plain(FCGX_Request* request, std::string_view text);
 int answer_plain(FCGX_Request* request, const json::JsonPtr& document);
+
+// For work that may come only once the client has its answer, because it takes long or ends the program: answer(), then
+// the request is ended (a web server holds what was only flushed), then `work` runs. What it throws is logged. The
+// request must not be used afterwards; that the loop ends it again does nothing. Returns 0.
+int answer_then(FCGX_Request* request, std::string_view text, const std::function<void()>& work);
 int answer_plain(FCGX_Request* request, json::ObjectText document);
 
 // The router's own errors: text/plain, no status line, no newline behind the message.

@@ -1,4 +1,4 @@
-// What every piece of background work is run by.
+// What all work is run by that nobody waits for with an answer.
 #pragma once
 
 #include <exception>
@@ -14,6 +14,8 @@ inline void run_guarded(const std::function<void()>& work) noexcept {
     work();
   } catch (const std::exception& error) {
     log_error("background work ended: %s\n", error.what());
+  } catch (...) {
+    log_error("background work ended: %s\n", "no standard exception");
   }
 }
 

@@ -49,7 +49,5 @@ int handle_set_accounts(FCGX_Request* request, const char* body) {
 
   UciSetOption("/etc/config", "rpcd", "log_on", "username", user->c_str());
   set_admin_password(*password);
-  answer(request, kResultOkWait10);
-  os_system("sh /usr/sbin/refreshPasswd.sh");
-  return 0;
+  return answer_then(request, kResultOkWait10, [] { os_system("sh /usr/sbin/refreshPasswd.sh"); });
 }

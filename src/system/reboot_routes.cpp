@@ -58,10 +58,7 @@ int handle_reboot(FCGX_Request* request, const char* body) {
     start_reboot_timer(static_cast<unsigned int>(delay));
     return answer(request, text);
   }
-  answer(request, text);
-  FCGX_FFlush(request->out);  // the client is answered before the router goes down
-  run_reboot();
-  return 0;
+  return answer_then(request, text, run_reboot);
 }
 
 int handle_initialize(FCGX_Request* request, const char* /*body*/) {

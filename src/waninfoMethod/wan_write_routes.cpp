@@ -106,8 +106,5 @@ int handle_set_wanInfo_json(FCGX_Request* request, const char* body) {
 
 int handle_initWanConfig(FCGX_Request* request, const char* /*body*/) {
   if (!reset_wan()) return answer(request, kResultFailed);
-  answer(request, kWait420);
-  FCGX_FFlush(request->out);  // the client is answered before the router goes down
-  os_system("reboot &");
-  return 0;
+  return answer_then(request, kWait420, [] { os_system("reboot &"); });
 }
