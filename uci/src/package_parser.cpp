@@ -99,7 +99,7 @@ class StatementParser {
     if (!sink_.has_package()) reject("attempting to import a file without a package name", keyword);
     const std::string type = required_word();
     if (!is_type(type)) reject_word("invalid character in type field");
-    const std::string name = words_.word().value_or("");
+    const std::string name = words_.optional_word().value_or("");
     if (!name.empty() && !is_name(name)) reject_word("invalid character in name field");
     expect_end();
     if (!sink_.section(type, name, strict())) {
@@ -112,7 +112,7 @@ class StatementParser {
       reject("option/list command found before the first section", words_.keyword_position());
     }
     const std::string name = required_name(is_name);
-    const std::string value = words_.word().value_or("");
+    const std::string value = words_.optional_word().value_or("");
     expect_end();
     (sink_.*put)(name, value);
   }

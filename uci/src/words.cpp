@@ -9,6 +9,7 @@
 #include <new>
 #include <string_view>
 #include <sys/types.h>
+#include <utility>
 
 #include "elements.h"
 
@@ -47,7 +48,7 @@ bool WordReader::append_line() {
 bool WordReader::next_line() {
   text_.clear();
   position_ = keyword_position_ = 0;
-  statement_ended_ = behind_semicolon_ = false;
+  statement_ended_ = behind_semicolon_ = may_end_line_ = false;
   return stream_ != nullptr && append_line();
 }
 
@@ -60,10 +61,11 @@ bool WordReader::at_statement() { return !at_end(); }
 
 std::string WordReader::keyword() {
   statement_ended_ = false;
+  const bool may_end_line = std::exchange(may_end_line_, false);
   keyword_position_ = position_;
   while (!at_end() && is_space(text_[position_])) ++position_;
   if (at_end()) {
-    const bool lonely_semicolon = behind_semicolon_;
+    const bool lonely_semicolon = behind_semicolon_ && !may_end_line;
     behind_semicolon_ = false;
     return lonely_semicolon ? ";" : "";
   }
@@ -128,6 +130,12 @@ void WordReader::read_double_quoted(std::string& word) {
     if (character == '"') return;
     word += character;
   }
+}
+
+std::optional<std::string> WordReader::optional_word() {
+  std::optional<std::string> found = word();
+  if (!found) may_end_line_ = behind_semicolon_;
+  return found;
 }
 
 std::optional<std::string> WordReader::word() {

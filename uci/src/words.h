@@ -31,6 +31,9 @@ class WordReader {
   // The next word of the statement; nullopt at its end.
   std::optional<std::string> word();
 
+  // The same where the statement may end without the word: a semicolon in its place may also end the line.
+  std::optional<std::string> optional_word();
+
   // Leaves the rest of the statement line.
   void skip_line();
 
@@ -57,6 +60,7 @@ class WordReader {
   int line_ = 0;
   bool statement_ended_ = false;
   bool behind_semicolon_ = false;
+  bool may_end_line_ = false;
   bool keyword_ended_file_ = false;
 };
 
