@@ -71,12 +71,12 @@ def check_sound_again(bench: Bench, where: str) -> None:
     check(done.returncode == 0 and bench.package() == NEW, f"{where}: cannot commit again: {done.stderr}")
 
 
-def break_commit(bench: Bench, at: int, kind: str) -> bool:
-    """One broken commit; False when there is no call number `at`."""
-    where = f"commit, {kind} at call {at}"
+def break_commit(bench: Bench, at: int, kind: str, *packages: str) -> bool:
+    """One broken commit, of all packages when none is named; False when there is no call number `at`."""
+    where = f"commit {packages}, {kind} at call {at}"
     bench.reset()
     check(bench.run("set", f"pkg.s0.value={'y' * 200}").returncode == 0, f"{where}: cannot set")
-    done = bench.run("commit", "pkg", at=at, kind=kind)
+    done = bench.run("commit", *packages, at=at, kind=kind)
     if len(bench.calls()) < at:
         check(done.returncode == 0 and bench.package() == NEW, f"{where}: a sound commit failed: {done.stderr}")
         return False
@@ -91,6 +91,10 @@ def break_commit(bench: Bench, at: int, kind: str) -> bool:
     check(bench.package() == NEW or is_staged, f"{where}: the staged change is lost")
     check_sound_again(bench, where)
     return True
+
+
+def break_commit_of_one(bench: Bench, at: int, kind: str) -> bool:
+    return break_commit(bench, at, kind, "pkg")
 
 
 def break_set(bench: Bench, at: int, kind: str) -> bool:
@@ -119,6 +123,7 @@ def break_revert(bench: Bench, at: int, kind: str) -> bool:
         check(staged == "pkg.s1.value='kept'\n", f"{where}: a sound revert left {staged!r}")
         return False
     check(staged in (before, "pkg.s1.value='kept'\n"), f"{where}: left {staged!r}")
+    check(done.returncode != 0, f"{where}: reported as success")
     check(kind == "kill" or "I/O error" in done.stderr, f"{where}: told as {done.stderr!r}")
     return True
 
@@ -150,7 +155,7 @@ def break_import_of_known(bench: Bench, at: int, kind: str) -> bool:
     return break_import(bench, at, kind, "pkg")
 
 
-ACTIONS = (break_commit, break_set, break_revert, break_import_of_new, break_import_of_known)
+ACTIONS = (break_commit_of_one, break_commit, break_set, break_revert, break_import_of_new, break_import_of_known)
 
 
 def check_order(bench: Bench) -> None:

@@ -92,4 +92,25 @@ TEST_F(Interface, ReadsTenThousandSections) {
   EXPECT_EQ(look_up("pkg").p->n_section, 10000);
 }
 
+// The values below are the tree's own texts, which the change frees.
+TEST_F(Interface, TakesValuesThatPointIntoTheTree) {
+  put("conf/pkg", "config thing 's'\n\toption a 'one'\n\tlist l 'x'\n\tlist l 'y'\n\tlist l 'x'\n");
+  uci_ptr ptr = look_up("pkg.s.l");
+  ptr.value = list_to_element(ptr.o->v.list.next)->name;
+  EXPECT_EQ(uci_del_list(context_.get(), &ptr), UCI_OK);
+  ptr = look_up("pkg.s.a");
+  ptr.value = ptr.o->v.string;
+  EXPECT_EQ(uci_add_list(context_.get(), &ptr), UCI_OK);
+  ptr = look_up("pkg.s.a");
+  ptr.value = ptr.o->e.name;
+  EXPECT_EQ(uci_set(context_.get(), &ptr), UCI_OK);
+  ptr.value = ptr.o->v.string;
+  EXPECT_EQ(uci_rename(context_.get(), &ptr), UCI_OK);
+  ptr = look_up("pkg.s");
+  ptr.value = ptr.s->e.name;
+  EXPECT_EQ(uci_set(context_.get(), &ptr), UCI_OK);
+  EXPECT_EQ(commit(ptr.p), UCI_OK);
+  EXPECT_EQ(get("conf/pkg"), "\nconfig s 's'\n\toption a 'a'\n\tlist l 'y'\n\n");
+}
+
 }  // namespace

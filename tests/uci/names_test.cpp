@@ -104,4 +104,53 @@ TEST_F(Names, OfTypesWithQuotesAreReadBackAsTheyWere) {
   EXPECT_EQ(look_up("pkg.s").s->type, type);
 }
 
+// Each would be read back as something else: another package, another kind of record, a comment.
+TEST_F(Names, OfPackagesThatNoRecordCanHoldAreRefused) {
+  for (const char* name :
+       {"a.b", "a=b", "a#b", "a;b", "a'b", "a\"b", "a\\b", "-pkg", "+pkg", "@pkg", "^pkg", "|pkg", "~pkg"}) {
+    put(std::string("conf/") + name, "config thing 's'\n\toption a '1'\n");
+    uci_package* package = nullptr;
+    ASSERT_EQ(uci_load(context_.get(), name, &package), UCI_OK) << name;
+    uci_ptr ptr{};
+    ptr.p = package;
+    ptr.section = "s";
+    ptr.option = "a";
+    ptr.value = "2";
+    EXPECT_EQ(uci_set(context_.get(), &ptr), UCI_ERR_INVAL) << name;
+    uci_section* added = nullptr;
+    EXPECT_EQ(uci_add_section(context_.get(), package, "thing", &added), UCI_ERR_INVAL) << name;
+    EXPECT_EQ(added, nullptr) << name;
+    EXPECT_EQ(uci_save(context_.get(), package), UCI_OK) << name;
+  }
+  EXPECT_FALSE(exists("save"));
+}
+
+TEST_F(Names, ThatCouldNotBeReadAgainAreNotWritten) {
+  struct Row {
+    const char* section;
+    const char* option;
+    const char* value;
+  };
+  const std::string before = get("conf/pkg");
+  for (const Row& row : {Row{"bad-section", nullptr, "thing"}, Row{"s", "bad-option", "x"}}) {
+    open();
+    uci_package* package = look_up("pkg").p;
+    uci_ptr ptr{};
+    ptr.p = package;
+    ptr.section = row.section;
+    ptr.option = row.option;
+    ptr.value = row.value;
+    EXPECT_EQ(uci_set(context_.get(), &ptr), UCI_OK);
+    EXPECT_EQ(uci_commit(context_.get(), &package, true), UCI_ERR_INVAL) << row.section;
+    EXPECT_EQ(get("conf/pkg"), before);
+  }
+  open();
+  uci_package* package = look_up("pkg").p;
+  uci_section* section = nullptr;
+  EXPECT_EQ(uci_add_section(context_.get(), package, "bad type", &section), UCI_OK);
+  put("save/pkg", "pkg.s.a='2'\n");
+  EXPECT_EQ(uci_commit(context_.get(), &package, true), UCI_ERR_INVAL);
+  EXPECT_EQ(get("conf/pkg"), before);
+}
+
 }  // namespace

@@ -3,7 +3,8 @@
 
 Each vector gets a folder of its own with conf/, save/ and extra/; every command runs as
 `uci -c conf -t save ARGV...` unless the vector brings its own options. What differs on purpose from the recording is
-in deviations.json, with what we do instead: those vectors are checked against that.
+in deviations.json, with what we do instead: those vectors are checked against that. own_vectors.json holds, in the same
+form, what no recording tells.
 """
 
 import concurrent.futures
@@ -109,6 +110,7 @@ def main() -> int:
     assert not undocumented, f"not in DEVIATIONS.md: {undocumented}"
     for vector in vectors:
         vector |= deviations.get(vector["name"], {}).get("instead", {})
+    vectors += json.loads((HERE / "own_vectors.json").read_text(encoding="utf-8"))
     chosen = [vector for vector in vectors if only in vector["name"]]
     with concurrent.futures.ThreadPoolExecutor(max_workers=4) as pool:
         results = list(pool.map(lambda vector: differences(binary, vector), chosen))

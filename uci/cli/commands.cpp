@@ -36,6 +36,9 @@ int finish_edit(Session& session, int code, const uci_ptr& ptr) {
   return session.context->err == UCI_OK ? kExitFailure : fail(session);
 }
 
+// Commands that do what they can end with success, unless what they did not do is lost on a disk that takes no more.
+bool is_io_failure(const Session& session) { return session.context->err == UCI_ERR_IO; }
+
 int edit(Session& session, char* argument, int (*function)(uci_context*, uci_ptr*)) {
   uci_ptr ptr{};
   if (!look_up(session, ptr, argument)) return fail(session);
@@ -89,8 +92,9 @@ int revert_command(Session& session, std::span<char*> words) {
   uci_ptr ptr{};
   if (!look_up(session, ptr, words[1])) return fail(session);
   if (ptr.value != nullptr) return kExitFailure;
-  if (uci_revert(session.context.get(), &ptr) != UCI_OK) session.print_error();
-  return 0;
+  if (uci_revert(session.context.get(), &ptr) == UCI_OK) return 0;
+  session.print_error();
+  return is_io_failure(session) ? kExitFailure : 0;
 }
 
 int show_tuple(Session& session, char* argument) {
@@ -125,10 +129,12 @@ int run_on_all(Session& session, PackageAction action) {
   char** names = nullptr;
   if (uci_list_configs(session.context.get(), &names) != UCI_OK) return fail(session);
   const std::unique_ptr<char*, decltype(&std::free)> owner(names, std::free);
+  int status = 0;
   for (char** name = names; *name != nullptr; ++name) {
     uci_package* package = uci_lookup_package(session.context.get(), *name);
     const bool loaded = package != nullptr || uci_load(session.context.get(), *name, &package) == UCI_OK;
     if (!loaded || action(session, package) != UCI_OK) {
+      if (is_io_failure(session)) status = kExitFailure;
       session.print_error();
       continue;
     }
@@ -136,7 +142,7 @@ int run_on_all(Session& session, PackageAction action) {
       uci_unload(session.context.get(), standing);
     }
   }
-  return 0;
+  return status;
 }
 
 int run_on_packages(Session& session, std::span<char*> words, PackageAction action) {

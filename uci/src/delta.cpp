@@ -25,11 +25,7 @@ bool is_valid_record(uci_command command, const uci_ptr& ptr, std::string_view p
   if (package != ptr.package || ptr.section == nullptr || (ptr.flags & uci_ptr::UCI_LOOKUP_EXTENDED) != 0) return false;
   if (command == UCI_CMD_REMOVE) return true;
   if (ptr.value == nullptr) return false;
-  const bool names_type = ptr.option == nullptr && *ptr.value != '\0';
   switch (command) {
-    case UCI_CMD_ADD:
-    case UCI_CMD_CHANGE:
-      return !names_type || is_type(ptr.value);
     case UCI_CMD_REORDER:
       return ptr.option == nullptr;
     case UCI_CMD_RENAME:
@@ -68,7 +64,8 @@ bool remove(uci_section& section, const Record& record) {
   if (option == nullptr) return false;
   const bool is_item = option->type == UCI_TYPE_LIST && record.value != nullptr && *record.value != '\0';
   if (is_item) {
-    remove_item_at(*option, std::atoi(record.value));
+    uci_element* item = item_at(*option, std::atoi(record.value));
+    if (item != nullptr) free_element(item);
   } else {
     free_option(option);
   }
@@ -118,6 +115,7 @@ bool apply(uci_package& package, const Record& record) {
   const bool sets = record.command == UCI_CMD_CHANGE || record.command == UCI_CMD_ADD;
   if (sets && *record.value == '\0') return apply(package, {UCI_CMD_REMOVE, record.section, record.option, nullptr});
   if (sets && record.option == nullptr) {
+    if (!is_type(record.value)) return false;
     uci_section* section = set_section(package, record.section, record.value);
     if (record.command == UCI_CMD_ADD) section->anonymous = true;
     return true;
@@ -139,26 +137,19 @@ std::string format_record(std::string_view package, const Record& record) {
 
 Record record_of(const uci_delta& delta) { return {delta.cmd, delta.section, delta.e.name, delta.value}; }
 
-int read_records(std::FILE* stream, std::string_view package, const std::function<void(const Record&)>& use) {
+void read_records(std::FILE* stream, std::string_view package, const std::function<void(const Record&)>& use) {
   WordReader words(stream);
-  int count = 0;
-  bool has_other_lines = false;
   while (true) {
     try {
-      if (!words.next_line()) break;
+      if (!words.next_line()) return;
       std::optional<std::string> text = words.word();
       if (!text) continue;
       const bool alone = words.word().value_or("").empty();
-      const std::optional<Record> record = alone ? parse_record(*text, package) : std::nullopt;
-      has_other_lines |= !record;
-      if (!record) continue;
-      use(*record);
-      ++count;
+      if (const std::optional<Record> record = alone ? parse_record(*text, package) : std::nullopt) use(*record);
     } catch (const WordError&) {
-      has_other_lines = true;
+      continue;  // no record either
     }
   }
-  return has_other_lines ? -1 - count : count;
 }
 
 int apply_records(std::FILE* stream, uci_package& package) {

@@ -21,9 +21,8 @@ struct Record {
 std::string format_record(std::string_view package, const Record& record);
 Record record_of(const uci_delta& delta);
 
-// Reads the records of `package` from a stream. Lines that are no record of it are passed over. Returns the number of
-// records, or -1 - that number when there were such lines.
-int read_records(std::FILE* stream, std::string_view package, const std::function<void(const Record&)>& use);
+// Reads the records of `package` from a stream. Lines that are no record of it are passed over.
+void read_records(std::FILE* stream, std::string_view package, const std::function<void(const Record&)>& use);
 
 // Reads the records, notes them in saved_delta where the context asks for it, and applies them; one that no longer
 // applies is passed over. Returns the number of those that did.

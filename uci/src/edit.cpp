@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string>
 
 #include "context.h"
@@ -25,10 +26,16 @@ bool is_recordable(std::string_view name, const uci_package& package) {
   });
 }
 
+// A record begins with the package's name: it must not look like a kind of record, and end where it ends.
+bool is_recordable(const uci_package& package) {
+  if (!package.has_delta) return true;
+  return std::strpbrk(package.e.name, "'\"\\#;=.") == nullptr && std::strchr("+-@^|~", package.e.name[0]) == nullptr;
+}
+
 // Notes a change before it is made. Throws Failure{UCI_ERR_INVAL} for names that cannot be noted.
 void record(uci_package& package, uci_command command, std::string_view section, const char* option,
             const char* value) {
-  require(is_recordable(section, package), UCI_ERR_INVAL);
+  require(is_recordable(package) && is_recordable(section, package), UCI_ERR_INVAL);
   require(option == nullptr || is_recordable(option, package), UCI_ERR_INVAL);
   if (package.has_delta) new_delta(package.delta, command, section, option, value);
 }
@@ -42,21 +49,29 @@ void resolve_with_value(uci_context& context, uci_ptr& ptr) {
 // Thrown for a list item that is named by no number.
 struct NotANumber {};
 
-// Deleting with a value: an item of a list by its index. True when that is what was asked for.
-bool delete_item(uci_ptr& ptr) {
-  if (ptr.o == nullptr || ptr.o->type != UCI_TYPE_LIST) return false;
-  if (ptr.value == nullptr || *ptr.value == '\0') return false;
+bool is_list(const uci_option* option) { return option != nullptr && option->type == UCI_TYPE_LIST; }
+
+// The index that a deletion's value is; nullopt without a value. What is no number was meant as something else than an
+// index, so nothing is deleted for it.
+std::optional<long> index_of(const uci_ptr& ptr) {
+  if (ptr.value == nullptr || *ptr.value == '\0') return std::nullopt;
   char* end = nullptr;
   const long index = std::strtol(ptr.value, &end, 10);
-  if (end == ptr.value) throw NotANumber{};
-  if (remove_item_at(*ptr.o, static_cast<int>(index))) {
-    record(*ptr.p, UCI_CMD_REMOVE, ptr.section, ptr.option, std::to_string(index).c_str());
-  }
-  return true;
+  if (end != ptr.value) return index;
+  if (is_list(ptr.o)) throw NotANumber{};
+  throw Failure{UCI_ERR_INVAL};
+}
+
+void delete_item(uci_ptr& ptr, long index) {
+  uci_element* item = item_at(*ptr.o, static_cast<int>(index));
+  if (item == nullptr) return;
+  record(*ptr.p, UCI_CMD_REMOVE, ptr.section, ptr.option, std::to_string(index).c_str());
+  free_element(item);
 }
 
 void delete_found(uci_ptr& ptr) {
-  if (delete_item(ptr)) return;
+  const std::optional<long> index = index_of(ptr);
+  if (index && is_list(ptr.o)) return delete_item(ptr, *index);
   record(*ptr.p, UCI_CMD_REMOVE, ptr.s->e.name, ptr.o != nullptr ? ptr.o->e.name : nullptr, nullptr);
   if (ptr.o != nullptr) {
     free_option(ptr.o);
@@ -127,14 +142,12 @@ void remove_items(uci_option& option, std::string_view value) {
   }
 }
 
-bool remove_item_at(uci_option& option, int index) {
+uci_element* item_at(uci_option& option, int index) {
   uci_element* item = nullptr;
   uci_foreach_element(&option.v.list, item) {
-    if (index-- != 0) continue;
-    free_element(item);
-    return true;
+    if (index-- == 0) return item;
   }
-  return false;
+  return nullptr;
 }
 
 bool may_be_named(const uci_section& section, std::string_view name) {
@@ -177,8 +190,9 @@ int uci_add_list(uci_context* ctx, uci_ptr* ptr) {
     uci::require(ptr != nullptr, UCI_ERR_INVAL);
     uci::resolve_with_value(context, *ptr);
     uci::require(ptr->s != nullptr && ptr->option != nullptr, UCI_ERR_INVAL);
+    const std::string value = ptr->value;  // which may be the option's own text
     uci::record(*ptr->p, UCI_CMD_LIST_ADD, ptr->section, ptr->option, ptr->value);
-    ptr->o = uci::add_item(*ptr->s, ptr->option, ptr->value);
+    ptr->o = uci::add_item(*ptr->s, ptr->option, value);
   });
 }
 
@@ -188,8 +202,9 @@ int uci_del_list(uci_context* ctx, uci_ptr* ptr) {
     uci::resolve_with_value(context, *ptr);
     uci::require(ptr->s != nullptr, UCI_ERR_INVAL);
     if (ptr->o == nullptr || ptr->o->type != UCI_TYPE_LIST) return;
+    const std::string value = ptr->value;  // which may be one of the items
     uci::record(*ptr->p, UCI_CMD_LIST_DEL, ptr->section, ptr->option, ptr->value);
-    uci::remove_items(*ptr->o, ptr->value);
+    uci::remove_items(*ptr->o, value);
   });
 }
 
@@ -227,14 +242,16 @@ int uci_add_section(uci_context* ctx, uci_package* p, const char* type, uci_sect
   return guarded(ctx, [&](uci_context&) {
     uci::require(p != nullptr && type != nullptr && res != nullptr, UCI_ERR_INVAL);
     uci::require(p->has_delta || uci::is_type(type), UCI_ERR_INVAL);
+    const std::string name = uci::generated_name(p->n_section + 1, type);
+    uci::record(*p, UCI_CMD_ADD, name, nullptr, type);
     *res = uci::new_section(*p, type, nullptr);
-    uci::record(*p, UCI_CMD_ADD, (*res)->e.name, nullptr, type);
   });
 }
 
 int uci_reorder_section(uci_context* ctx, uci_section* s, int pos) {
   return guarded(ctx, [&](uci_context&) {
-    uci::require(s != nullptr && uci::is_recordable(s->e.name, *s->package), UCI_ERR_INVAL);
+    uci::require(s != nullptr && uci::is_recordable(*s->package) && uci::is_recordable(s->e.name, *s->package),
+                 UCI_ERR_INVAL);
     if (uci::move_section(*s, pos)) {
       uci::record(*s->package, UCI_CMD_REORDER, s->e.name, nullptr, std::to_string(pos).c_str());
     }

@@ -13,8 +13,8 @@ uci_section* set_section(uci_package& package, std::string_view name, std::strin
 uci_option* add_item(uci_section& section, std::string_view name, std::string_view value);
 // Removes every item equal to `value`.
 void remove_items(uci_option& option, std::string_view value);
-// Removes the item of that index. False when there is none.
-bool remove_item_at(uci_option& option, int index);
+// The item of that index, or nullptr.
+uci_element* item_at(uci_option& option, int index);
 // False when a section of another type has this name: a file that held both could not be read again.
 bool may_be_named(const uci_section& section, std::string_view name);
 // Puts the section before the one that then has this index. False when it stood there already.

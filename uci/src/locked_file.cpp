@@ -141,6 +141,11 @@ class TemporaryFile {
 
 }  // namespace
 
+FileId id_of(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0 ? FileId{status.st_dev, status.st_ino} : FileId{};
+}
+
 LockedFile::LockedFile(const std::string& path, Lock lock, bool create, mode_t mode) {
   const int access = create || lock == Lock::kExclusive ? O_RDWR : O_RDONLY;
   while (!try_open(path, lock, access | (create ? O_CREAT : 0) | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, mode)) continue;
@@ -184,6 +189,12 @@ void LockedFile::close() {
 }
 
 bool LockedFile::is_regular() const { return is_open() && S_ISREG(status_of(descriptor_).st_mode); }
+bool LockedFile::is_empty() const { return status_of(descriptor_).st_size == 0; }
+FileId LockedFile::id() const {
+  if (!is_open()) return {};
+  const struct stat status = status_of(descriptor_);
+  return {status.st_dev, status.st_ino};
+}
 mode_t LockedFile::mode() const { return status_of(descriptor_).st_mode & 07777; }
 uid_t LockedFile::owner() const { return status_of(descriptor_).st_uid; }
 gid_t LockedFile::group() const { return status_of(descriptor_).st_gid; }
@@ -196,10 +207,12 @@ std::FILE* LockedFile::read_stream() const {
   return stream;
 }
 
-void LockedFile::append(std::string_view text) {
+void LockedFile::append_lines(std::string_view text) {
   const off_t end = lseek(descriptor_, 0, SEEK_END);
   if (end < 0) fail_io();
-  if (write_all(descriptor_, text)) return;
+  char last = '\n';
+  if (end > 0 && pread(descriptor_, &last, 1, end - 1) != 1) fail_io();
+  if ((last == '\n' || write_all(descriptor_, "\n")) && write_all(descriptor_, text)) return;
   if (ftruncate(descriptor_, end) != 0) errno = 0;
   fail_io();
 }

@@ -9,6 +9,15 @@
 
 namespace uci {
 
+// Which file it is, whatever it is called.
+struct FileId {
+  dev_t device = 0;
+  ino_t inode = 0;
+  [[nodiscard]] bool exists() const { return inode != 0; }
+  bool operator==(const FileId&) const = default;
+};
+FileId id_of(const std::string& path);
+
 enum class Lock { kShared, kExclusive };
 
 // A file opened and locked. After waiting for the lock the path is opened again when another process has put a new
@@ -30,14 +39,17 @@ class LockedFile {
   [[nodiscard]] bool is_missing() const { return !is_open() && (error_ == ENOENT || error_ == ENOTDIR); }
   // True for an open file that is a plain file, not a folder or a device.
   [[nodiscard]] bool is_regular() const;
+  [[nodiscard]] bool is_empty() const;
+  [[nodiscard]] FileId id() const;  // of none when it is not open
   [[nodiscard]] mode_t mode() const;
   [[nodiscard]] uid_t owner() const;
   [[nodiscard]] gid_t group() const;
 
   // A stream on the file's beginning; the caller closes it. Throws Failure{UCI_ERR_IO}.
   [[nodiscard]] std::FILE* read_stream() const;
-  // Appends all of `text`, or nothing: what was written of it is taken back. Throws Failure{UCI_ERR_IO}.
-  void append(std::string_view text);
+  // Appends all of `text`, or nothing: what was written of it is taken back. It begins on a line of its own also when
+  // the file's last line was never ended. Throws Failure{UCI_ERR_IO}.
+  void append_lines(std::string_view text);
   // Empties the file. Throws Failure{UCI_ERR_IO}.
   void truncate();
 

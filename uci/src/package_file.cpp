@@ -1,11 +1,13 @@
 // Loading, staging and committing of packages, all under the locks that the platform's other tools take.
 #include "package_file.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <sys/stat.h>
+#include <unordered_map>
 #include <vector>
 
 #include "context.h"
@@ -63,13 +65,6 @@ std::string delta_path(std::string_view directory, const uci_package& package) {
   return std::string(directory) + "/" + package.e.name;
 }
 
-bool is_same_file(const std::string& one, const std::string& other) {
-  struct stat first {};
-  struct stat second {};
-  return stat(one.c_str(), &first) == 0 && stat(other.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-         first.st_ino == second.st_ino;
-}
-
 PackagePtr parse_file(uci_context& context, const Location& location, const LockedFile& file) {
   PackagePtr package(new_package(context, location.name));
   const Stream stream(file.read_stream());
@@ -86,14 +81,28 @@ int apply_delta_file(const LockedFile& file, uci_package& package) {
   return apply_records(stream.get(), package);
 }
 
+// The delta files that there are, in the order in which they apply. A file that is met under several names applies
+// once, in its last place, and the package file, whose lock is held and would be waited for, is none.
+std::vector<std::string> find_delta_files(const uci_context& context, const uci_package& package) {
+  std::vector<std::string> paths;
+  std::vector<FileId> met{id_of(package.path)};
+  for (const uci_list* node = context.delta_path.prev; node != &context.delta_path; node = node->prev) {
+    std::string path = delta_path(list_to_element(node)->name, package);
+    const FileId id = id_of(path);
+    if (!id.exists() || std::ranges::find(met, id) != met.end()) continue;
+    met.push_back(id);
+    paths.push_back(std::move(path));
+  }
+  std::ranges::reverse(paths);
+  return paths;
+}
+
 // Applies the delta files of all folders in their order. The one of the savedir is given when it is locked already.
 int apply_delta_files(uci_context& context, uci_package& package, const LockedFile* savedir_file) {
+  const FileId locked = savedir_file != nullptr ? savedir_file->id() : FileId{};
   int count = 0;
-  uci_element* directory = nullptr;
-  uci_foreach_element(&context.delta_path, directory) {
-    const std::string path = delta_path(directory->name, package);
-    // Also under another name of the folder: the lock on it is held, and would be waited for.
-    if (savedir_file != nullptr && is_same_file(path, delta_path(context.savedir, package))) {
+  for (const std::string& path : find_delta_files(context, package)) {
+    if (locked.exists() && id_of(path) == locked) {
       count += apply_delta_file(*savedir_file, package);
     } else {
       count += apply_delta_file(LockedFile(path, Lock::kShared), package);
@@ -113,7 +122,8 @@ void make_savedir(const uci_context& context) {
 // The delta file of the savedir, made when there is something to put into it. Not open when there is none.
 LockedFile open_delta_file(const uci_context& context, const uci_package& package) {
   // A savedir that is the package folder: no changes into the package file, no waiting for the own lock.
-  if (is_same_file(delta_path(context.savedir, package), package.path)) throw Failure{UCI_ERR_IO};
+  const FileId package_id = id_of(package.path);
+  if (package_id.exists() && id_of(delta_path(context.savedir, package)) == package_id) throw Failure{UCI_ERR_IO};
   if (uci_list_empty(&package.delta)) {
     LockedFile file(delta_path(context.savedir, package), Lock::kExclusive);
     // What is staged there and cannot be read must not be passed over.
@@ -134,7 +144,7 @@ void append_pending(LockedFile& delta_file, uci_package& package) {
   uci_element* element = nullptr;
   uci_foreach_element(&package.delta, element) text += format_record(package.e.name, record_of(*uci_to_delta(element)));
   if (text.empty()) return;
-  delta_file.append(text);
+  delta_file.append_lines(text);
   free_deltas(package.delta);
 }
 
@@ -147,7 +157,26 @@ LockedFile open_for_commit(const std::string& path) {
   return file;
 }
 
+// What another program made of the elements, or a fault in one, must not make a file that cannot be read again.
+void require_writable(uci_package& package) {
+  std::unordered_map<std::string_view, std::string_view> types;
+  uci_element* element = nullptr;
+  uci_foreach_element(&package.sections, element) {
+    const uci_section& section = *uci_to_section(element);
+    const bool named = !section.anonymous;
+    const auto [known, is_new] = types.try_emplace(named ? section.e.name : "", section.type);
+    const bool is_sound =
+        is_type(section.type) && (!named || (is_name(section.e.name) && known->second == section.type));
+    if (!is_sound) throw Failure{UCI_ERR_INVAL};
+    const uci_element* option = nullptr;
+    uci_foreach_element(&section.options, option) {
+      if (!is_name(option->name)) throw Failure{UCI_ERR_INVAL};
+    }
+  }
+}
+
 void write_package(uci_package& package, const LockedFile& file) {
+  require_writable(package);
   replace_file(package.path, format_package(package, false), file);
 }
 
@@ -170,6 +199,7 @@ void commit_with_delta(uci_context& context, uci_package*& handle) {
 
 // The caller's own elements, with what is staged applied on top.
 void commit_overwriting(uci_context& context, uci_package& package) {
+  require_writable(package);
   const LockedFile file = open_for_commit(package.path);
   LockedFile delta_file = open_delta_file(context, package);
   if (apply_delta_files(context, package, &delta_file) == 0) return;
@@ -187,6 +217,7 @@ void commit_from_memory(uci_package& package) {
 // A package without a file gets one. A new file never stands there empty, not even when this process is killed.
 void commit_imported(const uci_context& context, uci_package& package) {
   const std::string path = std::string(context.confdir) + "/" + package.e.name;
+  require_writable(package);
   const std::string text = format_package(package, false);
   if (!create_file(path, text)) replace_file(path, text, open_for_commit(path));
   replace_text(package.path, path);
@@ -211,7 +242,7 @@ bool is_reverted(const Record& record, const uci_ptr& ptr) {
   return ptr.option == nullptr || (record.option != nullptr && std::strcmp(record.option, ptr.option) == 0);
 }
 
-// Keeps the records that are not reverted. A file that holds anything else is left alone.
+// Keeps the records that are not reverted. What else stands in the file could never apply, and goes.
 void filter_delta_file(uci_context& context, const uci_package& package, const uci_ptr& ptr) {
   const std::string path = delta_path(context.savedir, package);
   const LockedFile file(path, Lock::kExclusive);
@@ -219,10 +250,10 @@ void filter_delta_file(uci_context& context, const uci_package& package, const u
   if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   std::string kept;
   const Stream stream(file.read_stream());
-  const int count = read_records(stream.get(), package.e.name, [&](const Record& record) {
+  read_records(stream.get(), package.e.name, [&](const Record& record) {
     if (!is_reverted(record, ptr)) kept += format_record(package.e.name, record);
   });
-  if (count > 0) replace_file(path, kept, file);
+  if (!file.is_empty()) replace_file(path, kept, file);
 }
 
 void revert(uci_context& context, uci_ptr& ptr) {
