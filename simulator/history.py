@@ -103,8 +103,8 @@ def _call(line: dict) -> dict:
 
 
 def _difference(name: str, before: str | None, after: str | None) -> str:
-    """A unified diff; a package that came or went is all plus or all minus."""
-    lines = list(difflib.unified_diff((before or "").splitlines(), (after or "").splitlines(),
+    """A unified diff; a package that came or went is all plus or all minus. Empty lines at the end say nothing."""
+    lines = list(difflib.unified_diff((before or "").rstrip("\n").splitlines(), (after or "").rstrip("\n").splitlines(),
                                       name if before is not None else "/dev/null",
                                       name if after is not None else "/dev/null", lineterm=""))
     if len(lines) > MOST_DIFF_LINES:
