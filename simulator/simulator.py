@@ -15,7 +15,6 @@ import socket
 import subprocess
 import sys
 import tempfile
-import textwrap
 import threading
 import time
 from pathlib import Path
@@ -28,12 +27,12 @@ import client  # noqa: E402
 import console_server  # noqa: E402
 import sandbox  # noqa: E402
 import uci_text  # noqa: E402
+import web_server  # noqa: E402
 
 PORT = 8080
 READY_DEADLINE_S = 30.0
 END_DEADLINE_S = 5.0
 RESTART_PAUSE_S = 1.0  # how long a restart takes, and the least time between two starts of a program that ends
-LARGEST_REQUEST_KB = 100 * 1024
 WAN_CARRIER = "/sys/class/net/eth1/carrier"
 
 
@@ -54,6 +53,8 @@ def options_parser(**keywords) -> argparse.ArgumentParser:
     parser.add_argument("--brand", choices=sorted(sandbox.DEVICE_IDS), default="orvane", help="default: orvane")
     parser.add_argument("--mode", choices=list(sandbox.MODES), default="router",
                         help="router, access point, repeater, mesh controller or mesh agent; default: router")
+    parser.add_argument("--web-server", choices=web_server.NAMES, default=web_server.NAMES[0],
+                        help="default: lighttpd; nginx serves the API alone, without the console")
     for module in scenarios():
         module.add_options(parser)
     return parser
@@ -190,52 +191,21 @@ class Simulator:
             log.write(f"{time.strftime('%Y-%m-%d %H:%M:%S')} [{tag}] {text}\n")
 
     def _start_server(self) -> None:
-        if shutil.which("lighttpd", path="/usr/sbin:/usr/bin:/usr/local/sbin") is None:
-            raise sandbox.SandboxError("lighttpd is missing: script/setup installs it (package lighttpd)")
-        (self.directory / "uploads").mkdir()
-        configuration = self.directory / "lighttpd.conf"
-        configuration.write_text(textwrap.dedent(f"""\
-            server.modules = ("mod_setenv", "mod_fastcgi", "mod_proxy")
-            server.bind = "127.0.0.1"
-            server.port = {self.port}
-            server.document-root = "{console_server.PAGES}"
-            index-file.names = ("index.html")
-            mimetype.assign = (".html" => "text/html; charset=utf-8", ".css" => "text/css; charset=utf-8",
-                               ".js" => "text/javascript; charset=utf-8", ".svg" => "image/svg+xml")
-            server.errorlog = "{self.directory}/lighttpd.log"
-            server.upload-dirs = ("{self.directory}/uploads")
-            server.max-request-size = {LARGEST_REQUEST_KB}
-            server.stream-request-body = 1
-            server.max-connections = 64
-            # The program compares the URI as the client sent it.
-            server.http-parseopts = ("header-strict" => "enable", "host-strict" => "enable",
-                                     "host-normalize" => "enable", "url-normalize" => "disable")
-            fastcgi.server = ("/api/v1/" => (("socket" => "{self.directory}/fcgi.sock", "check-local" => "disable")))
-            proxy.server = ("/console/" => (("socket" => "{self.directory}/console.sock")))
-            $HTTP["url"] !~ "^/api/" {{
-              setenv.set-response-header = ("Content-Security-Policy" => "{console_server.POLICY}",
-                                            "X-Content-Type-Options" => "nosniff", "Referrer-Policy" => "no-referrer",
-                                            "Cache-Control" => "no-cache")
-            }}
-            """))
-        server = shutil.which("lighttpd", path="/usr/sbin:/usr/bin:/usr/local/sbin")
-        with open(self.directory / "lighttpd.log", "ab") as log:
-            self._server = subprocess.Popen(["setpriv", "--pdeathsig", "TERM", server, "-D", "-f", str(configuration)],
-                                            stdin=subprocess.DEVNULL, stdout=log, stderr=log)
+        self._server = web_server.start(self.args.web_server, self.directory, self.port)
 
     def _wait_until_ready(self) -> None:
         end = time.monotonic() + READY_DEADLINE_S
         reason = "no answer"
         while time.monotonic() < end:
             if self._server.poll() is not None:
-                raise sandbox.SandboxError(f"lighttpd does not start: {self._text('lighttpd.log')}")
+                raise sandbox.SandboxError(f"{self.args.web_server} does not start: {self._text(f'{self.args.web_server}.log')}")
             try:
                 if client.request(self.base, "PUT", "/api/v1/", timeout_s=2.0).body == b"Not Found":
                     return
             except client.ClientError as error:
                 reason = str(error)
             time.sleep(0.05)
-        raise sandbox.SandboxError(f"the router does not answer: {reason}\n{self._text('stderr')}{self._text('lighttpd.log')}")
+        raise sandbox.SandboxError(f"the router does not answer: {reason}\n{self._text('stderr')}{self._text(f'{self.args.web_server}.log')}")
 
     def _text(self, name: str) -> str:
         path = self.directory / name

@@ -5,7 +5,7 @@ from pathlib import Path
 
 import pytest
 
-sys.path[:0] = [str(Path(__file__).parent), str(Path(__file__).resolve().parents[2] / "simulator")]
+sys.path[:0] = [str(Path(__file__).parent), str(Path(__file__).resolve().parents[1]), str(Path(__file__).resolve().parents[2] / "simulator")]
 
 
 def pytest_sessionfinish(session, exitstatus):
