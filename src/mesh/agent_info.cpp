@@ -54,7 +54,7 @@ void set_led_status(std::vector<AgentInfo>& agents) {
 }
 
 // False on failure, which is logged.
-bool add_agents(json_object* array) {
+bool add_agents(json::ListText& array) {
   const std::optional<std::string> dump = get_topology_dump();
   if (!dump) {
     log_error("Failed to get topology data");
@@ -66,7 +66,7 @@ bool add_agents(json_object* array) {
     return false;
   }
   set_led_status(agents);
-  for (std::size_t row = 1; row < agents.size(); ++row) add_agent_info_to_json_array(array, &agents[row]);
+  for (std::size_t row = 1; row < agents.size(); ++row) add_agent_info_to_json_array(&array, &agents[row]);
   return true;
 }
 
@@ -91,24 +91,23 @@ int get_agent_model_info(std::vector<AgentInfo>& agents) {
   return 0;
 }
 
-int add_agent_info_to_json_array(json_object* array, const AgentInfo* agent) {
+int add_agent_info_to_json_array(json::ListText* array, const AgentInfo* agent) {
   if (array == nullptr || agent == nullptr) {
     log_error("Invalid input parameters to add_agent_info_to_json_array");
     return 1;
   }
-  json::JsonPtr row = json::new_object();
-  json_object* object = row.get();
-  json::add(object, "agentDeviceNumber", agent->agentDeviceNumber);
-  json::add(object, "model", agent->model);
-  json::add(object, "macAddress", agent->macAddress);
-  json::add(object, "ipv4Address", agent->ipv4Address);
-  json::add(object, "connectParentMacAddress", agent->connectParentMacAddress);
-  json::add(object, "location", agent->location);
-  json::add(object, "locationCustom", agent->locationCustom);
-  json::add(object, "connectionType", agent->connectionType);
-  json::add(object, "linkQuality", agent->linkQuality);
-  json::add(object, "ledStatus", agent->ledStatus);
-  json::append(array, std::move(row));
+  json::ObjectText row;
+  row.add("agentDeviceNumber", agent->agentDeviceNumber);
+  row.add("model", agent->model);
+  row.add("macAddress", agent->macAddress);
+  row.add("ipv4Address", agent->ipv4Address);
+  row.add("connectParentMacAddress", agent->connectParentMacAddress);
+  row.add("location", agent->location);
+  row.add("locationCustom", agent->locationCustom);
+  row.add("connectionType", agent->connectionType);
+  row.add("linkQuality", agent->linkQuality);
+  row.add("ledStatus", agent->ledStatus);
+  array->add(std::move(row));
   return 0;
 }
 
@@ -119,16 +118,13 @@ int handle_get_mesh_agent_info(FCGX_Request* request) {
     answer_plain(request, kResultUnusable);
     return 1;
   }
-  json::JsonPtr agents = json::new_array();
-  if (role == kMeshRoleController && !add_agents(agents.get())) {
+  json::ListText agents;
+  if (role == kMeshRoleController && !add_agents(agents)) {
     answer_plain(request, kResultUnusable);
     return 1;
   }
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "agentInfo", std::move(agents));
-  topo_log("handle_get_mesh_agent_info = %s\n",
-           json_object_to_json_string_ext(document.get(), JSON_C_TO_STRING_PRETTY));
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  const std::string text = document.add("version", 1).add("agentInfo", std::move(agents)).text();
+  topo_log("handle_get_mesh_agent_info = %s\n", json::pretty(text).c_str());
+  return answer(request, text);
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "answer/json.h"
+#include "answer/json_text.h"
 #include "mesh/topology.h"
 
 inline constexpr std::size_t kMostAgentRows = 16;  // the main router's own row included
@@ -30,4 +30,4 @@ std::vector<AgentInfo> topology_to_agents(const TopologyInfo& info);
 int get_agent_model_info(std::vector<AgentInfo>& agents);
 
 // 0, or 1 when an argument is missing.
-int add_agent_info_to_json_array(json_object* array, const AgentInfo* agent);
+int add_agent_info_to_json_array(json::ListText* array, const AgentInfo* agent);

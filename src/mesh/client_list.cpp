@@ -48,47 +48,46 @@ void copy_addresses(const ClientTable& arp, ClientTable& clients) {
   }
 }
 
-json::JsonPtr client_entry(const ClientRecord& row) {
-  json::JsonPtr entry = json::new_object();
-  json::add(entry.get(), "macAddress", row.mac);
-  json::add(entry.get(), "connectionType", row.connectionType);
-  json::add(entry.get(), "rssi", std::atoi(row.rssi.c_str()));
+json::ObjectText client_entry(const ClientRecord& row) {
+  json::ObjectText entry;
+  entry.add("macAddress", row.mac).add("connectionType", row.connectionType);
+  entry.add("rssi", std::atoi(row.rssi.c_str()));
   return entry;
 }
 
 // The signal is a text here, unlike in clientList: the mesh page relies on it.
-json::JsonPtr satellite_entry(const ClientRecord& row) {
-  json::JsonPtr entry = json::new_object();
-  json::add(entry.get(), "macAddress", row.mac);
-  json::add(entry.get(), "connectionType", row.connectionType);
-  json::add(entry.get(), "rssi", row.rssi.empty() ? std::string("0") : row.rssi);
+json::ObjectText satellite_entry(const ClientRecord& row) {
+  json::ObjectText entry;
+  entry.add("macAddress", row.mac).add("connectionType", row.connectionType);
+  entry.add("rssi", row.rssi.empty() ? std::string("0") : row.rssi);
   return entry;
 }
 
 // "easyMesh01" to "easyMesh09", "easyMesh10" to "easyMesh16".
 std::string satellite_key(int number) { return (number < 9 ? "easyMesh0" : "easyMesh") + std::to_string(number + 1); }
 
-void add_satellites(json_object* root, const ClientTable& clients) {
+void add_satellites(json::ObjectText& document, const ClientTable& clients) {
   for (int number = 0; number < kMostSatellites; ++number) {
-    json::JsonPtr entries = json::new_array();
+    json::ListText entries;
+    bool is_empty = true;
     for (const ClientRecord& row : clients.rows()) {
-      if (!row.isMeshDevice && row.agentIndex == number) json::append(entries.get(), satellite_entry(row));
+      if (row.isMeshDevice || row.agentIndex != number) continue;
+      entries.add(satellite_entry(row));
+      is_empty = false;
     }
-    if (json_object_array_length(entries.get()) > 0) json::add(root, satellite_key(number).c_str(), std::move(entries));
+    if (!is_empty) document.add(satellite_key(number).c_str(), std::move(entries));
   }
 }
 
-json::JsonPtr build_document(const MeshState& mesh, const ClientTable& clients) {
-  json::JsonPtr list = json::new_array();
+json::ObjectText build_document(const MeshState& mesh, const ClientTable& clients) {
+  json::ListText list;
   for (const ClientRecord& row : clients.rows()) {
     const bool behind_satellite = mesh.is_controller() && row.agentIndex != -1;
-    if (!row.isMeshDevice && !behind_satellite) json::append(list.get(), client_entry(row));
+    if (!row.isMeshDevice && !behind_satellite) list.add(client_entry(row));
   }
-  json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "numOfClient", static_cast<int>(clients.rows().size()));
-  json::add(document.get(), "clientList", std::move(list));
-  if (mesh.enabled && mesh.is_controller()) add_satellites(document.get(), clients);
+  json::ObjectText document = json::result_text(0);
+  document.add("numOfClient", static_cast<int>(clients.rows().size())).add("clientList", std::move(list));
+  if (mesh.enabled && mesh.is_controller()) add_satellites(document, clients);
   return document;
 }
 
@@ -102,8 +101,8 @@ int handle_get_client_list(FCGX_Request* request) {
   std::optional<ClientTable> clients = collect_clients(mesh, arp);
   if (!clients) return mesh.is_agent() ? 1 : -1;
   copy_addresses(arp, *clients);
-  const json::JsonPtr document = build_document(mesh, *clients);
-  topo_log("handle_get_client_list = %s\n", json_object_to_json_string_ext(document.get(), JSON_C_TO_STRING_PRETTY));
-  answer(request, document);
+  const std::string text = build_document(mesh, *clients).text();
+  topo_log("handle_get_client_list = %s\n", json::pretty(text).c_str());
+  answer(request, text);
   return -1;
 }

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/file.h"
 #include "platform/process.h"
@@ -28,8 +29,8 @@ void set_admin_password(const std::string& password) {
 }
 
 // A text of 1 to `most` bytes on one line.
-std::optional<std::string> read_text(json_object* json, const char* key, std::size_t most) {
-  std::optional<std::string> text = json::text_member(json, key);
+std::optional<std::string> read_text(const json::Document& document, const char* key, std::size_t most) {
+  std::optional<std::string> text = document->text(key);
   if (!text || text->empty() || text->size() > most || text->find('\n') != std::string::npos) return std::nullopt;
   return text;
 }
@@ -37,14 +38,14 @@ std::optional<std::string> read_text(json_object* json, const char* key, std::si
 }  // namespace
 
 int handle_set_accounts(FCGX_Request* request, const char* body) {
-  const json::JsonPtr json = json::parse(body);
-  if (!json) {
+  const json::Document document(body);
+  if (!document) {
     std::fputs("1Failed to parse JSON\n", stderr);
     return answer(request, kResultUnusable);
   }
-  const std::optional<std::string> user = read_text(json.get(), "newUser", kUserMax);
-  const std::optional<std::string> password = read_text(json.get(), "newPassword", kPasswordMax);
-  const std::string old_password = json::text_member(json.get(), "oldPassword").value_or("");  // never compared
+  const std::optional<std::string> user = read_text(document, "newUser", kUserMax);
+  const std::optional<std::string> password = read_text(document, "newPassword", kPasswordMax);
+  const std::string old_password = document->text("oldPassword").value_or("");  // never compared
   if (!user || !password || old_password.size() > kPasswordMax) return answer(request, kResultUnusable);
 
   UciSetOption("/etc/config", "rpcd", "log_on", "username", user->c_str());

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/background.h"
 #include "platform/file.h"
@@ -79,8 +80,8 @@ std::string_view answer_of(int result) {
 }
 
 // 0 when there is something to download, or the `result` to answer.
-int check_for_update(json_object* json, int brand_index) {
-  const std::optional<int> check_and_update = json::int_member(json, "checkAndUpdate");
+int check_for_update(const json::Document& document, int brand_index) {
+  const std::optional<int> check_and_update = document->number("checkAndUpdate");
   std::string running;
   if (!check_and_update || count_running_tools(running) != 0) return 1;
   if (std::atoi(running.c_str()) != 0) return 2;
@@ -107,9 +108,8 @@ int handle_system_firmware(FCGX_Request* request, const char* body) {
 }
 
 int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
-  const json::JsonPtr json = json::parse(body);
   const int brand_index = get_brand_index();
-  if (const int result = check_for_update(json.get(), brand_index); result != 0) {
+  if (const int result = check_for_update(json::Document(body), brand_index); result != 0) {
     return answer(request, answer_of(result));
   }
   exec_automatic_download_and_verify(brand_index);
@@ -117,11 +117,7 @@ int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
   if (check_download_fw_res(verified) != 0) return answer(request, kResultUnusable);
   if (verified != 0) return answer(request, kResultNotVerified);
 
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "waitTime", 300);
-  answer(request, document);
+  answer(request, json::result_text(0).add("version", 1).add("waitTime", 300));
   platform::start_detached([brand_index] { run_hota_update(brand_index); });
   return 0;
 }

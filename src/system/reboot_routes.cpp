@@ -4,6 +4,7 @@
 #include <string>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/background.h"
 #include "platform/log.h"
@@ -48,11 +49,10 @@ std::string_view reboot_answer() {
 }  // namespace
 
 int handle_reboot(FCGX_Request* request, const char* body) {
-  prepare_map_e();
-  const json::JsonPtr json = json::parse(body);
-  const int delay = json::int_member(json.get(), "timeTillReboot").value_or(-1);
+  const int delay = json::Document(body)->number("timeTillReboot").value_or(-1);
   if (delay < 0 || delay > kLongestDelay) return answer(request, kResultUnusable);
 
+  prepare_map_e();
   const std::string_view text = reboot_answer();
   if (delay > 0) {
     start_reboot_timer(static_cast<unsigned int>(delay));
@@ -68,7 +68,7 @@ int handle_initialize(FCGX_Request* request, const char* /*body*/) {
     os_system("/sbin/firstboot -r -y");
   });
   if (!started) {
-    log_debug("pthread_create fail\n");
+    log_debug("pthread_create fail");
     return answer(request, kResultFailed);
   }
   return answer(request, is_tesmir_device_id() ? kResetWait480 : kResetWait420);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/file.h"
 #include "system_helpers.h"
@@ -35,10 +36,10 @@ bool is_time(std::string_view text) {
   return four_digits && text.substr(0, 2) <= "23" && text.substr(2) <= "59";
 }
 
-std::optional<Schedule> read_schedule(json_object* json) {
-  const std::optional<int> status = json::int_member(json, "rebootSchduleStatus");
-  const std::optional<int> day = json::int_member(json, "rebootDayOfWeek");
-  const std::optional<std::string> time = json::text_member(json, "rebootTime");
+std::optional<Schedule> read_schedule(const json::Document& document) {
+  const std::optional<int> status = document->number("rebootSchduleStatus");
+  const std::optional<int> day = document->number("rebootDayOfWeek");
+  const std::optional<std::string> time = document->text("rebootTime");
   if (!status || !day || !time) return std::nullopt;
   if (*status < 0 || *status > 1 || *day < 0 || *day > 7 || !is_time(*time)) return std::nullopt;
   return Schedule{*status, *day, *time};
@@ -69,26 +70,19 @@ void apply_schedule(const Schedule& schedule) {
 
 int handle_get_reboot_schedule(FCGX_Request* request) {
   Schedule schedule{0, 0, "0000"};
-  const json::JsonPtr document = json::new_object();
   if (const std::optional<std::string> text = platform::read_file(kSchedulePath)) {
     const std::optional<Schedule> stored = parse_schedule(*text);
-    if (!stored) {
-      json::add(document.get(), "result", 1);
-      return answer_plain(request, document);
-    }
+    if (!stored) return answer_plain(request, json::result_text(1));
     schedule = *stored;
   }
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "rebootSchduleStatus", schedule.status);
-  json::add(document.get(), "rebootDayOfWeek", schedule.day_of_week);
-  json::add(document.get(), "rebootTime", schedule.time);
-  return answer_plain(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("rebootSchduleStatus", schedule.status);
+  document.add("rebootDayOfWeek", schedule.day_of_week).add("rebootTime", schedule.time);
+  return answer_plain(request, std::move(document));
 }
 
 int handle_set_reboot_schedule(FCGX_Request* request, const char* body) {
-  const json::JsonPtr json = json::parse(body);
-  const std::optional<Schedule> schedule = read_schedule(json.get());
+  const std::optional<Schedule> schedule = read_schedule(json::Document(body));
   if (!schedule) return answer_plain(request, kResultUnusable);
   apply_schedule(*schedule);
   return answer_plain(request, kResultOkWait20);

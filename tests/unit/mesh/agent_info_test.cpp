@@ -21,10 +21,11 @@ TEST(TopologyToAgents, StopsAtSixteenRows) {
 
 TEST(AddAgentInfo, RefusesMissingArguments) {
   const AgentInfo agent;
-  const json::JsonPtr array = json::new_array();
+  json::ListText array;
   EXPECT_EQ(add_agent_info_to_json_array(nullptr, &agent), 1);
-  EXPECT_EQ(add_agent_info_to_json_array(array.get(), nullptr), 1);
-  EXPECT_EQ(add_agent_info_to_json_array(array.get(), &agent), 0);
+  EXPECT_EQ(add_agent_info_to_json_array(&array, nullptr), 1);
+  EXPECT_EQ(array.text(), "[ ]");
+  EXPECT_EQ(add_agent_info_to_json_array(&array, &agent), 0);
 }
 
 TEST(TopologyToAgents, WalksDepthFirstAndLeavesOutWhatHangsBelowAFullList) {
