@@ -96,15 +96,24 @@ int check_for_update(const json::Document& document, int brand_index) {
   return check_update_status(status) == 0 && status == 1 ? 0 : 1;
 }
 
+// False when no thread could be made: an image that nothing will install does not stay.
+platform::ReadyWork prepare_installation() {
+  platform::ReadyWork installation =
+      platform::ready_thread([install = update_tool(get_brand_index())->install] { os_system(install); });
+  if (!installation) unlink(kFirmwarePath);
+  return installation;
+}
+
 }  // namespace
 
 int handle_system_firmware(FCGX_Request* request, const char* body) {
   log_debug(" system upgrade start ...\n");
-  const int result = accept_upload(request, body);
+  int result = accept_upload(request, body);
+  platform::ReadyWork installation = result == 0 ? prepare_installation() : platform::ReadyWork();
+  if (result == 0 && !installation) result = 1;
   answer_plain(request, answer_of(result));
-  if (result != 0) return 1;
-  platform::start_detached([install = update_tool(get_brand_index())->install] { os_system(install); });
-  return 0;
+  installation.begin();
+  return result == 0 ? 0 : 1;
 }
 
 int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
@@ -117,7 +126,9 @@ int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
   if (check_download_fw_res(verified) != 0) return answer(request, kResultUnusable);
   if (verified != 0) return answer(request, kResultNotVerified);
 
+  platform::ReadyWork update = platform::ready_thread([brand_index] { run_hota_update(brand_index); });
+  if (!update) return answer(request, kResultUnusable);
   answer(request, json::result_text(0).add("version", 1).add("waitTime", 300));
-  platform::start_detached([brand_index] { run_hota_update(brand_index); });
+  update.begin();
   return 0;
 }

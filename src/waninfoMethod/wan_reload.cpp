@@ -39,11 +39,15 @@ namespace wan {
 
 ReloadFlags reload_flags;
 
-void safe_execute_network_reload() {
-  if (platform::start_daemon(reload_network) == platform::DaemonStart::kForkFailed) {
-    log_error("Fork failed!");
-    return;
-  }
+platform::ReadyWork prepare_network_reload() {
+  platform::ReadyWork reload = platform::ready_daemon(reload_network);
+  if (!reload) log_error("Fork failed!");
+  return reload;
+}
+
+void safe_execute_network_reload(platform::ReadyWork reload) {
+  if (!reload) return;
+  reload.begin();
   log_debug("Network reload task pushed to daemon safely.");
 }
 

@@ -1,6 +1,8 @@
 // The reload that follows a WAN request, and the switch of NAT acceleration.
 #pragma once
 
+#include "platform/background.h"
+
 namespace wan {
 
 // What the next reload has to do beside the network; each request that is applied sets all three.
@@ -11,8 +13,10 @@ struct ReloadFlags {
 };
 extern ReloadFlags reload_flags;
 
-// Starts the daemon that reloads the network, UPnP and NAT acceleration after the answer is out.
-void safe_execute_network_reload();
+// Makes the daemon that reloads the network, UPnP and NAT acceleration; false when it cannot be made, which is logged.
+platform::ReadyWork prepare_network_reload();
+// Lets it begin, once the answer is out.
+void safe_execute_network_reload(platform::ReadyWork reload);
 
 }  // namespace wan
 

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
 #include "domain/wan_modes.h"
@@ -99,8 +100,11 @@ bool reset_wan() {
 }  // namespace
 
 int handle_set_wanInfo_json(FCGX_Request* request, const char* body) {
-  answer(request, apply_wan_info(body));
-  wan::safe_execute_network_reload();  // after a refused request, too
+  std::string_view result = apply_wan_info(body);
+  platform::ReadyWork reload = wan::prepare_network_reload();  // after a refused request, too
+  if (!reload && result != kResultUnusable) result = kResultFailed;
+  answer(request, result);
+  wan::safe_execute_network_reload(std::move(reload));
   return 0;
 }
 

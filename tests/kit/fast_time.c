@@ -103,6 +103,25 @@ int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, cl
   return real(condition, mutex, clock, &soon);
 }
 
+// Where a test says so, no thread and no copy of the program can be made, as at the limit of processes.
+static int is_refused(const char* switch_file) {
+  if (access(switch_file, F_OK) != 0) return 0;
+  errno = EAGAIN;
+  return 1;
+}
+
+int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*work)(void*), void* argument) {
+  static int (*real)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "pthread_create");
+  return is_refused("/router/no-threads") ? EAGAIN : real(thread, attributes, work, argument);
+}
+
+pid_t fork(void) {
+  static pid_t (*real)(void);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "fork");
+  return is_refused("/router/no-forks") ? -1 : real();
+}
+
 // A timer is kept as {"tool": "timer", "args": ["20"]} and goes off after a moment. Disarming one is not kept.
 int timer_settime(timer_t timer, int flags, const struct itimerspec* wanted, struct itimerspec* old) {
   static int (*real)(timer_t, int, const struct itimerspec*, struct itimerspec*);

@@ -162,3 +162,15 @@ def test_an_unknown_brand_is_result_1(router):
 @pytest.mark.parametrize("body", [None, *GARBAGE_BODIES.values()], ids=["none", *GARBAGE_BODIES])
 def test_an_unusable_body_is_result_1(router, body):
     assert router.post(AUTOMATIC, body).json == {"result": 1}
+
+
+@pytest.mark.parametrize("uri", [UPLOAD, AUTOMATIC])
+def test_an_installation_that_cannot_be_started_is_no_success(router, uri):
+    verifies(router)
+    router.tool("/usr/sbin/orvanehota", "-d", write={FILE: "image"})
+    router.write("/tmp/HotaVersionStatus", "1\n")
+    router.write("/router/no-threads", "")
+    a = upload(router) if uri == UPLOAD else router.post(AUTOMATIC, {"checkAndUpdate": 1})
+    assert a.json == {"result": 1}
+    assert f"{tool_of('orvane')} -u" not in router.commands()
+    assert not (uri == UPLOAD and router.exists(FILE))

@@ -155,3 +155,14 @@ def test_no_reload_stays_behind(wan):
     for code in (3, 9):
         apply(wan, wanMethod=code)
         assert wan.processes() == [wan.pid()]
+
+
+def test_a_reload_that_cannot_be_started_is_no_success(wan):
+    wan.write("/router/no-forks", "")
+    assert wan.post(URI, request()).json == {"result": 2}
+    assert wan.logged("Fork failed!", priority=3)
+    assert wan.post(URI, {}).text == UNUSABLE
+    assert not wan.logged("pushed to daemon safely")
+    wan.remove("/router/no-forks")
+    apply(wan)
+    wan.assert_calls(*RELOAD)

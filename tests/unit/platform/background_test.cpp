@@ -7,7 +7,9 @@
 #include <condition_variable>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <future>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <sys/stat.h>
@@ -18,7 +20,6 @@
 
 #include "platform/file.h"
 #include "platform/log.h"
-#include "platform/process.h"
 
 namespace {
 
@@ -39,6 +40,16 @@ TEST(StartTimer, RunsTheWorkOnceItsTimeHasCome) {
   EXPECT_EQ(done.get_future().wait_for(kDeadline), std::future_status::ready);
 }
 
+// What the process holds, but for the folder that it reads this from.
+std::string open_descriptors() {
+  std::string listed;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    const std::string target = std::filesystem::read_symlink(entry.path());
+    if (!target.starts_with("/proc/")) listed += target + '\n';
+  }
+  return listed;
+}
+
 // Reads until the daemon, the only writer, has gone.
 std::string read_to_end(int fifo) {
   std::string text;
@@ -54,19 +65,58 @@ TEST(StartDaemon, HoldsOnlyItsStandardStreams) {
   std::remove(path);
   ASSERT_EQ(mkfifo(path, 0600), 0);
   const int held = open("/dev/null", O_RDONLY);
-  const auto started = platform::start_daemon([path] {
-    const platform::ProcessResult listed = platform::run_shell("for fd in /proc/$PPID/fd/*; do readlink $fd; done");
-    platform::write_file(path, listed.output + "end\n");
-  });
+  const auto started = platform::start_daemon([path] { platform::write_file(path, open_descriptors() + "end\n"); });
   EXPECT_EQ(started, platform::DaemonStart::kStarted);
   const platform::UniqueFd fifo(open(path, O_RDONLY));
   const std::string listed = read_to_end(fifo.get());
   close(held);
   std::remove(path);
-  // The fourth is the pipe through which the daemon reads what its child lists.
-  EXPECT_TRUE(listed.starts_with("/dev/null\n/dev/null\n/dev/null\n")) << listed;
-  EXPECT_EQ(listed.find("/dev/null", 30), std::string::npos) << listed;
-  EXPECT_TRUE(listed.ends_with("end\n")) << listed;
+  EXPECT_EQ(listed, "/dev/null\n/dev/null\n/dev/null\nend\n");
+}
+
+TEST(ReadyThread, BeginsWhenItIsTold) {
+  std::promise<void> done;
+  std::atomic<bool> told{false};
+  platform::ReadyWork work = platform::ready_thread([&] {
+    EXPECT_TRUE(told);
+    done.set_value();
+  });
+  ASSERT_TRUE(work);
+  told = true;
+  work.begin();
+  EXPECT_FALSE(work);
+  EXPECT_EQ(done.get_future().wait_for(kDeadline), std::future_status::ready);
+}
+
+TEST(ReadyThread, ThatIsDroppedNeverBegins) {
+  auto owned = std::make_shared<std::promise<void>>();
+  std::future<void> ended = owned->get_future();
+  ASSERT_TRUE(platform::ready_thread([owned] { owned->set_value(); }));
+  owned.reset();  // the thread is the last owner: as it ends, the promise is broken
+  ASSERT_EQ(ended.wait_for(kDeadline), std::future_status::ready);
+  EXPECT_THROW(ended.get(), std::future_error);
+}
+
+TEST(ReadyDaemon, BeginsWhenItIsTold) {
+  const char* path = "/tmp/background_test_fifo";
+  std::remove(path);
+  ASSERT_EQ(mkfifo(path, 0600), 0);
+  platform::ReadyWork work =
+      platform::ready_daemon([path] { platform::write_file(path, open_descriptors() + "end\n"); });
+  ASSERT_TRUE(work);
+  const platform::UniqueFd fifo(open(path, O_RDONLY | O_NONBLOCK));
+  std::array<char, 8> piece{};
+  EXPECT_EQ(read(fifo.get(), piece.data(), piece.size()), 0);  // nobody writes yet
+  fcntl(fifo.get(), F_SETFL, 0);
+  const platform::UniqueFd again(open(path, O_RDWR));
+  work.begin();
+  std::string listed;
+  while (!listed.ends_with("end\n")) {
+    std::array<char, 4096> more{};
+    listed.append(more.data(), static_cast<std::size_t>(read(fifo.get(), more.data(), more.size())));
+  }
+  std::remove(path);
+  EXPECT_EQ(listed, "/dev/null\n/dev/null\n/dev/null\nend\n");
 }
 
 TEST(StartDaemon, IsSafeWhileOtherThreadsLog) {
