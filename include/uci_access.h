@@ -1,4 +1,6 @@
-// The UCI access layer: each call opens its own libuci context, does one thing, commits what it changed, and frees it.
+// The UCI access layer. Each call does one thing, on the session of the calling thread (platform/uci_session.h): reads
+// come from the loaded package, changes are committed before anybody else could look. Without a session a call has one
+// for itself alone, and commits before it returns.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +14,7 @@
 // - The address ("package.section.option=value") holds at most kUciAddressMax bytes; what does not fit is cut off
 //   silently, value included: other daemons of the platform rely on the same bound.
 // - The result is 0 for success and 1 for any failure, which is logged once. "Success" of a change means that it was
-//   made and a commit was attempted: a failed commit is logged, the result stays 0.
+//   made: a commit that fails later is logged, the result stays 0.
 // - Safe from any thread; calls are not serialised against each other.
 inline constexpr std::size_t kUciAddressMax = 254;
 

@@ -6,6 +6,7 @@
 
 #include "encrypted_body.h"
 #include "platform/run_guarded.h"
+#include "platform/uci_session.h"
 
 namespace {
 
@@ -16,6 +17,7 @@ void write_bytes(FCGX_Request* request, std::string_view text) {
 }  // namespace
 
 void write_json_headers(FCGX_Request* request) {
+  platform::settle_uci();  // whoever reads the answer may look at the packages
   write_bytes(request, "Content-Type: application/json\r\n");
   write_bytes(request, "Status: 200 OK\r\n");
   write_bytes(request, "\r\n");

@@ -17,6 +17,7 @@
 
 #include "platform/log.h"
 #include "platform/run_guarded.h"
+#include "platform/uci_session.h"
 
 namespace platform {
 namespace {
@@ -65,6 +66,7 @@ bool is_told_to_begin(int waiter) {
 }  // namespace
 
 bool start_detached(std::function<void()> work) {
+  settle_uci();
   try {
     std::thread([work = std::move(work)] { run_guarded(work); }).detach();
     return true;
@@ -74,6 +76,7 @@ bool start_detached(std::function<void()> work) {
 }
 
 DaemonStart start_daemon(const std::function<void()>& work, int kept_descriptor) {
+  settle_uci();
   const pid_t child = fork_with_log_idle();
   if (child < 0) return DaemonStart::kForkFailed;
   if (child == 0) run_as_daemon(work, kept_descriptor);
@@ -83,6 +86,7 @@ DaemonStart start_daemon(const std::function<void()>& work, int kept_descriptor)
 
 void ReadyWork::begin() {
   constexpr char kWord = 1;
+  settle_uci();
   if (gate_.valid()) send(gate_.get(), &kWord, 1, MSG_NOSIGNAL);
   gate_.reset();
 }
@@ -120,6 +124,7 @@ bool start_timer(unsigned int seconds, std::function<void()> work) {
 }
 
 void sleep_seconds(unsigned int seconds) {
+  release_uci();
   while (seconds > 0) seconds = sleep(seconds);
 }
 

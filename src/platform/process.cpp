@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "platform/file.h"
+#include "platform/uci_session.h"
 
 extern char** environ;
 
@@ -163,6 +164,7 @@ int ProcessResult::exit_status() const { return WIFEXITED(wait_status) ? WEXITST
 ProcessResult run(const std::vector<std::string>& argv, const ProcessOptions& options) {
   ProcessResult result;
   if (argv.empty() || argv[0].empty()) return result;
+  settle_uci();
 
   SpawnPlan plan;
   UniqueFd to_child;

@@ -5,12 +5,14 @@
 #include <functional>
 
 #include "platform/log.h"
+#include "platform/uci_session.h"
 
 namespace platform {
 
 // Runs `work`; what it throws is logged, since nobody could catch it.
 inline void run_guarded(const std::function<void()>& work) noexcept {
   try {
+    const UciSession session;
     work();
   } catch (const std::exception& error) {
     log_error("background work ended: %s\n", error.what());

@@ -11,6 +11,7 @@ namespace platform {
 
 int StoppableThread::start(std::function<void()> work) {
   stop();
+  settle_uci();
   {
     const std::lock_guard lock(mutex_);
     running_ = true;
@@ -39,6 +40,7 @@ void StoppableThread::stop() {
 }
 
 bool StoppableThread::wait_seconds(unsigned int seconds) {
+  release_uci();
   std::unique_lock lock(mutex_);
   // A step that ends early without the flag being cleared only makes the wait a second shorter.
   for (; running_ && seconds > 0; --seconds) changed_.wait_for(lock, std::chrono::seconds(1));

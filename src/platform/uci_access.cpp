@@ -1,26 +1,21 @@
-// The UCI access layer on libuci's public interface.
+// The UCI access layer on libuci's public interface, working on the calling thread's session.
 #include "uci_access.h"
 
 #include <algorithm>
 #include <cstring>
 #include <initializer_list>
-#include <memory>
+#include <optional>
 #include <string_view>
 
 #include <uci.h>
 
 #include "platform/log.h"
+#include "platform/uci_session.h"
 
 namespace {
 
 constexpr unsigned int kSuccess = 0;
 constexpr unsigned int kFailure = 1;
-
-// Every message carries the name and line of the wrapper that failed, so the macro stands in the wrappers.
-struct FreeContext {
-  void operator()(uci_context* context) const noexcept { uci_free_context(context); }
-};
-using UciContextPtr = std::unique_ptr<uci_context, FreeContext>;
 
 const char* text_or_empty(const char* text) { return text == nullptr ? "" : text; }
 
@@ -40,106 +35,117 @@ struct Address {
   std::string text;
 };
 
-UciContextPtr open_context(const char* confdir) {
-  UciContextPtr context(uci_alloc_context());
-  if (context && confdir != nullptr) uci_set_confdir(context.get(), confdir);
-  return context;
-}
+// The calling thread's session, or one for this call alone, which commits when the call ends.
+class CallSession {
+ public:
+  CallSession() {
+    if (platform::UciSession::current() == nullptr) own_.emplace();
+  }
+  platform::UciSession* operator->() const { return platform::UciSession::current(); }
+
+ private:
+  std::optional<platform::UciSession> own_;
+};
 
 bool look_up(uci_context* context, Address& address, uci_ptr& found) {
   return uci_lookup_ptr(context, &found, address.text.data(), true) == UCI_OK;
 }
 
+// The whole package, whether it was loaded before or not; nullptr when it cannot be read.
+uci_package* load(uci_context* context, const char* package) {
+  if (package == nullptr || *package == '\0') return nullptr;
+  std::string address = package;
+  uci_ptr found{};
+  return uci_lookup_ptr(context, &found, address.data(), true) == UCI_OK ? found.p : nullptr;
+}
+
 bool is_complete(const uci_ptr& found) { return (found.flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0; }
 
-// The steps that every wrapper begins with; they return from it on failure.
-#define OPEN_CONTEXT(confdir)                          \
-  const UciContextPtr context = open_context(confdir); \
-  if (!context) {                                      \
-    log_error("alloc uci context failed");             \
-    return kFailure;                                   \
+// The steps that every wrapper begins with; they return from it on failure. Every message carries the name and line of
+// the wrapper that failed, so the macro stands in the wrappers.
+#define OPEN_CONTEXT(confdir, package)                                                \
+  const CallSession session;                                                          \
+  uci_context* const context = session->context_for(confdir, text_or_empty(package)); \
+  if (context == nullptr) {                                                           \
+    log_error("alloc uci context failed");                                            \
+    return kFailure;                                                                  \
   }
 #define LOOK_UP(address)                                             \
   uci_ptr found{};                                                   \
-  if (!look_up(context.get(), address, found)) {                     \
+  if (!look_up(context, address, found)) {                           \
     log_error("uci_lookup_ptr %s failed.", (address).shown.c_str()); \
     return kFailure;                                                 \
   }
-// A commit that failed is told in the log alone: the change itself was made.
-#define COMMIT(package)                                         \
-  if (uci_commit(context.get(), &(package), false) != UCI_OK) { \
-    log_error("uci_commit failed.");                            \
-  }
+// A commit that fails later is told in the log alone: the change itself was made.
+#define MARK_CHANGED(package) session->mark_changed(package, __func__, __LINE__)
 
 }  // namespace
 
 unsigned int UciCheckSection(const char* confdir, const char* package, const char* section) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section});
   LOOK_UP(address)
   if (is_complete(found)) return kSuccess;
-  context->err = UCI_ERR_NOTFOUND;
   log_error("find tuple failed.");
   return kFailure;
 }
 
 unsigned int UciCreatSection(const char* confdir, const char* package, const char* type, const char* name) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, name}, text_or_empty(type));
   LOOK_UP(address)
-  if (uci_set(context.get(), &found) != UCI_OK) {
+  if (uci_set(context, &found) != UCI_OK) {
     log_error("uci_set %s.%s=%s failed.", text_or_empty(package), text_or_empty(type), text_or_empty(name));
     return kFailure;
   }
-  COMMIT(found.p)
+  MARK_CHANGED(found.p);
   return kSuccess;
 }
 
 unsigned int UciCreateAnonymousSection(const char* confdir, const char* package, const char* type) {
-  OPEN_CONTEXT(confdir)
-  uci_package* loaded = nullptr;
-  if (package == nullptr || uci_load(context.get(), package, &loaded) != UCI_OK) {
+  OPEN_CONTEXT(confdir, package)
+  uci_package* loaded = load(context, package);
+  if (loaded == nullptr) {
     log_error("uci_load %s failed.", text_or_empty(package));
     return kFailure;
   }
   uci_section* added = nullptr;
-  if (type == nullptr || uci_add_section(context.get(), loaded, type, &added) != UCI_OK) {
+  if (type == nullptr || uci_add_section(context, loaded, type, &added) != UCI_OK) {
     log_error("uci_add_section %s.%s failed.", package, text_or_empty(type));
     return kFailure;
   }
-  COMMIT(loaded)
+  MARK_CHANGED(loaded);
   return kSuccess;
 }
 
 unsigned int UciDelSection(const char* confdir, const char* package, const char* section) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section});
   LOOK_UP(address)
-  if (uci_delete(context.get(), &found) != UCI_OK) return kFailure;
-  COMMIT(found.p)
+  if (uci_delete(context, &found) != UCI_OK) return kFailure;
+  MARK_CHANGED(found.p);
   return kSuccess;
 }
 
 unsigned int UciSetOption(const char* confdir, const char* package, const char* section, const char* option,
                           const char* value) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section, option}, text_or_empty(value));
   LOOK_UP(address)
-  if (uci_set(context.get(), &found) != UCI_OK) {
+  if (uci_set(context, &found) != UCI_OK) {
     log_error("uci_set %s failed.", address.shown.c_str());
     return kFailure;
   }
-  COMMIT(found.p)
+  MARK_CHANGED(found.p);
   return kSuccess;
 }
 
 unsigned int UciGetOption(const char* confdir, const char* package, const char* section, const char* option, char* out,
                           std::size_t size) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section, option});
   LOOK_UP(address)
   if (!is_complete(found) || found.o == nullptr || found.o->type != UCI_TYPE_STRING) {
-    context->err = UCI_ERR_NOTFOUND;
     log_error("find tuple %s.%s.%s failed.", text_or_empty(package), text_or_empty(section), text_or_empty(option));
     return kFailure;
   }
@@ -151,60 +157,60 @@ unsigned int UciGetOption(const char* confdir, const char* package, const char* 
 }
 
 unsigned int UciDelOption(const char* confdir, const char* package, const char* section, const char* option) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section, option});
   LOOK_UP(address)
-  if (uci_delete(context.get(), &found) != UCI_OK) return kFailure;
-  COMMIT(found.p)
+  if (uci_delete(context, &found) != UCI_OK) return kFailure;
+  MARK_CHANGED(found.p);
   return kSuccess;
 }
 
 unsigned int UciAddList(const char* confdir, const char* package, const char* section, const char* option,
                         const char* value) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section, option}, text_or_empty(value));
   LOOK_UP(address)
-  if (uci_add_list(context.get(), &found) != UCI_OK) {
+  if (uci_add_list(context, &found) != UCI_OK) {
     log_error("uci_add_list %s failed.", address.shown.c_str());
     return kFailure;
   }
-  COMMIT(found.p)
+  MARK_CHANGED(found.p);
   return kSuccess;
 }
 
 unsigned int uci_stage_list_element(const char* package, const char* section, const char* option,
                                     const std::string& value) {
-  OPEN_CONTEXT(nullptr)
+  OPEN_CONTEXT(nullptr, package)
+  session->commit();  // what is staged below must not take earlier changes with it
   Address address({package, section, option});
   address.text += '=' + value;
   LOOK_UP(address)
-  if (uci_add_list(context.get(), &found) != UCI_OK || uci_save(context.get(), found.p) != UCI_OK) {
-    log_error("uci_add_list %s failed.", address.shown.c_str());
-    return kFailure;
-  }
-  return kSuccess;
+  const bool is_staged = uci_add_list(context, &found) == UCI_OK && uci_save(context, found.p) == UCI_OK;
+  uci_unload(context, found.p);
+  if (is_staged) return kSuccess;
+  log_error("uci_add_list %s failed.", address.shown.c_str());
+  return kFailure;
 }
 
 unsigned int UciDelList(const char* confdir, const char* package, const char* section, const char* option,
                         const char* value) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section, option}, text_or_empty(value));
   LOOK_UP(address)
-  if (uci_del_list(context.get(), &found) != UCI_OK) {
+  if (uci_del_list(context, &found) != UCI_OK) {
     log_error("uci_del_list %s failed.", address.shown.c_str());
     return kFailure;
   }
-  COMMIT(found.p)
+  MARK_CHANGED(found.p);
   return kSuccess;
 }
 
 unsigned int UciGetlist(const char* confdir, const char* package, const char* section, const char* option, char* out,
                         std::size_t element_size, std::size_t max_count, std::size_t* count) {
-  OPEN_CONTEXT(confdir)
+  OPEN_CONTEXT(confdir, package)
   Address address({package, section, option});
   LOOK_UP(address)
   if (!is_complete(found) || found.o == nullptr) {
-    context->err = UCI_ERR_NOTFOUND;
     log_error("find tuple %s.%s.%s failed.", text_or_empty(package), text_or_empty(section), text_or_empty(option));
     return kFailure;
   }
@@ -227,9 +233,10 @@ unsigned int UciGetlist(const char* confdir, const char* package, const char* se
 }
 
 int uci_count_sections(const char* package, const char* type) {
-  const UciContextPtr context = open_context(nullptr);
-  uci_package* loaded = nullptr;
-  if (!context || uci_load(context.get(), package, &loaded) != UCI_OK) return -1;
+  const CallSession session;
+  uci_context* const context = session->context_for(nullptr, package);
+  const uci_package* loaded = context == nullptr ? nullptr : load(context, package);
+  if (loaded == nullptr) return -1;
   int count = 0;
   uci_element* element = nullptr;
   uci_foreach_element(&loaded->sections, element) {

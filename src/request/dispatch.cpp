@@ -11,6 +11,7 @@
 
 #include "answer/answer.h"
 #include "encrypted_body.h"
+#include "platform/uci_session.h"
 #include "request/body.h"
 #include "route_table.h"
 
@@ -77,6 +78,7 @@ int dispatch_post(FCGX_Request* request, std::string_view uri) {
 
 int dispatch_request(FCGX_Request* request) {
   if (request == nullptr) return kNotHandled;
+  const platform::UciSession session;
   const char* method = FCGX_GetParam("REQUEST_METHOD", request->envp);
   const char* uri = FCGX_GetParam("REQUEST_URI", request->envp);
   if (method == nullptr || uri == nullptr) return kNotHandled;
