@@ -21,9 +21,10 @@ Words words_of(std::string text) {
   const std::unique_ptr<std::FILE, CloseStream> stream(fmemopen(text.data(), text.size(), "r"));
   uci::WordReader reader(stream.get());
   Words words;
+  std::string word;
   try {
     if (!reader.next_line()) return words;
-    while (std::optional<std::string> word = reader.word()) words.push_back(*word);
+    while (reader.read_word(word)) words.push_back(word);
   } catch (const uci::WordError&) {
     return {"(error)"};
   }

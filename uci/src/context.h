@@ -21,11 +21,8 @@ struct uci_parse_context {
 
 namespace uci {
 
-// A file that cannot be parsed: remembers where, and throws.
+// A file that cannot be parsed: remembers where, prints it where UCI_FLAG_PERROR asks for that, and throws.
 [[noreturn]] void fail_parse(uci_context& context, const std::string& reason, int line, std::size_t byte);
-
-// Prints the remembered parse error, as UCI_FLAG_PERROR asks for.
-void print_parse_error(const uci_context& context);
 
 // Runs the body of a public function: clears ctx->err, turns a Failure into its code.
 template <class Body>

@@ -72,15 +72,15 @@ bool remove(uci_section& section, const Record& record) {
   return true;
 }
 
-bool rename(uci_section& section, const Record& record) {
+bool apply_rename(uci_section& section, const Record& record) {
   if (record.option == nullptr) {
     if (!may_be_named(section, record.value)) return false;
+    rename(section, record.value);
     section.anonymous = false;
-    replace_text(section.e.name, record.value);
     return true;
   }
   uci_option* option = find_option(section, record.option);
-  if (option != nullptr) replace_text(option->e.name, record.value);
+  if (option != nullptr) rename(*option, record.value);
   return option != nullptr;
 }
 
@@ -96,7 +96,7 @@ bool apply_to_section(uci_section& section, const Record& record) {
     case UCI_CMD_REMOVE:
       return remove(section, record);
     case UCI_CMD_RENAME:
-      return rename(section, record);
+      return apply_rename(section, record);
     case UCI_CMD_LIST_DEL:
       return remove_from_list(section, record);
     case UCI_CMD_REORDER:
@@ -137,26 +137,28 @@ std::string format_record(std::string_view package, const Record& record) {
 
 Record record_of(const uci_delta& delta) { return {delta.cmd, delta.section, delta.e.name, delta.value}; }
 
-void read_records(std::FILE* stream, std::string_view package, const std::function<void(const Record&)>& use) {
-  WordReader words(stream);
+void read_records(std::string_view text, std::string_view package, const std::function<void(const Record&)>& use) {
+  WordReader words(text);
+  std::string word;
+  std::string extra;
   while (true) {
     try {
       if (!words.next_line()) return;
-      std::optional<std::string> text = words.word();
-      if (!text) continue;
-      const bool alone = words.word().value_or("").empty();
-      if (const std::optional<Record> record = alone ? parse_record(*text, package) : std::nullopt) use(*record);
+      words.read_word(word);
+      words.read_word(extra);
+      if (!extra.empty()) continue;
+      if (const std::optional<Record> record = parse_record(word, package)) use(*record);
     } catch (const WordError&) {
       continue;  // no record either
     }
   }
 }
 
-int apply_records(std::FILE* stream, uci_package& package) {
+int apply_records(std::string_view text, uci_package& package) {
   const bool note = (package.ctx->flags & UCI_FLAG_SAVED_DELTA) != 0;
   int applied = 0;
-  read_records(stream, package.e.name, [&](const Record& record) {
-    if (note) new_delta(package.saved_delta, record.command, record.section, record.option, record.value);
+  read_records(text, package.e.name, [&](const Record& record) {
+    if (note) append(package.saved_delta, make_delta(record.command, record.section, record.option, record.value));
     if (apply(package, record)) ++applied;
   });
   return applied;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "context.h"
 #include "package_parser.h"
@@ -32,13 +33,24 @@ bool is_recordable(const uci_package& package) {
   return std::strpbrk(package.e.name, "'\"\\#;=.") == nullptr && std::strchr("+-@^|~", package.e.name[0]) == nullptr;
 }
 
-// Notes a change before it is made. Throws Failure{UCI_ERR_INVAL} for names that cannot be noted.
-void record(uci_package& package, uci_command command, std::string_view section, const char* option,
-            const char* value) {
-  require(is_recordable(package) && is_recordable(section, package), UCI_ERR_INVAL);
-  require(option == nullptr || is_recordable(option, package), UCI_ERR_INVAL);
-  if (package.has_delta) new_delta(package.delta, command, section, option, value);
-}
+// The record of a change: made before it, so that nothing can fail behind it, and kept after it. Throws
+// Failure{UCI_ERR_INVAL} for names that cannot be recorded.
+class Note {
+ public:
+  Note(uci_package& package, uci_command command, std::string_view section, const char* option, const char* value)
+      : package_(package) {
+    require(is_recordable(package) && is_recordable(section, package), UCI_ERR_INVAL);
+    require(option == nullptr || is_recordable(option, package), UCI_ERR_INVAL);
+    if (package.has_delta) delta_ = make_delta(command, section, option, value);
+  }
+  void keep() {
+    if (delta_) append(package_.delta, std::move(delta_));
+  }
+
+ private:
+  uci_package& package_;
+  DeltaPtr delta_;
+};
 
 // Looks `ptr` up and requires a value and a section.
 void resolve_with_value(uci_context& context, uci_ptr& ptr) {
@@ -65,14 +77,15 @@ std::optional<long> index_of(const uci_ptr& ptr) {
 void delete_item(uci_ptr& ptr, long index) {
   uci_element* item = item_at(*ptr.o, static_cast<int>(index));
   if (item == nullptr) return;
-  record(*ptr.p, UCI_CMD_REMOVE, ptr.section, ptr.option, std::to_string(index).c_str());
+  Note note(*ptr.p, UCI_CMD_REMOVE, ptr.section, ptr.option, std::to_string(index).c_str());
   free_element(item);
+  note.keep();
 }
 
 void delete_found(uci_ptr& ptr) {
   const std::optional<long> index = index_of(ptr);
   if (index && is_list(ptr.o)) return delete_item(ptr, *index);
-  record(*ptr.p, UCI_CMD_REMOVE, ptr.s->e.name, ptr.o != nullptr ? ptr.o->e.name : nullptr, nullptr);
+  Note(*ptr.p, UCI_CMD_REMOVE, ptr.s->e.name, ptr.o != nullptr ? ptr.o->e.name : nullptr, nullptr).keep();
   if (ptr.o != nullptr) {
     free_option(ptr.o);
     ptr.o = nullptr;
@@ -98,40 +111,35 @@ void set_option(uci_ptr& ptr) {
   require(ptr.s != nullptr, UCI_ERR_INVAL);
   const bool same = ptr.o != nullptr && ptr.o->type == UCI_TYPE_STRING && std::strcmp(ptr.o->v.string, ptr.value) == 0;
   if (same) return;
-  record(*ptr.p, UCI_CMD_CHANGE, ptr.section, ptr.option, ptr.value);
+  Note note(*ptr.p, UCI_CMD_CHANGE, ptr.section, ptr.option, ptr.value);
   ptr.o = set_string(*ptr.s, ptr.option, ptr.value);
+  note.keep();
 }
 
 void set_section_type(uci_ptr& ptr) {
   require(is_type(ptr.value), UCI_ERR_INVAL);
   if (ptr.s != nullptr && std::strcmp(ptr.s->type, ptr.value) == 0) return;
-  record(*ptr.p, UCI_CMD_CHANGE, ptr.section, nullptr, ptr.value);
+  Note note(*ptr.p, UCI_CMD_CHANGE, ptr.section, nullptr, ptr.value);
   ptr.s = set_section(*ptr.p, ptr.section, ptr.value);
+  note.keep();
 }
 
 }  // namespace
 
-uci_option* set_string(uci_section& section, std::string_view name, std::string_view value) {
+uci_option* set_string(uci_section& section, const char* name, std::string_view value) {
   uci_option* option = find_option(section, name);
   if (option == nullptr) return new_string(section, name, value);
   make_string(*option, value);
   return option;
 }
 
-uci_section* set_section(uci_package& package, std::string_view name, std::string_view type) {
+uci_section* set_section(uci_package& package, const char* name, std::string_view type) {
   uci_section* section = find_section(package, name);
-  if (section == nullptr) return new_section(package, type, std::string(name).c_str());
-  if (std::strlen(section->type) != type.size()) section->anonymous = false;
-  replace_text(section->type, type);
+  if (section == nullptr) return new_section(package, type, name);
+  const bool same_length = std::strlen(section->type) == type.size();
+  retype(*section, type);
+  if (!same_length) section->anonymous = false;
   return section;
-}
-
-uci_option* add_item(uci_section& section, std::string_view name, std::string_view value) {
-  uci_option* option = find_option(section, name);
-  if (option == nullptr) option = new_list(section, name);
-  make_list(*option);
-  append_item(*option, value);
-  return option;
 }
 
 void remove_items(uci_option& option, std::string_view value) {
@@ -150,7 +158,7 @@ uci_element* item_at(uci_option& option, int index) {
   return nullptr;
 }
 
-bool may_be_named(const uci_section& section, std::string_view name) {
+bool may_be_named(const uci_section& section, const char* name) {
   const uci_section* other = find_section(*section.package, name);
   return other == nullptr || other == &section || std::strcmp(other->type, section.type) == 0;
 }
@@ -190,9 +198,9 @@ int uci_add_list(uci_context* ctx, uci_ptr* ptr) {
     uci::require(ptr != nullptr, UCI_ERR_INVAL);
     uci::resolve_with_value(context, *ptr);
     uci::require(ptr->s != nullptr && ptr->option != nullptr, UCI_ERR_INVAL);
-    const std::string value = ptr->value;  // which may be the option's own text
-    uci::record(*ptr->p, UCI_CMD_LIST_ADD, ptr->section, ptr->option, ptr->value);
-    ptr->o = uci::add_item(*ptr->s, ptr->option, value);
+    uci::Note note(*ptr->p, UCI_CMD_LIST_ADD, ptr->section, ptr->option, ptr->value);
+    ptr->o = uci::add_item(*ptr->s, ptr->option, ptr->value);
+    note.keep();
   });
 }
 
@@ -203,7 +211,7 @@ int uci_del_list(uci_context* ctx, uci_ptr* ptr) {
     uci::require(ptr->s != nullptr, UCI_ERR_INVAL);
     if (ptr->o == nullptr || ptr->o->type != UCI_TYPE_LIST) return;
     const std::string value = ptr->value;  // which may be one of the items
-    uci::record(*ptr->p, UCI_CMD_LIST_DEL, ptr->section, ptr->option, ptr->value);
+    uci::Note(*ptr->p, UCI_CMD_LIST_DEL, ptr->section, ptr->option, ptr->value).keep();
     uci::remove_items(*ptr->o, value);
   });
 }
@@ -232,9 +240,14 @@ int uci_rename(uci_context* ctx, uci_ptr* ptr) {
     uci::require(ptr->value != nullptr && ptr->s != nullptr, UCI_ERR_INVAL);
     uci::require(ptr->p->has_delta || uci::is_name(ptr->value), UCI_ERR_INVAL);
     uci::require(ptr->o != nullptr || uci::may_be_named(*ptr->s, ptr->value), UCI_ERR_DUPLICATE);
-    uci::record(*ptr->p, UCI_CMD_RENAME, ptr->s->e.name, ptr->o != nullptr ? ptr->o->e.name : nullptr, ptr->value);
-    if (ptr->o == nullptr) ptr->s->anonymous = false;
-    uci::replace_text(ptr->o != nullptr ? ptr->o->e.name : ptr->s->e.name, ptr->value);
+    uci::Note note(*ptr->p, UCI_CMD_RENAME, ptr->s->e.name, ptr->o != nullptr ? ptr->o->e.name : nullptr, ptr->value);
+    if (ptr->o != nullptr) {
+      uci::rename(*ptr->o, ptr->value);
+    } else {
+      uci::rename(*ptr->s, ptr->value);
+      ptr->s->anonymous = false;
+    }
+    note.keep();
   });
 }
 
@@ -243,18 +256,17 @@ int uci_add_section(uci_context* ctx, uci_package* p, const char* type, uci_sect
     uci::require(p != nullptr && type != nullptr && res != nullptr, UCI_ERR_INVAL);
     uci::require(p->has_delta || uci::is_type(type), UCI_ERR_INVAL);
     const std::string name = uci::generated_name(p->n_section + 1, type);
-    uci::record(*p, UCI_CMD_ADD, name, nullptr, type);
+    uci::Note note(*p, UCI_CMD_ADD, name, nullptr, type);
     *res = uci::new_section(*p, type, nullptr);
+    note.keep();
   });
 }
 
 int uci_reorder_section(uci_context* ctx, uci_section* s, int pos) {
   return guarded(ctx, [&](uci_context&) {
-    uci::require(s != nullptr && uci::is_recordable(*s->package) && uci::is_recordable(s->e.name, *s->package),
-                 UCI_ERR_INVAL);
-    if (uci::move_section(*s, pos)) {
-      uci::record(*s->package, UCI_CMD_REORDER, s->e.name, nullptr, std::to_string(pos).c_str());
-    }
+    uci::require(s != nullptr, UCI_ERR_INVAL);
+    uci::Note note(*s->package, UCI_CMD_REORDER, s->e.name, nullptr, std::to_string(pos).c_str());
+    if (uci::move_section(*s, pos)) note.keep();
   });
 }
 

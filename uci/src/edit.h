@@ -6,17 +6,15 @@
 namespace uci {
 
 // The option, made or replaced in its place.
-uci_option* set_string(uci_section& section, std::string_view name, std::string_view value);
+uci_option* set_string(uci_section& section, const char* name, std::string_view value);
 // The named section, made or retyped.
-uci_section* set_section(uci_package& package, std::string_view name, std::string_view type);
-// The option, made or turned into a list, with the item appended.
-uci_option* add_item(uci_section& section, std::string_view name, std::string_view value);
+uci_section* set_section(uci_package& package, const char* name, std::string_view type);
 // Removes every item equal to `value`.
 void remove_items(uci_option& option, std::string_view value);
 // The item of that index, or nullptr.
 uci_element* item_at(uci_option& option, int index);
 // False when a section of another type has this name: a file that held both could not be read again.
-bool may_be_named(const uci_section& section, std::string_view name);
+bool may_be_named(const uci_section& section, const char* name);
 // Puts the section before the one that then has this index. False when it stood there already.
 bool move_section(uci_section& section, int index);
 

@@ -6,52 +6,96 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <utility>
 
 namespace uci {
 namespace {
 
+// An element and, behind it, the texts that it was made with. A text that it was given later is a piece of its own.
+template <class Object>
+struct Piece {
+  Object object;
+  std::size_t text_size;
+};
+
+template <class Object>
+char* texts_of(Object* object) {
+  return reinterpret_cast<char*>(reinterpret_cast<Piece<Object>*>(object) + 1);
+}
+
+template <class Object>
+Object* new_piece(std::size_t text_size) {
+  void* memory = std::malloc(sizeof(Piece<Object>) + text_size);
+  if (memory == nullptr) throw std::bad_alloc();
+  auto* piece = ::new (memory) Piece<Object>{};
+  piece->text_size = text_size;
+  return &piece->object;
+}
+
+// Puts a text into a piece; what follows it.
+char* put(char* place, std::string_view text) {
+  if (!text.empty()) std::memcpy(place, text.data(), text.size());
+  place[text.size()] = '\0';
+  return place + text.size() + 1;
+}
+
 char* copy_text(std::string_view text) {
   char* copy = static_cast<char*>(std::malloc(text.size() + 1));
   if (copy == nullptr) throw std::bad_alloc();
-  if (!text.empty()) std::memcpy(copy, text.data(), text.size());
-  copy[text.size()] = '\0';
+  put(copy, text);
   return copy;
 }
 
 template <class Object>
-Object* new_object(uci_element Object::*element, uci_type type, std::string_view name) {
-  Object* object = new Object{};
-  uci_element& base = object->*element;
-  base.type = type;
-  base.name = copy_text(name);
-  list_init(base.list);
-  return object;
+void free_text(Object* object, char* text) {
+  const auto offset = reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(texts_of(object));
+  if (offset >= reinterpret_cast<Piece<Object>*>(object)->text_size) std::free(text);
 }
 
-uci_element* new_element(uci_list& list, uci_type type, std::string_view name) {
-  uci_element* element = new uci_element{};
-  element->type = type;
-  element->name = copy_text(name);
-  list_add_tail(list, element->list);
-  return element;
+template <class Object>
+void replace_text_of(Object& object, char*& text, std::string_view value) {
+  char* copy = copy_text(value);
+  free_text(&object, text);
+  text = copy;
 }
 
-uci_option* new_option(uci_section& section, std::string_view name) {
-  uci_option* option = new_object(&uci_option::e, UCI_TYPE_OPTION, name);
+void init(uci_element& element, uci_type type, char* name) {
+  element.type = type;
+  element.name = name;
+  list_init(element.list);
+}
+
+template <class Object>
+void destroy_element(Object* object, uci_element& element) {
+  free_text(object, element.name);
+  std::free(object);
+}
+
+struct DestroyItem {
+  void operator()(uci_element* element) const noexcept { destroy_element(element, *element); }
+};
+using ItemPtr = std::unique_ptr<uci_element, DestroyItem>;
+
+ItemPtr make_item(uci_type type, std::string_view text) {
+  auto* element = new_piece<uci_element>(text.size() + 1);
+  init(*element, type, texts_of(element));
+  put(element->name, text);
+  return ItemPtr(element);
+}
+
+void append(uci_list& list, ItemPtr item) { list_add_tail(list, item.release()->list); }
+
+uci_option* new_option(uci_section& section, std::string_view name, std::size_t value_size) {
+  auto* option = new_piece<uci_option>(name.size() + 1 + value_size);
+  init(option->e, UCI_TYPE_OPTION, texts_of(option));
   option->section = &section;
-  list_add_tail(section.options, option->e.list);
   return option;
 }
 
 // The destroy functions free an element that is in no list any more, or in one that goes with it.
 
-void destroy_element(uci_element* element) {
-  std::free(element->name);
-  delete element;
-}
-
-template <class Object>
-void destroy_all(uci_list& list, void (*destroy)(Object*)) {
+template <class Object, class Destroy>
+void destroy_all(uci_list& list, Destroy destroy) {
   uci_list* node = list.next;
   list_init(list);
   while (node != &list) {
@@ -63,30 +107,39 @@ void destroy_all(uci_list& list, void (*destroy)(Object*)) {
 
 void destroy_value(uci_option& option) {
   if (option.type == UCI_TYPE_STRING) {
-    std::free(option.v.string);
+    free_text(&option, option.v.string);
   } else {
-    destroy_all(option.v.list, destroy_element);
+    destroy_all<uci_element>(option.v.list, DestroyItem());
   }
 }
 
 void destroy_option(uci_option* option) {
   destroy_value(*option);
-  std::free(option->e.name);
-  delete option;
+  destroy_element(option, option->e);
 }
 
 void destroy_section(uci_section* section) {
-  destroy_all(section->options, destroy_option);
-  std::free(section->e.name);
-  std::free(section->type);
-  delete section;
+  destroy_all<uci_option>(section->options, destroy_option);
+  free_text(section, section->type);
+  destroy_element(section, section->e);
 }
 
-void destroy_delta(uci_delta* delta) {
-  std::free(delta->e.name);
-  std::free(delta->section);
-  std::free(delta->value);
-  delete delta;
+uci_option* new_list(uci_section& section, std::string_view name, ItemPtr item) {
+  uci_option* option = new_option(section, name, 0);
+  put(option->e.name, name);
+  option->type = UCI_TYPE_LIST;
+  list_init(option->v.list);
+  append(option->v.list, std::move(item));
+  list_add_tail(section.options, option->e.list);
+  return option;
+}
+
+void make_list(uci_option& option) {
+  ItemPtr first = make_item(UCI_TYPE_ITEM, option.v.string);
+  destroy_value(option);
+  option.type = UCI_TYPE_LIST;
+  list_init(option.v.list);
+  append(option.v.list, std::move(first));
 }
 
 }  // namespace
@@ -108,16 +161,24 @@ void list_remove(uci_list& node) {
   list_init(node);
 }
 
-uci_element* find(uci_list& list, std::string_view name) {
+uci_element* find(uci_list& list, const char* name) {
   uci_element* element = nullptr;
   uci_foreach_element(&list, element) {
-    if (name == element->name) return element;
+    if (*element->name == *name && std::strcmp(element->name, name) == 0) return element;
   }
   return nullptr;
 }
 
+uci_section* find_section(uci_package& package, const char* name) {
+  return uci_to_section(find(package.sections, name));
+}
+
+uci_option* find_option(uci_section& section, const char* name) { return uci_to_option(find(section.options, name)); }
+
 uci_package* new_package(uci_context& context, std::string_view name) {
-  uci_package* package = new_object(&uci_package::e, UCI_TYPE_PACKAGE, name);
+  auto* package = new_piece<uci_package>(name.size() + 1);
+  init(package->e, UCI_TYPE_PACKAGE, texts_of(package));
+  put(package->e.name, name);
   list_init(package->sections);
   list_init(package->delta);
   list_init(package->saved_delta);
@@ -135,54 +196,64 @@ std::string generated_name(int number, std::string_view type) {
 }
 
 uci_section* new_section(uci_package& package, std::string_view type, const char* name) {
-  ++package.n_section;
-  const std::string own_name = name != nullptr ? name : generated_name(package.n_section, type);
-  uci_section* section = new_object(&uci_section::e, UCI_TYPE_SECTION, own_name);
+  const std::string generated = name == nullptr ? generated_name(package.n_section + 1, type) : "";
+  const std::string_view own_name = name == nullptr ? std::string_view(generated) : name;
+  auto* section = new_piece<uci_section>(own_name.size() + type.size() + 2);
+  init(section->e, UCI_TYPE_SECTION, texts_of(section));
+  section->type = put(section->e.name, own_name);
+  put(section->type, type);
   list_init(section->options);
-  section->type = copy_text(type);
   section->anonymous = name == nullptr;
   section->package = &package;
   list_add_tail(package.sections, section->e.list);
+  ++package.n_section;
   return section;
 }
 
 uci_option* new_string(uci_section& section, std::string_view name, std::string_view value) {
-  uci_option* option = new_option(section, name);
+  uci_option* option = new_option(section, name, value.size() + 1);
   option->type = UCI_TYPE_STRING;
-  option->v.string = copy_text(value);
+  option->v.string = put(option->e.name, name);
+  put(option->v.string, value);
+  list_add_tail(section.options, option->e.list);
   return option;
 }
-
-uci_option* new_list(uci_section& section, std::string_view name) {
-  uci_option* option = new_option(section, name);
-  option->type = UCI_TYPE_LIST;
-  list_init(option->v.list);
-  return option;
-}
-
-void append_item(uci_option& option, std::string_view value) { new_element(option.v.list, UCI_TYPE_ITEM, value); }
 
 uci_element* new_path(uci_list& list, std::string_view directory) {
-  return new_element(list, UCI_TYPE_PATH, directory);
+  append(list, make_item(UCI_TYPE_PATH, directory));
+  return list_to_element(list.prev);
 }
 
-uci_delta* new_delta(uci_list& list, uci_command command, std::string_view section, const char* option,
-                     const char* value) {
-  uci_delta* delta = new_object(&uci_delta::e, UCI_TYPE_DELTA, option != nullptr ? option : "");
-  if (option == nullptr) {
-    std::free(delta->e.name);
-    delta->e.name = nullptr;
-  }
-  delta->cmd = command;
-  delta->section = copy_text(section);
-  delta->value = value != nullptr ? copy_text(value) : nullptr;
-  list_add_tail(list, delta->e.list);
-  return delta;
+uci_option* add_item(uci_section& section, const char* name, std::string_view value) {
+  ItemPtr item = make_item(UCI_TYPE_ITEM, value);
+  uci_option* option = find_option(section, name);
+  if (option == nullptr) return new_list(section, name, std::move(item));
+  if (option->type == UCI_TYPE_STRING) make_list(*option);
+  append(option->v.list, std::move(item));
+  return option;
 }
+
+void DestroyDelta::operator()(uci_delta* delta) const noexcept { std::free(delta); }
+
+DeltaPtr make_delta(uci_command command, std::string_view section, const char* option, const char* value) {
+  const std::string_view name = option != nullptr ? option : "";
+  const std::string_view text = value != nullptr ? value : "";
+  auto* delta = new_piece<uci_delta>(section.size() + name.size() + text.size() + 3);
+  delta->section = texts_of(delta);
+  char* const name_place = put(delta->section, section);
+  char* const value_place = put(name_place, name);
+  put(value_place, text);
+  init(delta->e, UCI_TYPE_DELTA, option != nullptr ? name_place : nullptr);
+  delta->cmd = command;
+  delta->value = value != nullptr ? value_place : nullptr;
+  return DeltaPtr(delta);
+}
+
+void append(uci_list& list, DeltaPtr delta) { list_add_tail(list, delta.release()->e.list); }
 
 void free_element(uci_element* element) {
   list_remove(element->list);
-  destroy_element(element);
+  DestroyItem()(element);
 }
 
 void free_option(uci_option* option) {
@@ -195,16 +266,15 @@ void free_section(uci_section* section) {
   destroy_section(section);
 }
 
-void free_deltas(uci_list& list) { destroy_all(list, destroy_delta); }
+void free_deltas(uci_list& list) { destroy_all<uci_delta>(list, DestroyDelta()); }
 
 void free_package(uci_package* package) {
   list_remove(package->e.list);
-  destroy_all(package->sections, destroy_section);
+  destroy_all<uci_section>(package->sections, destroy_section);
   free_deltas(package->delta);
   free_deltas(package->saved_delta);
   std::free(package->path);
-  std::free(package->e.name);
-  delete package;
+  destroy_element(package, package->e);
 }
 
 void make_string(uci_option& option, std::string_view value) {
@@ -214,27 +284,14 @@ void make_string(uci_option& option, std::string_view value) {
   option.v.string = text;
 }
 
-void make_list(uci_option& option) {
-  if (option.type == UCI_TYPE_LIST) return;
-  char* first = option.v.string;
-  option.type = UCI_TYPE_LIST;
-  list_init(option.v.list);
-  append_item(option, first);
-  std::free(first);
-}
+void rename(uci_section& section, std::string_view name) { replace_text_of(section, section.e.name, name); }
+void rename(uci_option& option, std::string_view name) { replace_text_of(option, option.e.name, name); }
+void retype(uci_section& section, std::string_view type) { replace_text_of(section, section.type, type); }
 
 void replace_text(char*& text, std::string_view value) {
   char* copy = copy_text(value);
   std::free(text);
   text = copy;
-}
-
-uci_section* find_section(uci_package& package, std::string_view name) {
-  return uci_to_section(find(package.sections, name));
-}
-
-uci_option* find_option(uci_section& section, std::string_view name) {
-  return uci_to_option(find(section.options, name));
 }
 
 }  // namespace uci

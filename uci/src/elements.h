@@ -1,6 +1,7 @@
 // The element tree: packages, sections, options, items and change records, each owned by its parent.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -20,17 +21,26 @@ void list_insert(uci_list& before, uci_list& node);
 void list_remove(uci_list& node);
 
 // First element of that name, or nullptr.
-uci_element* find(uci_list& list, std::string_view name);
+uci_element* find(uci_list& list, const char* name);
+uci_section* find_section(uci_package& package, const char* name);
+uci_option* find_option(uci_section& section, const char* name);
 
-// New elements are appended to their parent, which owns them from then on.
+// New elements are appended to their parent, which owns them from then on. Each is one piece of memory together with
+// its texts: a function that throws for want of it has changed nothing.
 uci_package* new_package(uci_context& context, std::string_view name);
 uci_section* new_section(uci_package& package, std::string_view type, const char* name);  // nullptr: a generated name
 uci_option* new_string(uci_section& section, std::string_view name, std::string_view value);
-uci_option* new_list(uci_section& section, std::string_view name);
-void append_item(uci_option& option, std::string_view value);
-uci_delta* new_delta(uci_list& list, uci_command command, std::string_view section, const char* option,
-                     const char* value);
 uci_element* new_path(uci_list& list, std::string_view directory);
+// Appends an item to the option's list; makes the option, or a list of it whose first item was its value.
+uci_option* add_item(uci_section& section, const char* name, std::string_view value);
+
+// A change record that is in no list yet.
+struct DestroyDelta {
+  void operator()(uci_delta* delta) const noexcept;
+};
+using DeltaPtr = std::unique_ptr<uci_delta, DestroyDelta>;
+DeltaPtr make_delta(uci_command command, std::string_view section, const char* option, const char* value);
+void append(uci_list& list, DeltaPtr delta);
 
 // Unlink and free, with all that they own.
 void free_package(uci_package* package);
@@ -39,15 +49,14 @@ void free_option(uci_option* option);
 void free_element(uci_element* element);  // items and paths
 void free_deltas(uci_list& list);
 
-// Turns an option into a string, or into a list whose first item is its string, where it stands.
+// Change an element where it stands.
 void make_string(uci_option& option, std::string_view value);
-void make_list(uci_option& option);
+void rename(uci_section& section, std::string_view name);
+void rename(uci_option& option, std::string_view name);
+void retype(uci_section& section, std::string_view type);
 
-// Replaces an owned C text.
+// Replaces an owned C text that belongs to no element's piece.
 void replace_text(char*& text, std::string_view value);
-
-uci_section* find_section(uci_package& package, std::string_view name);
-uci_option* find_option(uci_section& section, std::string_view name);
 
 // "cfg", the number of the section and the hash of its type.
 std::string generated_name(int number, std::string_view type);

@@ -39,7 +39,9 @@ class ImportSink final : public FillSink {
     const auto same = [&name](const uci_package* package) { return name == package->e.name; };
     // A name that was given and then said again in the text is one package.
     if (!packages_.empty() && same(packages_.back()) && !has_section()) return;
-    if (find(context_.root, name) != nullptr || std::ranges::any_of(packages_, same)) throw Failure{UCI_ERR_DUPLICATE};
+    if (find(context_.root, name.c_str()) != nullptr || std::ranges::any_of(packages_, same))
+      throw Failure{UCI_ERR_DUPLICATE};
+    packages_.reserve(packages_.size() + 1);
     packages_.push_back(new_package(context_, name));
     fill(packages_.back());
   }
@@ -62,7 +64,7 @@ class MergeSink final : public StatementSink {
       check(uci_add_section(package_.ctx, &package_, type.c_str(), &section_));
       return true;
     }
-    uci_section* existing = find_section(package_, name);
+    uci_section* existing = find_section(package_, name.c_str());
     if (existing != nullptr && type != existing->type && strict) return false;
     uci_ptr ptr{};
     ptr.p = &package_;
@@ -95,13 +97,14 @@ class MergeSink final : public StatementSink {
 
 void import(uci_context& context, std::FILE* stream, const char* name, uci_package** package, bool single) {
   if (stream == nullptr || (name != nullptr && !is_package_name(name))) throw Failure{UCI_ERR_INVAL};
+  WordReader words(stream);
   if (single && package != nullptr && *package != nullptr) {
     MergeSink sink(**package);
-    parse_statements(context, stream, sink);
+    parse_statements(context, words, sink);
     return;
   }
   ImportSink sink(context, name, single);
-  parse_statements(context, stream, sink);
+  parse_statements(context, words, sink);
   uci_package* last = sink.finish();
   if (package != nullptr && last != nullptr) *package = last;
 }

@@ -29,12 +29,6 @@ bool write_all(int descriptor, std::string_view text) {
   return true;
 }
 
-struct stat status_of(int descriptor) {
-  struct stat status {};
-  if (fstat(descriptor, &status) != 0) fail_io();
-  return status;
-}
-
 struct FreeText {
   void operator()(char* text) const noexcept { std::free(text); }
 };
@@ -121,7 +115,7 @@ class TemporaryFile {
   }
 
   void rename_to(const std::string& target) {
-    if (rename(path_.c_str(), target.c_str()) != 0) fail_io();
+    if (::rename(path_.c_str(), target.c_str()) != 0) fail_io();
     path_.clear();
   }
 
@@ -162,22 +156,24 @@ bool LockedFile::try_open(const std::string& path, Lock lock, int flags, mode_t 
     close();
     fail_io();
   }
-  const struct stat held = status_of(descriptor_);
-  struct stat standing {};
-  const bool is_current =
-      stat(path.c_str(), &standing) == 0 && standing.st_ino == held.st_ino && standing.st_dev == held.st_dev;
+  if (fstat(descriptor_, &status_) != 0) {
+    close();
+    fail_io();
+  }
+  const bool is_current = id_of(path) == id();
   if (!is_current) close();
   return is_current;
 }
 
 LockedFile::LockedFile(LockedFile&& other) noexcept
-    : descriptor_(std::exchange(other.descriptor_, -1)), error_(other.error_) {}
+    : descriptor_(std::exchange(other.descriptor_, -1)), error_(other.error_), status_(other.status_) {}
 
 LockedFile& LockedFile::operator=(LockedFile&& other) noexcept {
   if (this != &other) {
     close();
     descriptor_ = std::exchange(other.descriptor_, -1);
     error_ = other.error_;
+    status_ = other.status_;
   }
   return *this;
 }
@@ -188,23 +184,19 @@ void LockedFile::close() {
   if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
 }
 
-bool LockedFile::is_regular() const { return is_open() && S_ISREG(status_of(descriptor_).st_mode); }
-bool LockedFile::is_empty() const { return status_of(descriptor_).st_size == 0; }
-FileId LockedFile::id() const {
-  if (!is_open()) return {};
-  const struct stat status = status_of(descriptor_);
-  return {status.st_dev, status.st_ino};
-}
-mode_t LockedFile::mode() const { return status_of(descriptor_).st_mode & 07777; }
-uid_t LockedFile::owner() const { return status_of(descriptor_).st_uid; }
-gid_t LockedFile::group() const { return status_of(descriptor_).st_gid; }
-
-std::FILE* LockedFile::read_stream() const {
-  const int copy = fcntl(descriptor_, F_DUPFD_CLOEXEC, 0);
-  if (copy < 0 || lseek(copy, 0, SEEK_SET) < 0) fail_io();
-  std::FILE* stream = fdopen(copy, "r");
-  if (stream == nullptr) fail_io();
-  return stream;
+std::string LockedFile::read() const {
+  std::string text(static_cast<std::size_t>(status_.st_size) + 1, '\0');  // with room to see the end in
+  std::size_t size = 0;
+  while (true) {
+    const ssize_t count = pread(descriptor_, text.data() + size, text.size() - size, static_cast<off_t>(size));
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) fail_io();
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+    if (size == text.size()) text.resize(2 * size);
+  }
+  text.resize(size);
+  return text;
 }
 
 void LockedFile::append_lines(std::string_view text) {

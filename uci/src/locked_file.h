@@ -2,9 +2,9 @@
 #pragma once
 
 #include <cerrno>
-#include <cstdio>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 namespace uci {
@@ -38,15 +38,15 @@ class LockedFile {
   // True when it is not open because there is no such file.
   [[nodiscard]] bool is_missing() const { return !is_open() && (error_ == ENOENT || error_ == ENOTDIR); }
   // True for an open file that is a plain file, not a folder or a device.
-  [[nodiscard]] bool is_regular() const;
-  [[nodiscard]] bool is_empty() const;
-  [[nodiscard]] FileId id() const;  // of none when it is not open
-  [[nodiscard]] mode_t mode() const;
-  [[nodiscard]] uid_t owner() const;
-  [[nodiscard]] gid_t group() const;
+  [[nodiscard]] bool is_regular() const { return is_open() && S_ISREG(status_.st_mode); }
+  [[nodiscard]] bool is_empty() const { return status_.st_size == 0; }  // when it was locked
+  [[nodiscard]] FileId id() const { return is_open() ? FileId{status_.st_dev, status_.st_ino} : FileId{}; }
+  [[nodiscard]] mode_t mode() const { return status_.st_mode & 07777; }
+  [[nodiscard]] uid_t owner() const { return status_.st_uid; }
+  [[nodiscard]] gid_t group() const { return status_.st_gid; }
 
-  // A stream on the file's beginning; the caller closes it. Throws Failure{UCI_ERR_IO}.
-  [[nodiscard]] std::FILE* read_stream() const;
+  // All of the file. Throws Failure{UCI_ERR_IO}.
+  [[nodiscard]] std::string read() const;
   // Appends all of `text`, or nothing: what was written of it is taken back. It begins on a line of its own also when
   // the file's last line was never ended. Throws Failure{UCI_ERR_IO}.
   void append_lines(std::string_view text);
@@ -58,6 +58,7 @@ class LockedFile {
   void close();
   int descriptor_ = -1;
   int error_ = 0;  // why it is not open
+  struct stat status_ {};
 };
 
 // Puts a new file with this content in the place of `path` (of its target, for a symbolic link): written beside it,

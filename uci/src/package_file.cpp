@@ -20,11 +20,6 @@
 namespace uci {
 namespace {
 
-struct CloseStream {
-  void operator()(std::FILE* stream) const noexcept { std::fclose(stream); }
-};
-using Stream = std::unique_ptr<std::FILE, CloseStream>;
-
 struct FreePackage {
   void operator()(uci_package* package) const noexcept { free_package(package); }
 };
@@ -67,8 +62,9 @@ std::string delta_path(std::string_view directory, const uci_package& package) {
 
 PackagePtr parse_file(uci_context& context, const Location& location, const LockedFile& file) {
   PackagePtr package(new_package(context, location.name));
-  const Stream stream(file.read_stream());
-  parse_package(context, stream.get(), *package);
+  const std::string text = file.read();
+  WordReader words(text);
+  parse_package(context, words, *package);
   replace_text(package->path, location.path);
   package->has_delta = location.has_delta;
   package->uses_conf2 = location.uses_conf2;
@@ -77,8 +73,7 @@ PackagePtr parse_file(uci_context& context, const Location& location, const Lock
 
 int apply_delta_file(const LockedFile& file, uci_package& package) {
   if (!file.is_regular()) return 0;
-  const Stream stream(file.read_stream());
-  return apply_records(stream.get(), package);
+  return apply_records(file.read(), package);
 }
 
 // The delta files that there are, in the order in which they apply. A file that is met under several names applies
@@ -109,6 +104,15 @@ int apply_delta_files(uci_context& context, uci_package& package, const LockedFi
     }
   }
   return count;
+}
+
+// The package as it stands in its file, with what is staged for it; in no context yet.
+PackagePtr read_package(uci_context& context, const Location& location) {
+  const LockedFile file(location.path, Lock::kShared);
+  require_readable(file);
+  PackagePtr package = parse_file(context, location, file);
+  if (package->has_delta) apply_delta_files(context, *package, nullptr);
+  return package;
 }
 
 // The savedir is made when it is missing, with the mode of the package folder.
@@ -249,8 +253,7 @@ void filter_delta_file(uci_context& context, const uci_package& package, const u
   if (file.is_missing()) return;
   if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   std::string kept;
-  const Stream stream(file.read_stream());
-  read_records(stream.get(), package.e.name, [&](const Record& record) {
+  read_records(file.read(), package.e.name, [&](const Record& record) {
     if (!is_reverted(record, ptr)) kept += format_record(package.e.name, record);
   });
   if (!file.is_empty()) replace_file(path, kept, file);
@@ -261,7 +264,6 @@ void revert(uci_context& context, uci_ptr& ptr) {
   uci_package* package = ptr.p;
   if (!package->has_delta) throw Failure{UCI_ERR_INVAL};
   // The names may point into what is unloaded below.
-  const std::string name = package->e.name;
   const std::optional<std::string> section = ptr.section ? std::optional<std::string>(ptr.section) : std::nullopt;
   const std::optional<std::string> option = ptr.option ? std::optional<std::string>(ptr.option) : std::nullopt;
   uci_ptr names{};
@@ -269,20 +271,18 @@ void revert(uci_context& context, uci_ptr& ptr) {
   names.option = option ? option->c_str() : nullptr;
   save_package(context, *package);
   filter_delta_file(context, *package, names);
+  PackagePtr fresh = read_package(context, locate(context, package->e.name));
   free_package(package);
-  ptr.p = nullptr;
-  ptr.p = load_package(context, name.c_str());
+  ptr.p = fresh.get();
+  link_package(context, fresh);
 }
 
 }  // namespace
 
 uci_package* load_package(uci_context& context, const char* name) {
   const Location location = locate(context, name);
-  if (find(context.root, location.name) != nullptr) throw Failure{UCI_ERR_DUPLICATE};
-  const LockedFile file(location.path, Lock::kShared);
-  require_readable(file);
-  PackagePtr package = parse_file(context, location, file);
-  if (package->has_delta) apply_delta_files(context, *package, nullptr);
+  if (find(context.root, location.name.c_str()) != nullptr) throw Failure{UCI_ERR_DUPLICATE};
+  PackagePtr package = read_package(context, location);
   uci_package* loaded = package.get();
   link_package(context, package);
   return loaded;

@@ -17,8 +17,8 @@ bool is_alnum(char character) {
 
 class StatementParser {
  public:
-  StatementParser(uci_context& context, std::FILE* stream, StatementSink& sink)
-      : context_(context), words_(stream), sink_(sink) {}
+  StatementParser(uci_context& context, WordReader& words, StatementSink& sink)
+      : context_(context), words_(words), sink_(sink) {}
 
   void parse_all() {
     while (true) {
@@ -36,7 +36,7 @@ class StatementParser {
 
   using Parse = void (StatementParser::*)();
   struct Keyword {
-    const char* text;
+    std::string_view text;
     const char* unfinished;  // what is wrong when the file ends behind it
     Parse parse;
   };
@@ -60,7 +60,7 @@ class StatementParser {
   [[noreturn]] void reject_word(const char* reason) { reject(reason, words_.position()); }
 
   void parse_statement() {
-    const std::string text = words_.keyword();
+    const std::string_view text = words_.keyword();
     if (text.empty()) return;
     try {
       for (const Keyword& keyword : kKeywords) {
@@ -74,35 +74,34 @@ class StatementParser {
     }
   }
 
-  std::string required_word() {
-    std::string word = words_.word().value_or("");
+  void read_required(std::string& word) {
+    words_.read_word(word);
     if (word.empty()) reject_word("insufficient arguments");
-    return word;
   }
-  std::string required_name(bool (*is_valid)(std::string_view)) {
-    std::string name = required_word();
-    if (!is_valid(name)) reject_word("invalid character in name field");
-    return name;
+  void read_name(bool (*is_valid)(std::string_view)) {
+    read_required(name_);
+    if (!is_valid(name_)) reject_word("invalid character in name field");
   }
   void expect_end() {
-    if (!words_.word().value_or("").empty() && strict()) reject_word("too many arguments");
+    words_.read_word(extra_);
+    if (!extra_.empty() && strict()) reject_word("too many arguments");
   }
 
   void parse_package_line() {
-    const std::string name = required_name(is_package_name);
+    read_name(is_package_name);
     expect_end();
-    sink_.package(name);
+    sink_.package(name_);
   }
 
   void parse_config() {
     const std::size_t keyword = words_.keyword_position();
     if (!sink_.has_package()) reject("attempting to import a file without a package name", keyword);
-    const std::string type = required_word();
-    if (!is_type(type)) reject_word("invalid character in type field");
-    const std::string name = words_.optional_word().value_or("");
-    if (!name.empty() && !is_name(name)) reject_word("invalid character in name field");
+    read_required(value_);
+    if (!is_type(value_)) reject_word("invalid character in type field");
+    words_.read_optional_word(name_);
+    if (!name_.empty() && !is_name(name_)) reject_word("invalid character in name field");
     expect_end();
-    if (!sink_.section(type, name, strict())) {
+    if (!sink_.section(value_, name_, strict())) {
       reject_word("section of different type overwrites prior section with same name");
     }
   }
@@ -111,17 +110,21 @@ class StatementParser {
     if (!sink_.has_section()) {
       reject("option/list command found before the first section", words_.keyword_position());
     }
-    const std::string name = required_name(is_name);
-    const std::string value = words_.optional_word().value_or("");
+    read_name(is_name);
+    words_.read_optional_word(value_);
     expect_end();
-    (sink_.*put)(name, value);
+    (sink_.*put)(name_, value_);
   }
   void parse_option() { parse_value(&StatementSink::option); }
   void parse_list() { parse_value(&StatementSink::list); }
 
   uci_context& context_;
-  WordReader words_;
+  WordReader& words_;
   StatementSink& sink_;
+  // The words of the statement that is being read, whose memory the next one uses again.
+  std::string name_;
+  std::string value_;  // or a section's type
+  std::string extra_;
 };
 
 const std::array<StatementParser::Keyword, 8> StatementParser::kKeywords{{
@@ -173,25 +176,25 @@ bool FillSink::section(const std::string& type, const std::string& name, bool st
   uci_section& reopened = *existing->second;
   if (type != reopened.type) {
     if (strict) return false;
-    replace_text(reopened.type, type);
+    retype(reopened, type);
   }
   section_ = &reopened;
   return true;
 }
 
 void FillSink::option(const std::string& name, const std::string& value) {
-  if (!value.empty()) set_string(*section_, name, value);
+  if (!value.empty()) set_string(*section_, name.c_str(), value);
 }
 
-void FillSink::list(const std::string& name, const std::string& value) { add_item(*section_, name, value); }
+void FillSink::list(const std::string& name, const std::string& value) { add_item(*section_, name.c_str(), value); }
 
-void parse_statements(uci_context& context, std::FILE* stream, StatementSink& sink) {
-  StatementParser(context, stream, sink).parse_all();
+void parse_statements(uci_context& context, WordReader& words, StatementSink& sink) {
+  StatementParser(context, words, sink).parse_all();
 }
 
-void parse_package(uci_context& context, std::FILE* stream, uci_package& package) {
+void parse_package(uci_context& context, WordReader& words, uci_package& package) {
   PackageSink sink(package);
-  parse_statements(context, stream, sink);
+  parse_statements(context, words, sink);
 }
 
 }  // namespace uci

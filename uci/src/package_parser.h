@@ -1,12 +1,12 @@
 // Reading of package texts into elements.
 #pragma once
 
-#include <cstdio>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 
 #include "elements.h"
+#include "words.h"
 
 namespace uci {
 
@@ -47,11 +47,11 @@ class FillSink : public StatementSink {
   std::unordered_map<std::string_view, uci_section*> sections_;
 };
 
-// Parses the whole stream. Strict: throws Failure{UCI_ERR_PARSE} at the first error. Otherwise skips what is wrong.
-void parse_statements(uci_context& context, std::FILE* stream, StatementSink& sink);
+// Parses all of a text. Strict: throws Failure{UCI_ERR_PARSE} at the first error. Otherwise skips what is wrong.
+void parse_statements(uci_context& context, WordReader& words, StatementSink& sink);
 
 // Puts the statements into `package`, which owns what was read even when this throws.
-void parse_package(uci_context& context, std::FILE* stream, uci_package& package);
+void parse_package(uci_context& context, WordReader& words, uci_package& package);
 
 bool is_package_name(std::string_view name);  // letters, digits, '_', '-'
 bool is_name(std::string_view name);          // letters, digits, '_'; not empty

@@ -2,12 +2,11 @@
 #include "words.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <new>
-#include <string_view>
 #include <sys/types.h>
 #include <utility>
 
@@ -18,30 +17,42 @@ namespace {
 
 bool is_space(char character) { return character == ' ' || (character >= '\t' && character <= '\r'); }
 
-struct FreeText {
-  void operator()(char* text) const noexcept { std::free(text); }
-};
+// Bytes that mean something in a word outside quotes; all others are the word's own.
+constexpr std::array<bool, 256> kSpecial = [] {
+  std::array<bool, 256> table{};
+  for (const char character : std::string_view(" \t\n\v\f\r#;'\"\\"))
+    table[static_cast<unsigned char>(character)] = true;
+  return table;
+}();
 
 }  // namespace
 
-bool WordReader::append_line() {
-  char* raw = nullptr;
-  std::size_t capacity = 0;
-  errno = 0;
-  const ssize_t length = getline(&raw, &capacity, stream_);
-  const std::unique_ptr<char, FreeText> owned(raw);
-  if (length <= 0) {
-    // A text that broke off must not pass for a short one: a commit would write what was read of it.
-    if (errno == ENOMEM) throw std::bad_alloc();
-    if (std::ferror(stream_) != 0) throw Failure{UCI_ERR_IO};
-    return false;
+WordReader::~WordReader() { std::free(raw_line_); }
+
+// With its line end; empty at the end of the text or stream.
+std::string_view WordReader::next_raw_line() {
+  if (stream_ == nullptr) {
+    const std::size_t end = rest_.find('\n');
+    const std::string_view line = rest_.substr(0, end == std::string_view::npos ? end : end + 1);
+    rest_.remove_prefix(line.size());
+    return line;
   }
-  const std::size_t size = static_cast<std::size_t>(length);
+  errno = 0;
+  const ssize_t length = getline(&raw_line_, &raw_size_, stream_);
+  if (length > 0) return {raw_line_, static_cast<std::size_t>(length)};
+  // A text that broke off must not pass for a short one: a commit would write what was read of it.
+  if (errno == ENOMEM) throw std::bad_alloc();
+  if (std::ferror(stream_) != 0) throw Failure{UCI_ERR_IO};
+  return {};
+}
+
+bool WordReader::append_line() {
+  const std::string_view line = next_raw_line();
   // Padding behind the last line end, as of a text in a C buffer, is no line.
-  if (std::string_view(raw, size).find_first_not_of('\0') == std::string_view::npos) return false;
-  if (raw[size - 1] == '\n') ++line_;
-  text_.append(raw, size);
-  if (std::memchr(raw, '\0', size) != nullptr) throw WordError{"invalid command"};
+  if (line.find_first_not_of('\0') == std::string_view::npos) return false;
+  if (line.back() == '\n') ++line_;
+  text_.append(line);
+  if (line.find('\0') != std::string_view::npos) throw WordError{"invalid command"};
   return true;
 }
 
@@ -49,7 +60,7 @@ bool WordReader::next_line() {
   text_.clear();
   position_ = keyword_position_ = 0;
   statement_ended_ = behind_semicolon_ = may_end_line_ = false;
-  return stream_ != nullptr && append_line();
+  return append_line();
 }
 
 void WordReader::skip_line() {
@@ -59,25 +70,25 @@ void WordReader::skip_line() {
 
 bool WordReader::at_statement() { return !at_end(); }
 
-std::string WordReader::keyword() {
+void WordReader::skip_space() {
+  while (!at_end() && is_space(text_[position_])) ++position_;
+}
+
+std::string_view WordReader::keyword() {
   statement_ended_ = false;
   const bool may_end_line = std::exchange(may_end_line_, false);
+  const bool behind_semicolon = std::exchange(behind_semicolon_, false);
   keyword_position_ = position_;
-  while (!at_end() && is_space(text_[position_])) ++position_;
-  if (at_end()) {
-    const bool lonely_semicolon = behind_semicolon_ && !may_end_line;
-    behind_semicolon_ = false;
-    return lonely_semicolon ? ";" : "";
-  }
-  if (!behind_semicolon_) keyword_position_ = position_;
-  behind_semicolon_ = false;
+  skip_space();
+  if (at_end()) return behind_semicolon && !may_end_line ? ";" : "";
+  if (!behind_semicolon) keyword_position_ = position_;
   if (text_[position_] == '#') {
     skip_line();
     return "";
   }
   const std::size_t begin = position_;
   position_ = std::min(text_.find_first_of(" \t", begin), text_.size());
-  std::string keyword = text_.substr(begin, position_ - begin);
+  const std::string_view keyword = std::string_view(text_).substr(begin, position_ - begin);
   keyword_ended_file_ = at_end();
   if (!at_end()) ++position_;
   return keyword;
@@ -109,55 +120,66 @@ void WordReader::read_escaped(std::string& word) {
 
 void WordReader::read_single_quoted(std::string& word) {
   ++position_;
-  while (true) {
-    if (at_end() && !append_line()) throw WordError{"EOF with unterminated '"};
-    const char character = text_[position_++];
-    if (character == '\'') return;
-    word += character;
+  std::size_t end = text_.find('\'', position_);
+  while (end == std::string::npos) {
+    const std::size_t size = text_.size();
+    if (!append_line()) throw WordError{"EOF with unterminated '"};
+    end = text_.find('\'', size);
   }
+  word.append(text_, position_, end - position_);
+  position_ = end + 1;
 }
 
 void WordReader::read_double_quoted(std::string& word) {
   ++position_;
   while (true) {
     if (at_end() && !append_line()) throw WordError{"EOF with unterminated \""};
-    const char character = text_[position_];
-    if (character == '\\') {
+    const std::size_t end = std::min(text_.find_first_of("\\\"", position_), text_.size());
+    word.append(text_, position_, end - position_);
+    position_ = end;
+    if (at_end()) continue;
+    if (text_[position_] == '\\') {
       read_escaped(word);
       continue;
     }
     ++position_;
-    if (character == '"') return;
-    word += character;
+    return;
   }
 }
 
-std::optional<std::string> WordReader::optional_word() {
-  std::optional<std::string> found = word();
+void WordReader::read_plain(std::string& word) {
+  std::size_t end = position_;
+  while (end < text_.size() && !kSpecial[static_cast<unsigned char>(text_[end])]) ++end;
+  word.append(text_, position_, end - position_);
+  position_ = end;
+}
+
+bool WordReader::read_optional_word(std::string& word) {
+  const bool found = read_word(word);
   if (!found) may_end_line_ = behind_semicolon_;
   return found;
 }
 
-std::optional<std::string> WordReader::word() {
-  if (statement_ended_) return std::nullopt;
-  while (!at_end() && is_space(text_[position_])) ++position_;
-  std::string word;
+bool WordReader::read_word(std::string& word) {
+  word.clear();
+  if (statement_ended_) return false;
+  skip_space();
   bool begun = false;
   bool plain = true;
   while (!at_end()) {
     const char character = text_[position_];
     if (is_space(character)) {
       ++position_;
-      return word;
+      return true;
     }
     if (character == '#') {
       skip_line();
-      return begun ? std::optional(word) : std::nullopt;
+      return begun;
     }
     if (character == ';') {
       ++position_;
       end_statement(begun && plain);
-      return begun ? std::optional(word) : std::nullopt;
+      return begun;
     }
     begun = true;
     if (character == '\'') {
@@ -170,15 +192,11 @@ std::optional<std::string> WordReader::word() {
       plain = false;
       read_escaped(word);
     } else {
-      word += character;
-      ++position_;
+      read_plain(word);
     }
   }
-  if (!begun) {
-    statement_ended_ = true;
-    return std::nullopt;
-  }
-  return word;
+  statement_ended_ = !begun;
+  return begun;
 }
 
 }  // namespace uci

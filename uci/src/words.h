@@ -3,8 +3,8 @@
 
 #include <cstddef>
 #include <cstdio>
-#include <optional>
 #include <string>
+#include <string_view>
 
 namespace uci {
 
@@ -13,26 +13,28 @@ struct WordError {
   std::string reason;
 };
 
-// Reads statement lines from a stream and cuts them into words. A statement line grows while a quote or a backslash
-// carries it over a line end.
+// Reads statement lines from a text or a stream and cuts them into words. A statement line grows while a quote or a
+// backslash carries it over a line end.
 class WordReader {
  public:
   WordReader() = default;
   explicit WordReader(std::FILE* stream) : stream_(stream) {}
+  explicit WordReader(std::string_view text) : rest_(text) {}  // which outlives the reader
+  WordReader(const WordReader&) = delete;
+  WordReader& operator=(const WordReader&) = delete;
+  ~WordReader();
 
-  // Begins a new statement line; false at the end of the stream. A NUL byte throws WordError, a read error
-  // Failure{UCI_ERR_IO}.
+  // Begins a new statement line; false at the end. A NUL byte throws WordError, a read error Failure{UCI_ERR_IO}.
   bool next_line();
   // True when the statement line holds another statement (behind a semicolon).
   bool at_statement();
   // The keyword of a statement, as it stands; empty for a line that holds none or a comment. A semicolon without a
-  // statement behind it gives a keyword that no statement has.
-  std::string keyword();
-  // The next word of the statement; nullopt at its end.
-  std::optional<std::string> word();
-
+  // statement behind it gives a keyword that no statement has. Valid until a word is read.
+  std::string_view keyword();
+  // The next word of the statement; false, and an empty word, at its end.
+  bool read_word(std::string& word);
   // The same where the statement may end without the word: a semicolon in its place may also end the line.
-  std::optional<std::string> optional_word();
+  bool read_optional_word(std::string& word);
 
   // Leaves the rest of the statement line.
   void skip_line();
@@ -46,14 +48,20 @@ class WordReader {
 
  private:
   bool append_line();
+  std::string_view next_raw_line();
   bool at_end() const { return position_ >= text_.size(); }
+  void read_plain(std::string& word);
   void read_single_quoted(std::string& word);
   void read_double_quoted(std::string& word);
   void read_escaped(std::string& word);
   bool is_line_end(std::size_t at) const;
+  void skip_space();
   void end_statement(bool plain_word_before);
 
   std::FILE* stream_ = nullptr;
+  std::string_view rest_;     // of the text, where there is no stream
+  char* raw_line_ = nullptr;  // of the stream
+  std::size_t raw_size_ = 0;
   std::string text_;
   std::size_t position_ = 0;
   std::size_t keyword_position_ = 0;
