@@ -161,10 +161,10 @@ export class ActivityPage {
   }
 
   #details(exchange) {
-    const text = (title, content) => (content ? [el('h3', {}, title), el('pre', { class: 'text', tabindex: '0', 'aria-label': title }, content)] : []);
+    const text = (title, content) => (content ? [el('h2', {}, title), el('pre', { class: 'text', tabindex: '0', 'aria-label': title }, content)] : []);
     const answer = exchange.json === undefined ? exchange.failure ?? `${exchange.bytes?.length ?? 0} bytes` : JSON.stringify(exchange.json, null, 2);
     return el('div', { class: 'entry-body' },
       text('It was sent', typeof exchange.sent === 'string' ? exchange.sent : exchange.sent ? `${exchange.sent.length} bytes, as they are` : ''),
-      el('h3', {}, 'It did'), whatItDid(this.api, exchange), text('It answered', answer));
+      el('h2', {}, 'It did'), whatItDid(this.api, exchange), text('It answered', answer));
   }
 }

@@ -103,6 +103,10 @@ function table(list) {
     el('tbody', {}, rows.map(([first, ...rest]) => el('tr', {}, el('th', { scope: 'row' }, first), rest.map((cell) => el('td', {}, String(cell))))))));
 }
 
+function heard(count) {
+  return count === 0 ? 'nothing heard' : `${count} heard`;
+}
+
 export class AirPage {
   title = 'Air';
 
@@ -144,17 +148,15 @@ export class AirPage {
   }
 
   #draw() {
-    const wide = getComputedStyle(this.bands).gridTemplateColumns.split(' ');
+    if (this.bands.clientWidth === 0) return; // nobody looks; the observer tells when somebody does
     const { list, channels } = this.answers;
-    this.bands.replaceChildren(...[1, 2, 3].map((band, i) => {
-      const points = list.filter((point) => point.band === band).sort((a, b) => b.rssi - a.rssi)
-        .map((point) => ({ ...point, label: label(point.essid) }));
-      const scale = parseFloat(getComputedStyle(document.documentElement).fontSize) / 16;
-      const width = Math.max(260, parseFloat(wide[i] ?? wide[0]) / scale - 44);
-      return el('section', { class: 'card-box', 'aria-label': `${BANDS[band].name}` },
-        el('div', { class: 'head' }, el('h2', {}, BANDS[band].name), el('p', { class: 'faint' }, points.length === 0 ? 'nothing heard' : `${points.length} heard`)),
-        drawBand(band, points, channels.find((one) => one.band === band), width));
-    }));
+    const scale = parseFloat(getComputedStyle(document.documentElement).fontSize) / 16;
+    const frames = [1, 2, 3].map(() => el('div'));
+    const pointsOf = (band) => list.filter((point) => point.band === band).sort((a, b) => b.rssi - a.rssi)
+      .map((point) => ({ ...point, label: label(point.essid) }));
+    this.bands.replaceChildren(...frames.map((frame, i) => el('section', { class: 'card-box', 'aria-label': BANDS[i + 1].name },
+      el('div', { class: 'head' }, el('h2', {}, BANDS[i + 1].name), el('p', { class: 'faint' }, heard(pointsOf(i + 1).length))), frame)));
+    frames.forEach((frame, i) => frame.append(drawBand(i + 1, pointsOf(i + 1), channels.find((one) => one.band === i + 1), frame.clientWidth / scale)));
     const strongest = [...list].sort((a, b) => b.rssi - a.rssi);
     this.list.replaceChildren(el('section', { class: 'card-box', 'aria-labelledby': 'air-list' }, el('h2', { id: 'air-list' }, 'The same as a list'),
       strongest.length > 0 ? table(strongest) : el('p', { class: 'empty' }, 'Nothing was heard. A router whose radios are off hears nothing: switch one on under Settings, Wi-Fi.')));

@@ -33,8 +33,8 @@ function sizeOf(node) {
 function measured(node, chosen, children = drawn(node, chosen)) {
   const below = children.map((child) => measured(child, chosen));
   const gaps = below.reduce((sum, { node: child }, i) => sum + (i === 0 ? 0 : gap(below[i - 1].node, child)), 0);
-  const height = Math.max(sizeOf(node).height, below.reduce((sum, child) => sum + child.height, gaps));
-  return { node, below, height, ...sizeOf(node), whole: height };
+  const height = Math.max(sizeOf(node).height, below.reduce((sum, child) => sum + child.height, gaps)); // of all of it
+  return { node, below, height, width: sizeOf(node).width };
 }
 
 function gap(one, other) {

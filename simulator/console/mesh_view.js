@@ -11,7 +11,7 @@ function glyph(name, x, y, size) {
 }
 
 function text(x, y, kind, content, properties = {}) {
-  return svg('text', { x, y, class: kind, ...properties }, content);
+  return svg('text', { x, y, class: kind, ...properties }, `${content} `);
 }
 
 function cut(content, most) {
@@ -92,13 +92,14 @@ function drawClient({ node, x, y, width, height, direction }) {
   const label = mirrored ? { x: at - 20, 'text-anchor': 'end' } : { x: at + 20 };
   const mark = wired ? svg('rect', { class: 'mark', x: at - 11, y: middle - 11, width: 22, height: 22, rx: 3 })
     : svg('circle', { class: 'mark', cx: at, cy: middle, r: 11.5 });
-  const words = mediaInWords(node.media);
-  const barsAt = mirrored ? x : x + width - 20;
+  const told = !wired && bars(node.signal) !== undefined;
+  const words = mediaInWords(node.media) + (told ? ` · RSSI ${node.signal}` : '');
+  const room = width - 60 > words.length * 5.6;
+  const properties = { 'text-anchor': label['text-anchor'] };
   return [
     mark, glyph(wired ? 'cable' : 'wireless', at - 7, middle - 7, 14),
-    text(label.x, middle - 1, 'name', cut(node.name, 19), { 'text-anchor': label['text-anchor'] }),
-    text(label.x, middle + 12, 'detail', bars(node.signal) === undefined ? words : `${words} · RSSI ${node.signal}`, { 'text-anchor': label['text-anchor'] }),
-    wired || bars(node.signal) === undefined ? null : signalBars(barsAt, middle + 13, node.signal),
+    text(label.x, middle - 1, 'name', cut(node.name, 19), properties), text(label.x, middle + 12, 'detail', words, properties),
+    told && room ? signalBars(mirrored ? x : x + width - 20, middle + 13, node.signal) : null,
   ];
 }
 
@@ -164,11 +165,13 @@ function drawNode(place, fresh, chosen) {
     role: 'treeitem', tabindex: '-1', 'data-id': node.id, 'data-kind': node.kind, 'aria-level': place.level,
     class: `node ${node.kind} ${bandClass(node.media[0])}${fresh ? ' fresh' : ''}`,
     'aria-expanded': node.kind === 'folded' ? 'false' : clients > 1 ? String(!isFolded(node, chosen)) : undefined,
-    'aria-label': [titleOf(node), ...rowsOf(node).map(([name, value]) => `${name} ${value}`)].join(', '),
   });
   const body = node.kind === 'client' ? drawClient(place) : node.kind === 'folded' ? drawFolded(place) : drawUnit(place);
   group.append(svg('rect', { class: 'target', x: place.x - 2, y: place.y - 2, width: place.width + 4, height: place.height + 4, rx: 12 }),
     ...body.flat().filter(Boolean));
+  // Heard as it is read, and then what the tooltip has beside it.
+  const read = [...group.querySelectorAll('text')].map((one) => one.textContent.trim()).join(' ');
+  group.setAttribute('aria-label', `${read}. ${[titleOf(node), ...rowsOf(node).map((row) => row.join(' '))].join(', ')}`);
   return group;
 }
 

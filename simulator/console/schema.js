@@ -74,7 +74,7 @@ export function choices(schema, twin = {}) {
   return values?.map((value) => ({ value, label: words.has(value) ? `${value} · ${words.get(value)}` : String(value) }));
 }
 
-const IPV4 = /^(25[0-5]|2[0-4]\d|1?\d?\d)(\.(25[0-5]|2[0-4]\d|1?\d?\d)){3}$/;
+const IPV4 = /^(25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)(\.(25[0-5]|2[0-4]\d|1\d\d|[1-9]?\d)){3}$/;
 
 function fitsType(value, type) {
   if (type === 'integer') return Number.isInteger(value);
@@ -135,14 +135,14 @@ function memberProblems(own, value, document, path) {
 }
 
 // What a GET answered, as far as the schema of the POST has it. Keys that differ in their capitals are the same one, and
-// a number that is answered as a text becomes a number.
+// a number that is answered as a text becomes a number. What the POST would refuse is left out, such as the address "None".
 export function prefill(schema, answer, document) {
   const own = resolve(schema, document);
   const type = typeOf(own);
   if (type === 'integer' && typeof answer === 'string' && /^-?\d+$/.test(answer)) return Number(answer);
   if (!fitsType(answer, type)) return undefined;
   if (type === 'array') return answer.map((entry) => prefill(own.items ?? {}, entry, document)).filter((entry) => entry !== undefined);
-  if (type !== 'object') return answer;
+  if (type !== 'object') return problems(own, answer, document).length === 0 ? answer : undefined;
   const byCase = new Map(Object.entries(answer).map(([name, value]) => [name.toLowerCase(), value]));
   const members = Object.entries(own.properties ?? {})
     .map(([name, member]) => [name, byCase.has(name.toLowerCase()) ? prefill(member, byCase.get(name.toLowerCase()), document) : undefined]);

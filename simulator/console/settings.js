@@ -41,7 +41,7 @@ export function scriptLine(about, method, uri, body) {
   return `script/request${port} ${method} ${uri}${body === undefined ? '' : ` ${quoted(body)}`}`;
 }
 
-function copyable(text) {
+function copyable(text, method) {
   const code = el('code', { class: 'line' }, text);
   const button = el('button', { type: 'button', onclick: async () => {
     try {
@@ -53,7 +53,7 @@ function copyable(text) {
     }
     setTimeout(() => { button.textContent = 'Copy'; }, 2000);
   } }, 'Copy');
-  return { element: el('div', { class: 'script' }, el('div', { class: 'scroll', tabindex: '0', role: 'region', 'aria-label': 'The same on a terminal' }, code), button),
+  return { element: el('div', { class: 'script' }, el('div', { class: 'scroll', tabindex: '0', role: 'region', 'aria-label': `The ${method} on a terminal` }, code), button),
     set(line) { code.textContent = line; } };
 }
 
@@ -65,7 +65,7 @@ class RoutePanel {
     this.change = route.post ? this.#changeSection() : null;
     this.outcome = el('div', { class: 'outcome' });
     this.element = el('div', { class: 'panel' },
-      el('div', { class: 'lead' }, el('a', { class: 'back', href: '#/settings' }, '← All routes'), el('h1', {}, route.title),
+      el('div', { class: 'lead' }, el('a', { class: 'back', href: '#/settings' }, '← All routes'), this.heading = el('h1', { tabindex: '-1' }, route.title),
         el('p', { class: 'row uri' }, route.get ? el('span', { class: 'method get' }, 'GET') : null,
           route.post ? el('span', { class: 'method post' }, 'POST') : null, el('code', {}, route.uri))),
       el('div', { class: 'columns' }, el('div', { class: 'column' }, this.change ?? this.read), el('div', { class: 'column' }, this.outcome, this.change ? this.read : null)));
@@ -84,7 +84,7 @@ class RoutePanel {
     return el('section', { class: 'card-box', 'aria-labelledby': 'read-title' },
       el('div', { class: 'head' }, el('h2', { id: 'read-title' }, 'As it is'), this.again),
       get.description ? el('p', { class: 'faint' }, prose(get.description)) : null, this.current,
-      copyable(scriptLine(this.api.about, 'GET', uri)).element);
+      copyable(scriptLine(this.api.about, 'GET', uri), 'GET').element);
   }
 
   async #read(byItself) {
@@ -113,7 +113,7 @@ class RoutePanel {
     const upload = Object.keys(contents).find((type) => type !== JSON_TYPE);
     this.body = contents[JSON_TYPE]?.schema;
     this.summary = el('div', { class: 'notice bad', role: 'alert', tabindex: '-1', hidden: true });
-    this.script = copyable(scriptLine(this.api.about, 'POST', uri));
+    this.script = copyable(scriptLine(this.api.about, 'POST', uri), 'POST');
     this.send = el('button', { type: 'submit', class: 'first' }, 'Send');
     const parts = upload ? [this.#fileField()] : this.body ? this.#formFields(contents[JSON_TYPE].examples ?? {}) : [el('p', { class: 'faint' }, 'It needs nothing more than to be sent.')];
     const form = el('form', { novalidate: true, onsubmit: (event) => {
@@ -257,6 +257,7 @@ export class SettingsPage {
     if (this.place.firstElementChild !== panel.element) {
       this.place.replaceChildren(panel.element);
       scrollTo(0, 0);
+      if (this.nav.contains(document.activeElement) || document.activeElement === document.body) panel.heading.focus({ preventScroll: true });
     }
     panel.enter();
   }

@@ -18,7 +18,8 @@ UPSTREAM='0 00:11:22:33:44:50 2437 -48.00 Upstream-2G PSK
 1 00:11:22:33:55:51 5180 -53.00 Upstream-MLO PSK,SAE
 2 00:11:22:33:55:52 6135 -61.00 Upstream-MLO SAE'
 
-# Others in range; a SSID as iw prints it, "-" for a hidden one, "none" for an open network.
+# Others in range; a SSID as iw prints it, "-" for a hidden one, "none" for an open network. The lines of
+# /router/state/neighbours, where there are any, are in range, too.
 NEIGHBOURS='0 00:aa:bb:cc:dd:01 2462 -71.00 Cafe-Free-Wifi none
 0 00:aa:bb:cc:dd:11 2412 -88.00 - PSK
 1 00:aa:bb:cc:dd:02 5500 -80.00 \x4eeighbour PSK
@@ -38,7 +39,7 @@ bss() { # DEVICE BSSID MHz dBm SSID SUITES
 
 # What a scan of a band hears.
 scan_air() { # DEVICE BAND
-  { [ "$(uplink)" = lost ] || echo "$UPSTREAM"; printf '%s\n' "$NEIGHBOURS"; } |
+  { [ "$(uplink)" = lost ] || echo "$UPSTREAM"; printf '%s\n' "$NEIGHBOURS"; cat /router/state/neighbours 2>/dev/null; } |
     while read -r band bssid freq signal ssid suites; do
       [ "$band" != "$2" ] || bss "$1" "$bssid" "$freq" "$signal" "$ssid" "$suites"
     done
