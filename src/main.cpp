@@ -11,6 +11,7 @@
 #include "answer/answer.h"
 #include "command_line.h"
 #include "platform/log.h"
+#include "request/connection.h"
 #include "request/dispatch.h"
 
 namespace {
@@ -53,9 +54,13 @@ void dispatch_guarded(FCGX_Request* request) {
 }  // namespace
 
 // libfcgi accepts with accept(), which would leave a connection open in a child that another thread starts before it
-// can be marked. It binds to this definition instead of the C library's: close-on-exec from the first instant.
+// can be marked. It binds to this definition instead of the C library's: close-on-exec from the first instant, and
+// given up when its peer falls silent, in the parameters too, which libfcgi reads before anybody else sees the
+// connection.
 extern "C" int accept(int socket, sockaddr* address, socklen_t* length) {
-  return accept4(socket, address, length, SOCK_CLOEXEC);
+  const int connection = accept4(socket, address, length, SOCK_CLOEXEC);
+  if (connection >= 0) limit_silence(connection);
+  return connection;
 }
 
 int main(int argc, char** argv) {

@@ -16,7 +16,12 @@ std::string_view without_surrounding_space(std::string_view text) {
 
 // What `jose` printed for `input`, with the trace of a failure that printed something all the same.
 platform::ProcessResult run_jose(const std::vector<std::string>& argv, std::string_view input) {
-  platform::ProcessResult result = platform::run(argv, {.input = input});
+  constexpr std::size_t kTextMax = std::size_t{64} << 20;
+  platform::ProcessResult result = platform::run(argv, {.input = input, .max_output = kTextMax});
+  if (result.output_cut) {
+    log_error("jose printed more than %zu bytes\n", kTextMax);
+    result.output.clear();
+  }
   if (result.started && !result.output.empty() && !result.succeeded()) {
     log_error("jose printed %zu bytes and ended with status %d\n", result.output.size(), result.exit_status());
   }

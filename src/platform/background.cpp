@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "platform/log.h"
+#include "platform/process.h"
 #include "platform/run_guarded.h"
 #include "platform/uci_session.h"
 
@@ -37,6 +38,7 @@ void close_descriptors_above_standard(int kept_descriptor) {
 [[noreturn]] void run_as_daemon(const std::function<void()>& work, int kept_descriptor) noexcept {
   closelog();
   run_guarded([kept_descriptor] { close_descriptors_above_standard(kept_descriptor); });
+  lift_command_limits();
   if (daemon(0, 0) == 0) run_guarded(work);
   _exit(0);
 }
@@ -68,7 +70,10 @@ bool is_told_to_begin(int waiter) {
 bool start_detached(std::function<void()> work) {
   settle_uci();
   try {
-    std::thread([work = std::move(work)] { run_guarded(work); }).detach();
+    std::thread([work = std::move(work)] {
+      lift_command_limits();
+      run_guarded(work);
+    }).detach();
     return true;
   } catch (const std::system_error&) {
     return false;

@@ -1,4 +1,5 @@
-// Work that outlives a request: a detached thread, a daemonised child or a timer. Nothing else starts one.
+// Work that outlives a request: a detached thread, a daemonised child or a timer. Nothing else starts one. The commands
+// of such work may take as long as they do.
 #pragma once
 
 #include <functional>

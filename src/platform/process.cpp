@@ -1,17 +1,22 @@
 // Child processes by posix_spawn: every pipe is close-on-exec, every child is drained and reaped.
 #include "platform/process.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <optional>
 #include <poll.h>
+#include <set>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/child_end.h"
+#include "platform/command_limits.h"
 #include "platform/file.h"
+#include "platform/log.h"
 #include "platform/uci_session.h"
 
 extern char** environ;
@@ -21,7 +26,6 @@ namespace {
 
 constexpr int kExitNotFound = 127;
 constexpr int kExitNotExecutable = 126;
-constexpr int exit_to_wait_status(int status) { return status << 8; }
 
 struct Pipe {
   UniqueFd read_end;
@@ -43,7 +47,7 @@ std::optional<Pipe> make_pipe() {
   return pipe;
 }
 
-// What a child gets: its standard streams, default signals, no blocked ones.
+// What a child gets: its standard streams, default signals, no blocked ones, a process group of its own.
 class SpawnPlan {
  public:
   SpawnPlan() {
@@ -54,7 +58,7 @@ class SpawnPlan {
     posix_spawnattr_setsigmask(&attributes_, &signals);
     for (const int number : {SIGPIPE, SIGCHLD, SIGUSR1, SIGINT, SIGQUIT, SIGTERM, SIGHUP}) sigaddset(&signals, number);
     posix_spawnattr_setsigdefault(&attributes_, &signals);
-    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETPGROUP);
   }
   SpawnPlan(const SpawnPlan&) = delete;
   SpawnPlan& operator=(const SpawnPlan&) = delete;
@@ -92,35 +96,52 @@ void feed(UniqueFd& pipe, std::string_view& input) {
   if (input.empty() || (written < 0 && !retry)) pipe.reset();
 }
 
-// Reads a piece of the output; closes the pipe at its end, or when the reader wants no more.
-void drain(UniqueFd& pipe, const ProcessOptions& options, std::string& output) {
+// A bound for what is read of a tool that does not stop: a tool that is only talkative comes to its end before it.
+constexpr std::size_t kMostRead = std::size_t{64} << 20;
+
+// Where the output of a child goes.
+class Output {
+ public:
+  Output(const ProcessOptions& options, ProcessResult& result) : options_(options), result_(result) {}
+
+  // False when no more is wanted.
+  bool take(std::string_view piece) {
+    if (options_.reader) return options_.reader(piece);
+    const std::size_t kept = std::min(piece.size(), options_.max_output - result_.output.size());
+    result_.output.append(piece.substr(0, kept));
+    result_.output_cut = result_.output_cut || kept < piece.size();
+    read_ += piece.size();
+    return read_ < std::max(kMostRead, options_.max_output);
+  }
+
+ private:
+  const ProcessOptions& options_;
+  ProcessResult& result_;
+  std::size_t read_ = 0;
+};
+
+// Reads a piece of the output; closes the pipe at its end, or when no more is wanted.
+void drain(UniqueFd& pipe, Output& output) {
   std::array<char, 65536> piece{};
   const ssize_t got = read(pipe.get(), piece.data(), piece.size());
   if (got < 0 && (errno == EINTR || errno == EAGAIN)) return;
-  if (got <= 0) {
-    pipe.reset();
-    return;
-  }
-  const std::string_view text(piece.data(), static_cast<std::size_t>(got));
-  if (!options.reader) {
-    output.append(text);
-  } else if (!options.reader(text)) {
-    pipe.reset();
-  }
+  if (got <= 0 || !output.take({piece.data(), static_cast<std::size_t>(got)})) pipe.reset();
 }
 
-// Moves input and output at once, so that neither side waits for the other for ever.
-void exchange(UniqueFd& to_child, UniqueFd& from_child, const ProcessOptions& options, std::string& output) {
-  std::string_view input = options.input;
+// Moves input and output at once, so that neither side waits for the other for ever. False when the time was over.
+bool exchange(UniqueFd& to_child, UniqueFd& from_child, std::string_view input, Output& output,
+              const Deadline& deadline) {
   while (to_child.valid() || from_child.valid()) {
     std::array<pollfd, 2> ends{{{to_child.get(), POLLOUT, 0}, {from_child.get(), POLLIN, 0}}};
-    if (poll(ends.data(), ends.size(), -1) < 0) {
-      if (errno == EINTR) continue;
-      return;
-    }
+    const int ready = poll(ends.data(), ends.size(), deadline.left_ms());
+    if (ready < 0 && errno != EINTR) return true;
+    if (ready == 0 && deadline.is_over()) return false;
+    if (ready <= 0) continue;
     if (ends[0].revents != 0) feed(to_child, input);
-    if (ends[1].revents != 0) drain(from_child, options, output);
+    if (ends[1].revents != 0) drain(from_child, output);
+    if (deadline.is_over()) return false;
   }
+  return true;
 }
 
 // A write to a child that is gone must be an error, not the end of this thread's process.
@@ -145,16 +166,45 @@ class SigpipeBlocked {
   sigset_t previous_{};
 };
 
-int reap(pid_t child) {
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0) {
-    if (errno != EINTR) return exit_to_wait_status(kExitNotFound);
+// Of the calling thread.
+thread_local bool limits_lifted = false;
+thread_local std::set<std::string> late_programs;
+
+// How the log and the memory of late programs call a command: no word of it came from outside.
+std::string name_of(const std::vector<std::string>& argv) {
+  if (argv[0] == "/bin/sh" && argv.size() == 3) return argv[2];
+  return argv[0];
+}
+
+unsigned int limit_of(const std::vector<std::string>& argv) {
+  if (limits_lifted) return 0;
+  if (late_programs.contains(name_of(argv))) return 1;
+  return argv[0] == "/bin/sh" && argv.size() == 3 ? limit_of_shell(argv[2]) : limit_of_argv(argv);
+}
+
+// Feeds, drains and reaps the child within its time.
+void attend(pid_t child, const std::vector<std::string>& argv, UniqueFd& to_child, UniqueFd& from_child,
+            const ProcessOptions& options, ProcessResult& result) {
+  const unsigned int limit = limit_of(argv);
+  const Deadline deadline(limit);
+  Output output(options, result);
+  std::optional<int> status;
+  if (exchange(to_child, from_child, options.input, output, deadline)) status = reap(child, deadline);
+  if (status) {
+    result.wait_status = *status;
+    return;
   }
-  return status;
+  log_error("'%s' did not end within %u s and is ended\n", name_of(argv).c_str(), limit);
+  late_programs.insert(name_of(argv));
+  to_child.reset();
+  from_child.reset();
+  result.wait_status = end_group(child);
+  result.too_late = true;
+  result.output.clear();
 }
 
 UniqueFd open_null() {
-  return UniqueFd(fcntl(UniqueFd(open("/dev/null", O_RDONLY | O_CLOEXEC)).get(), F_DUPFD_CLOEXEC, 3));
+  return UniqueFd(fcntl(UniqueFd(open("/dev/null", O_RDWR | O_CLOEXEC)).get(), F_DUPFD_CLOEXEC, 3));
 }
 
 }  // namespace
@@ -189,6 +239,9 @@ ProcessResult run(const std::vector<std::string>& argv, const ProcessOptions& op
     plan.connect(child_output.get(), STDOUT_FILENO);
   }
 
+  const UniqueFd dropped = options.drop_errors ? open_null() : UniqueFd();
+  if (dropped.valid()) plan.connect(dropped.get(), STDERR_FILENO);
+
   const SigpipeBlocked guard;
   pid_t child = -1;
   const int error = plan.spawn(argv, child);
@@ -201,10 +254,13 @@ ProcessResult run(const std::vector<std::string>& argv, const ProcessOptions& op
   result.started = true;
   child_input.reset();
   child_output.reset();
-  exchange(to_child, from_child, options, result.output);
-  result.wait_status = reap(child);
+  attend(child, argv, to_child, from_child, options, result);
   return result;
 }
+
+void forget_late_commands() { late_programs.clear(); }
+
+void lift_command_limits() { limits_lifted = true; }
 
 ProcessResult run_shell(const std::string& command, const ProcessOptions& options) {
   return run({"/bin/sh", "-c", command}, options);

@@ -46,7 +46,7 @@ std::optional<std::string> first_line(const std::string& output, std::size_t siz
 
 // The MAC address text that the kernel keeps in `path`.
 int read_mac_file(const std::string& path, char* out) {
-  const platform::ProcessResult result = platform::run({"cat", path});
+  const platform::ProcessResult result = platform::run({"cat", path}, {.max_output = kLineBuffer});
   if (!result.started) {
     std::perror("popen failed");
     return -1;
@@ -93,7 +93,7 @@ int execute_cmd(const char* command, char* out, std::size_t out_size) {
     log_error("no cammand is passed at calling execute_cmd()\n");
     return 1;
   }
-  const platform::ProcessResult result = platform::run_shell(command);
+  const platform::ProcessResult result = platform::run_shell(command, {.max_output = kLineBuffer});
   if (!result.started) {
     log_error("Fail to execute CMD\n");
     return 1;
@@ -118,7 +118,7 @@ int get_uci_option_value(const char* package, const char* section, const char* o
     return -1;
   }
   const std::string address = option_address(package, section, option);
-  const platform::ProcessResult result = platform::run({"uci", "get", address});
+  const platform::ProcessResult result = platform::run({"uci", "get", address}, {.max_output = kValueBuffer});
   if (!result.started) {
     log_debug("uci get faill!\n");
     return -1;
@@ -203,7 +203,7 @@ int get_brand_index() {
 }
 
 std::string get_link_bssid(const char* ifname) {
-  const platform::ProcessResult result = platform::run({"iw", "dev", ifname, "link"});
+  const platform::ProcessResult result = platform::run({"iw", "dev", ifname, "link"}, {.max_output = kLineBuffer});
   if (!result.started) {
     std::perror("popen failed");
     return "0000000000";

@@ -11,8 +11,10 @@
 
 #include "answer/answer.h"
 #include "encrypted_body.h"
+#include "platform/process.h"
 #include "platform/uci_session.h"
 #include "request/body.h"
+#include "request/connection.h"
 #include "route_table.h"
 
 namespace {
@@ -38,7 +40,7 @@ auto find_handler(const Routes& routes, std::string_view uri) -> decltype(routes
 
 int dispatch_get(FCGX_Request* request, std::string_view uri) {
   const GetHandler handler = find_handler(get_routes, uri);
-  if (handler == nullptr) return kNotHandled;
+  if (handler == nullptr || has_left(request->ipcFd)) return kNotHandled;
   handler(request);
   return kHandled;
 }
@@ -79,6 +81,7 @@ int dispatch_post(FCGX_Request* request, std::string_view uri) {
 int dispatch_request(FCGX_Request* request) {
   if (request == nullptr) return kNotHandled;
   const platform::UciSession session;
+  platform::forget_late_commands();
   const char* method = FCGX_GetParam("REQUEST_METHOD", request->envp);
   const char* uri = FCGX_GetParam("REQUEST_URI", request->envp);
   if (method == nullptr || uri == nullptr) return kNotHandled;

@@ -35,7 +35,7 @@ int getFileInfo(const char* path, std::string* info, std::size_t size) {
 }
 
 int run_cmd_first_line(const char* command, std::string& line) {
-  const platform::ProcessResult result = platform::run_shell(command);
+  const platform::ProcessResult result = platform::run_shell(command, {.max_output = 1024});
   if (!result.started) std::perror("popen failed");
   if (result.output.empty()) return -1;
   line = result.output.substr(0, result.output.find('\n'));

@@ -90,14 +90,23 @@ int get_pppoe_result(int& connect_result) {
 }
 
 int get_ipvalue_address() {
-  constexpr std::size_t kPieceSize = 32;
-  const platform::ProcessResult tool = platform::run_shell("inetchk -46 -woi ; echo $?");
+  constexpr std::size_t kPieceMax = 31;
+  std::string last;
+  bool is_whole = true;  // what comes next begins a new piece
+  const auto keep_last = [&](std::string_view text) {
+    for (const char c : text) {
+      if (is_whole) last.clear();
+      last += c;
+      is_whole = c == '\n' || last.size() == kPieceMax;
+    }
+    return true;
+  };
+  const platform::ProcessResult tool = platform::run_shell("inetchk -46 -woi ; echo $?", {.reader = keep_last});
   if (!tool.started) {
     log_error("Failed to run command");
     return 1;
   }
-  const std::vector<std::string> pieces = platform::split_lines(tool.output, kPieceSize);
-  return pieces.empty() ? 0 : std::atoi(pieces.back().c_str());
+  return std::atoi(last.c_str());
 }
 
 int handle_pppoe_config(FCGX_Request* request, const char* /*body*/) {

@@ -137,6 +137,7 @@ class Router:
             raise RuntimeError("STAND_IN_BIN is not set: run the tests through ctest or script/test")
         sandbox.isolation()  # says what the machine lacks, before anything is made
         self.real_time = False  # True: waits take their time and are not kept as calls
+        self.time_rate = 1  # how much sooner the program's limits (of tools, of clients) are over
         self.count_uci = False  # True: uci_calls() tells which packages the program loads and commits
         self.environment: dict[str, str] = {}
         self._process: subprocess.Popen | None = None
@@ -269,6 +270,7 @@ class Router:
             raise RuntimeError("ROUTER_API_BIN is not set: run the tests through ctest or script/test")
         self.root.mount(binary, "/usr/sbin/router-api")
         environment = {**SANITIZER_OPTIONS, **self.environment}
+        environment["FAST_TIME_RATE"] = str(self.time_rate)
         shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci}
         loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None]
         for shim in loaded:

@@ -68,3 +68,9 @@ def test_dead_tools_are_not_reported(router):
     router.tool("passwd", missing=True)
     router.no_config("rpcd")
     assert router.post(URI, GOOD).json["result"] == 0
+
+
+def test_what_passwd_says_of_a_password_stays_out_of_the_web_servers_log(router):
+    router.tool("passwd", err="BAD PASSWORD: s3cret\n")
+    assert router.post(URI, GOOD).json["result"] == 0
+    assert "BAD PASSWORD" not in router.stderr()

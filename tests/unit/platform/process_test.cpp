@@ -76,6 +76,38 @@ TEST(Run, EndsAWriterWhoseReaderHasEnough) {
   EXPECT_FALSE(result.succeeded());
 }
 
+TEST(Run, KeepsNoMoreOutputThanItIsAskedFor) {
+  const platform::ProcessResult cut =
+      run_shell("printf 0123456789; echo end >&2", {.drop_errors = true, .max_output = 4});
+  EXPECT_EQ(cut.output, "0123");
+  EXPECT_TRUE(cut.output_cut);
+  EXPECT_TRUE(cut.succeeded());  // it was read to its end
+  const platform::ProcessResult whole = run_shell("printf 0123", {.max_output = 4});
+  EXPECT_EQ(whole.output, "0123");
+  EXPECT_FALSE(whole.output_cut);
+}
+
+TEST(Run, ClosesThePipeOfAToolThatNeverStopsPrinting) {
+  const platform::ProcessResult result = run({"yes"});
+  EXPECT_EQ(result.output.size(), platform::kOutputMax);
+  EXPECT_TRUE(result.output_cut);
+  EXPECT_FALSE(result.succeeded());
+}
+
+TEST(Run, DropsStandardErrorWhereItIsAskedTo) {
+  ::testing::internal::CaptureStderr();
+  run_shell("echo seen >&2");
+  run_shell("echo dropped >&2", {.drop_errors = true});
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "seen\n");
+}
+
+TEST(Run, GivesTheChildAProcessGroupOfItsOwn) {
+  const platform::ProcessResult result = run_shell("echo $$; cut -d' ' -f5 /proc/$$/stat");
+  const std::vector<std::string> lines = platform::split_lines(result.output);
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_EQ(lines[0], lines[1]);
+}
+
 TEST(Run, RestoresTheCallersSignalMask) {
   run({"true"});
   sigset_t blocked;
