@@ -61,6 +61,10 @@ bool add_agents(json::ListText& array) {
     return false;
   }
   std::vector<AgentInfo> agents = topology_to_agents(parse_topology(*dump));
+  if (agents.empty()) {
+    log_error("Failed to convert topology to agents");
+    return false;
+  }
   if (get_agent_model_info(agents) != 0) {
     log_error("Failed to get agent model info");
     return false;

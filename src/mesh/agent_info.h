@@ -23,7 +23,7 @@ struct AgentInfo {
 };
 
 // The root and what hangs below it, depth first, parents before their children. A device beyond the last row is left
-// out with all that hangs below it.
+// out with all that hangs below it. No row without a root: what the daemon printed was no dump.
 std::vector<AgentInfo> topology_to_agents(const TopologyInfo& info);
 
 // Host names from the DHCP leases. 0, or 1 on failure; rows without a lease get the product's own model name.

@@ -55,7 +55,7 @@ json::ObjectText client_entry(const ClientRecord& row) {
   return entry;
 }
 
-// The signal is a text here, unlike in clientList: the mesh page relies on it.
+// The signal is a text here, unlike in clientList. Kept as it is.
 json::ObjectText satellite_entry(const ClientRecord& row) {
   json::ObjectText entry;
   entry.add("macAddress", row.mac).add("connectionType", row.connectionType);
@@ -93,7 +93,7 @@ json::ObjectText build_document(const MeshState& mesh, const ClientTable& client
 
 }  // namespace
 
-// Answers nothing when the mesh cannot be asked: the client list page then keeps what it shows.
+// Answers nothing when the mesh cannot be asked. Kept as it is.
 int handle_get_client_list(FCGX_Request* request) {
   const MeshState mesh = read_mesh_state();
   refresh_arp();

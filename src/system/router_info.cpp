@@ -9,6 +9,7 @@
 
 #include "platform/file.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "system/device.h"
 #include "system_helpers.h"
 #include "uci_access.h"
@@ -33,18 +34,28 @@ const BrandFacts* brand_facts() {
   return index < kBrandFacts.size() ? &kBrandFacts[index] : nullptr;
 }
 
-// An option's text; empty, and a line in the log, when it cannot be read.
-std::string get_option(const char* package, const char* section, const char* option, std::size_t size) {
-  std::optional<std::string> value = uci_read(package, section, option, size);
-  if (!value) log_debug("get executed failed.\n");
-  return value.value_or("");
+// A debug line under the name of the function that calls.
+struct Caller {
+  const char* function;
+  int line;
+  void log_failure(const char* message) const { platform::write_log(LOG_DEBUG, function, line, "%s", message); }
+};
+
+// As much of an option's text as a field of `size` bytes holds with a terminator, in whole characters; empty, and a
+// line in the log, when it cannot be read.
+std::string get_option(const char* package, const char* section, const char* option, std::size_t size,
+                       Caller caller = {__builtin_FUNCTION(), __builtin_LINE()}) {
+  constexpr std::size_t kBeyond = 4;  // so many bytes more show whether a character ends at the bound
+  const std::optional<std::string> value = uci_read(package, section, option, size + kBeyond);
+  if (!value) caller.log_failure("get executed failed.\n");
+  return std::string(platform::cut_utf8(value.value_or(""), size - 1));
 }
 
 // The integer that a status file begins with.
-std::optional<int> read_status(const char* path) {
+std::optional<int> read_status(const char* path, Caller caller = {__builtin_FUNCTION(), __builtin_LINE()}) {
   const platform::FilePtr file = platform::open_file(path, "r");
   if (!file) {
-    log_debug("Failed to open fail\n");
+    caller.log_failure("Failed to open fail\n");
     return std::nullopt;
   }
   int status = 0;
@@ -73,6 +84,14 @@ void get_modes(RouterInfo& info) {
   }
   get_switch_state(info.mode_switch_status);
   info.current_mode = get_routerInfo_currentMode();
+}
+
+std::string get_routerInfo_macaddr() { return get_option("network", "wan", "macaddr", 32); }
+std::string get_routerInfo_model() { return get_option("system", "@system[0]", "hostname", 32); }
+
+void get_routerInfo_devicecustom(RouterInfo& info) {
+  info.location = std::atoi(get_option("devicecustom", "info", "location", 4).c_str());
+  info.location_custom = get_option("devicecustom", "info", "locationCustom", 32);
 }
 
 int get_routerInfo_ledStatus() {
@@ -134,14 +153,13 @@ void get_routerInfo_list(RouterInfo& info) {
   info.notification = get_notification();
   get_modes(info);
   info.led_status = get_routerInfo_ledStatus();
-  info.mac_address = get_option("network", "wan", "macaddr", 32);
-  info.model = get_option("system", "@system[0]", "hostname", 32);
+  info.mac_address = get_routerInfo_macaddr();
+  info.model = get_routerInfo_model();
   get_routerInfo_deviceInfo(info);
   if (getFileInfo("/etc/mtn_version", &info.fw_version, 16) == 0) info.fw_version = without_line_end(info.fw_version);
   info.current_date_time = local_time_text();
   get_routerInfo_imageArea(info);
-  info.location = std::atoi(get_option("devicecustom", "info", "location", 4).c_str());
-  info.location_custom = get_option("devicecustom", "info", "locationCustom", 32);
+  get_routerInfo_devicecustom(info);
 }
 
 void set_routerInfo_model(const std::string& model) {

@@ -1,10 +1,13 @@
 // GET and POST /api/v1/router/info, GET /api/v1/router/device-info.
 #include <array>
+#include <optional>
+#include <string>
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "system/device.h"
 #include "system/router_info.h"
 #include "uci_access.h"
@@ -55,7 +58,7 @@ int handle_routerInfo_get(FCGX_Request* request) {
   return answer(request, success_document().add("routerInfo", build_info(info)));
 }
 
-// Every key is optional and applied at once.
+// Every key is optional. A router without a host name could not tell its model any more.
 int handle_routerInfo_post(FCGX_Request* request, const char* body) {
   const json::Document document(body);
   const json::Object info = document->object("routerInfo");
@@ -63,11 +66,14 @@ int handle_routerInfo_post(FCGX_Request* request, const char* body) {
     log_debug("解析 JSON 失败\n");
     return answer(request, kResultUnusable);
   }
-  if (const auto model = info.text("model")) set_routerInfo_model(model->substr(0, kModelMax));
+  const std::optional<std::string> model = info.text("model");
+  const std::optional<std::string> place = info.text("locationCustom");
+  if (model && (model->empty() || !platform::is_one_line(*model))) return answer(request, kResultUnusable);
+  if (place && !platform::is_storable(*place)) return answer(request, kResultUnusable);
+
+  if (model) set_routerInfo_model(std::string(platform::cut_utf8(*model, kModelMax)));
   if (const auto location = info.number("location")) set_routerInfo_location(*location);
-  if (const auto text = info.text("locationCustom")) {
-    set_routerInfo_locationCustom(text->substr(0, kLocationTextMax));
-  }
+  if (place) set_routerInfo_locationCustom(std::string(platform::cut_utf8(*place, kLocationTextMax)));
   if (const auto status = info.number("ledStatus")) set_routerInfo_ledStatus(*status);
   return answer(request, kResultOkWait20);
 }

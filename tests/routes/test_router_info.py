@@ -139,6 +139,45 @@ def test_hostile_texts_are_stored_and_do_nothing(router, text):
     router.assert_nothing_ran()
 
 
+@pytest.mark.parametrize("change", [{"model": "a\nb"}, {"model": "a\rb"}, {"model": "\x01"}, {"model": "\t"}, {"model": ""},
+                                    {"locationCustom": "a\x01b"}, {"locationCustom": "\x1b"}], ids=str)
+def test_a_text_that_cannot_be_kept_is_result_1_and_nothing_of_it_is_written(router, change):
+    before = (router.read("/etc/config/system"), router.read("/etc/config/devicecustom"))
+    router.write(LED, "as it was\n")
+    whole = {"model": "Mine", "location": 5, "locationCustom": "attic", "ledStatus": 1, **change}
+    assert router.post(URI, {"routerInfo": whole}).json == {"result": 1}
+    assert (router.read("/etc/config/system"), router.read("/etc/config/devicecustom")) == before
+    assert router.read(LED) == "as it was\n"
+
+
+@pytest.mark.parametrize("letter", ["é", "日", "🛜"])
+def test_texts_are_cut_at_a_characters_end_on_both_ways(router, letter):
+    for before in range(4):  # the bound falls on each byte of the character
+        text = "x" * before + letter * 40
+        router.post(URI, {"routerInfo": {"model": text, "locationCustom": text}})
+        stored = {"model": router.option("system.@system[0].hostname"),
+                  "locationCustom": router.option("devicecustom.info.locationCustom")}
+        for key, most in (("model", 31), ("locationCustom", 63)):
+            assert text.startswith(stored[key]) and most - 4 < len(stored[key].encode()) <= most
+        shown = info(router)
+        for key in stored:
+            assert stored[key].startswith(shown[key]) and 27 < len(shown[key].encode()) <= 31
+
+
+def test_a_stored_text_that_is_no_utf8_is_shown_as_one(router):
+    router.set("devicecustom.info.locationCustom", "caf\udce9")
+    assert info(router)["locationCustom"] == "caf\ufffd"
+
+
+def test_what_cannot_be_read_is_told_under_its_getters_name(bare_router):
+    info(bare_router)
+    told = {line.function for line in bare_router.log() if line.text == "get executed failed.\n"}
+    assert {"get_routerInfo_macaddr", "get_routerInfo_model", "get_routerInfo_devicecustom",
+            "get_routerInfo_currentMode"} <= told
+    files = [line.function for line in bare_router.log() if line.text == "Failed to open fail\n"]
+    assert files == ["get_internet_status"]
+
+
 # Device information.
 
 @pytest.mark.parametrize("device, name, found", [
