@@ -248,6 +248,14 @@ class Root:
         """Shows a file or directory of the machine at the router's `path`."""
         self._mounts.append(("--bind" if writable else "--ro-bind", os.path.abspath(source), path))
 
+    def full_disk(self, path: str, files: dict[str, str]) -> None:
+        """A file system at the router's `path` with these files, of less than a page each, and room for nothing more.
+        The machine does not see it under path()."""
+        self._mounts.append(("--size", str(len(files) * os.sysconf("SC_PAGE_SIZE")), "--tmpfs", path))
+        for name, content in files.items():
+            place = shlex.quote(f"{path}/{name}")
+            self.setup.append(f"mkdir -p $(dirname {place}); printf %s {shlex.quote(content)} > {place}")
+
     def command(self, argv: list[str], environment: dict[str, str] | None = None,
                 setup: bool = True) -> list[str]:
         """The command line that runs `argv` in this root. It ends with its parent, and everything in it with it.

@@ -2,13 +2,14 @@
 #include <cstdio>
 #include <optional>
 #include <string>
-#include <unistd.h>
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/file.h"
+#include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 
@@ -24,14 +25,13 @@ constexpr std::string_view kResultOkWait10 = R"({"result": 0, "version": 1, "wai
 void set_admin_password(const std::string& password) {
   const std::string twice = password + '\n' + password + '\n';
   platform::run({"passwd", "admin"}, {.input = twice, .drop_errors = true});
-  unlink(kPasswordFile);  // a file of an earlier version may be readable by others
-  platform::write_file(kPasswordFile, password + '\n', kOwnerOnly);
 }
 
-// A text of 1 to `most` bytes on one line.
+// A text of 1 to `most` bytes without a line's end.
 std::optional<std::string> read_text(const json::Document& document, const char* key, std::size_t most) {
   std::optional<std::string> text = document->text(key);
-  if (!text || text->empty() || text->size() > most || text->find('\n') != std::string::npos) return std::nullopt;
+  if (!text || text->empty() || text->size() > most || text->find_first_of("\r\n") != std::string::npos)
+    return std::nullopt;
   return text;
 }
 
@@ -46,8 +46,14 @@ int handle_set_accounts(FCGX_Request* request, const char* body) {
   const std::optional<std::string> user = read_text(document, "newUser", kUserMax);
   const std::optional<std::string> password = read_text(document, "newPassword", kPasswordMax);
   const std::string old_password = document->text("oldPassword").value_or("");  // never compared
-  if (!user || !password || old_password.size() > kPasswordMax) return answer(request, kResultUnusable);
-
+  if (!user || !platform::is_one_line(*user) || !password || old_password.size() > kPasswordMax) {
+    return answer(request, kResultUnusable);
+  }
+  // First what can fail: a router without room for its password keeps the one that it has, everywhere.
+  if (!platform::replace_file(kPasswordFile, *password + '\n', kOwnerOnly)) {
+    log_error("%s cannot be written: %m\n", kPasswordFile);
+    return answer(request, kResultUnusable);
+  }
   UciSetOption("/etc/config", "rpcd", "log_on", "username", user->c_str());
   set_admin_password(*password);
   return answer_then(request, kResultOkWait10, [] { os_system("sh /usr/sbin/refreshPasswd.sh"); });

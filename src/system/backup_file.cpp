@@ -52,12 +52,12 @@ std::optional<std::size_t> archive_size(const char* path) {
   return static_cast<std::size_t>(status.st_size) - kTrailer;
 }
 
-bool copy_bytes(std::FILE* from, std::FILE* to, std::size_t count) {
+bool copy_bytes(std::FILE* from, int to, std::size_t count) {
   std::array<char, 16384> piece{};
   while (count > 0) {
     const std::size_t wanted = std::min(count, piece.size());
     if (std::fread(piece.data(), 1, wanted, from) != wanted) return false;
-    if (std::fwrite(piece.data(), 1, wanted, to) != wanted) return false;
+    if (!platform::write_whole(to, std::string_view(piece.data(), wanted))) return false;
     count -= wanted;
   }
   return true;
@@ -66,9 +66,9 @@ bool copy_bytes(std::FILE* from, std::FILE* to, std::size_t count) {
 bool copy_archive(const char* upload, const char* archive) {
   const std::optional<std::size_t> size = archive_size(upload);
   const platform::FilePtr from = platform::open_file(upload, "r");
-  platform::FilePtr to = platform::open_file(archive, "w");
-  if (!size || !from || !to || !copy_bytes(from.get(), to.get(), *size)) return false;
-  return std::fclose(to.release()) == 0;
+  platform::UniqueFd to = platform::create_private_file(archive);
+  if (!size || !from || !to.valid() || !copy_bytes(from.get(), to.get(), *size)) return false;
+  return close(to.release()) == 0;
 }
 
 }  // namespace
@@ -96,7 +96,6 @@ int read_trailer_id(const char* path, std::string& id) { return read_trailer(pat
 
 bool split_backup_file(const char* upload, const char* archive) {
   if (copy_archive(upload, archive)) return true;
-  unlink(upload);
   unlink(archive);
   return false;
 }
@@ -104,8 +103,8 @@ bool split_backup_file(const char* upload, const char* archive) {
 int checkBackFileId() {
   const char* own = own_device_id();
   std::string id;
-  if (own == nullptr || read_trailer_id(kUploadPath, id) != 0) return 0;
-  const bool equal = id == own;
+  if (own == nullptr) return 0;
+  const bool equal = read_trailer_id(kUploadPath, id) == 0 && id == own;
   log_debug("%s", equal ? "id is equal\n" : "id is not equal\n");
   return equal ? 1 : 0;
 }

@@ -21,11 +21,12 @@ int append_device_id_to_file(const char* path);
 int read_trailer_md5(const char* path, std::string& md5);
 int read_trailer_id(const char* path, std::string& id);
 
-// Copies all but the trailer, piece by piece. False, with both files gone, when there is nothing to copy or it fails.
+// Copies all but the trailer, piece by piece, into an archive made anew, mode 0600. False, without an archive, when
+// there is nothing to copy or it fails.
 bool split_backup_file(const char* upload, const char* archive);
 
-// 1 when the upload is of this brand, 0 otherwise.
+// 1 when the upload is of this brand, 0 otherwise (both logged; an unknown brand has no backups and no message).
 int checkBackFileId();
 // 1, with the upload deleted, when the archive is the one that the trailer speaks of; 0, with the archive deleted,
-// otherwise.
+// otherwise. Logged.
 int checkBackFileMd5();

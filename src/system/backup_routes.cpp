@@ -1,7 +1,10 @@
 // POST /api/v1/system/config/backup and /restore: the configuration as a file. Bodies are neither en- nor decrypted.
 #include <array>
+#include <atomic>
 #include <cstdio>
+#include <memory>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "answer/answer.h"
@@ -9,8 +12,8 @@
 #include "platform/background.h"
 #include "platform/file.h"
 #include "platform/log.h"
-#include "request_body.h"
 #include "system/backup_file.h"
+#include "system/upload.h"
 #include "system_helpers.h"
 
 namespace {
@@ -24,10 +27,15 @@ void write_text(FCGX_Request* request, std::string_view text) {
   FCGX_PutStr(text.data(), static_cast<int>(text.size()), request->out);
 }
 
-// False when the platform's tool failed: then there is no file of a trailer alone.
+// The archive of the restore that runs belongs to it: no other request may touch it.
+std::atomic<bool> is_restoring{false};
+
+// False when the platform's tool failed: then there is no file of a trailer alone. The archive holds every password of
+// the router; it is nobody else's from its first byte to its last.
 bool make_backup() {
-  unlink(kBackupPath);
+  if (!platform::create_private_file(kBackupPath).valid()) return false;
   if (os_system(std::string("/sbin/sysupgrade --create-backup ") + kBackupPath) != 1) return false;
+  if (chmod(kBackupPath, 0600) != 0) return false;  // where the tool replaced the file
   if (platform::read_file(kBackupPath, 1).value_or("").empty()) return false;
   return append_md5_to_file(kBackupPath) == 0 && append_device_id_to_file(kBackupPath) == 0;
 }
@@ -44,27 +52,36 @@ void send_backup(FCGX_Request* request, std::FILE* file) {
   }
 }
 
-bool store_upload(FCGX_Request* request, const char* body) {
-  if (body == nullptr || !is_body_complete(request)) {
-    log_error("write to file failed\n");
-    return false;
-  }
-  if (platform::write_file(kUploadPath, std::string_view(body, received_body_length(request)), 0600)) return true;
-  log_error(platform::file_exists(kUploadPath) ? "write to file failed\n" : "open file failed\n");
-  return false;
+bool store_backup(FCGX_Request* request, const char* body) {
+  const Upload upload = store_upload(request, body, kUploadPath);
+  if (upload == Upload::kCannotOpen) log_error("open file failed\n");
+  if (upload == Upload::kCannotWrite) log_error("write to file failed\n");
+  return upload == Upload::kStored;
 }
 
+// Cuts the archive out of the upload and compares it with what the trailer says.
 bool is_intact_backup() {
-  return checkBackFileId() == 1 && split_backup_file(kUploadPath, kArchivePath) && checkBackFileMd5() == 1;
+  if (checkBackFileId() != 1) return false;
+  split_backup_file(kUploadPath, kArchivePath);  // without an archive the checksum is none
+  return checkBackFileMd5() == 1;
 }
 
-bool start_restore() {
-  const bool started = platform::start_detached([] {
+// Holds other restores off as long as it lives.
+struct Restoring {
+  Restoring() { is_restoring = true; }
+  ~Restoring() { is_restoring = false; }
+};
+
+// False when no thread could be made.
+platform::ReadyWork prepare_restore() {
+  const auto restoring = std::make_shared<Restoring>();
+  platform::ReadyWork restore = platform::ready_thread([restoring] {
     os_system(std::string("/sbin/sysupgrade --restore-backup ") + kArchivePath);
+    unlink(kArchivePath);
     os_system("/sbin/reboot");
   });
-  if (!started) log_error("create pthread fail\n");
-  return started;
+  if (!restore) log_error("create pthread fail\n");
+  return restore;
 }
 
 }  // namespace
@@ -82,11 +99,20 @@ int handle_config_backup(FCGX_Request* request, const char* /*body*/) {
 }
 
 int handle_config_restore(FCGX_Request* request, const char* body) {
-  if (store_upload(request, body) && is_intact_backup() && start_restore()) {
-    return answer_plain(request, kResultOkWait300);
+  if (is_restoring) {
+    log_error("a restore is under way\n");
+    answer_plain(request, kResultUnusable);
+    return 1;
   }
-  unlink(kUploadPath);
-  unlink(kArchivePath);
-  answer_plain(request, kResultUnusable);
-  return 1;
+  platform::ReadyWork restore;
+  if (store_backup(request, body) && is_intact_backup()) restore = prepare_restore();
+  if (!restore) {
+    unlink(kUploadPath);
+    unlink(kArchivePath);
+    answer_plain(request, kResultUnusable);
+    return 1;
+  }
+  answer_plain(request, kResultOkWait300);
+  restore.begin();
+  return 0;
 }

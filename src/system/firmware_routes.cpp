@@ -7,33 +7,29 @@
 #include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/background.h"
-#include "platform/file.h"
 #include "platform/log.h"
-#include "request_body.h"
 #include "system/device.h"
 #include "system/update_tool.h"
+#include "system/upload.h"
 #include "system_helpers.h"
 
 namespace {
 
 constexpr std::string_view kResultNotVerified = R"({"result": 3})";
-// The key is spelled so: the update page reads it.
+// The key is spelled so, and kept as it is.
 constexpr std::string_view kResultInstalling = R"({"result": 0, "version": 1, "waitTime": 300, "Massage": ""})";
 constexpr const char* kVerifyResultPath = "/tmp/Download_Verify_Result";
 
 // False when not all of the upload arrived, or it cannot be stored.
-bool store_upload(FCGX_Request* request, const char* body) {
+bool store_image(FCGX_Request* request, const char* body) {
   if (FCGX_GetParam("CONTENT_LENGTH", request->envp) == nullptr) {
     log_error(" get content length error\n");
     return false;
   }
-  if (body == nullptr || !is_body_complete(request)) {
-    log_error("Failed to write to: %s\n", kFirmwarePath);
-    return false;
-  }
-  if (platform::write_file(kFirmwarePath, std::string_view(body, received_body_length(request)))) return true;
-  log_error(platform::file_exists(kFirmwarePath) ? "Failed to write to: %s\n" : "Failed to open: %s\n", kFirmwarePath);
-  return false;
+  const Upload upload = store_upload(request, body, kFirmwarePath);
+  if (upload == Upload::kCannotOpen) log_error("Failed to open: %s\n", kFirmwarePath);
+  if (upload == Upload::kCannotWrite) log_error("Failed to write to: %s\n", kFirmwarePath);
+  return upload == Upload::kStored;
 }
 
 bool verify_upload(int brand_index) {
@@ -57,7 +53,7 @@ int accept_upload(FCGX_Request* request, const char* body) {
   if (count_running_tools(running) != 0) return 1;
   if (std::atoi(running.c_str()) != 0) return 2;
   int result = 0;
-  if (!store_upload(request, body)) {
+  if (!store_image(request, body)) {
     result = 1;
   } else if (!verify_upload(get_brand_index())) {
     result = 3;
@@ -104,6 +100,13 @@ platform::ReadyWork prepare_installation() {
   return installation;
 }
 
+// 0 when what was downloaded is good, or the `result` to answer.
+int verify_download() {
+  int status = -1;
+  if (check_download_fw_res(status) != 0) return 1;
+  return status == 0 ? 0 : 3;
+}
+
 }  // namespace
 
 int handle_system_firmware(FCGX_Request* request, const char* body) {
@@ -122,12 +125,14 @@ int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
     return answer(request, answer_of(result));
   }
   exec_automatic_download_and_verify(brand_index);
-  int verified = -1;
-  if (check_download_fw_res(verified) != 0) return answer(request, kResultUnusable);
-  if (verified != 0) return answer(request, kResultNotVerified);
-
-  platform::ReadyWork update = platform::ready_thread([brand_index] { run_hota_update(brand_index); });
-  if (!update) return answer(request, kResultUnusable);
+  int result = verify_download();
+  platform::ReadyWork update;
+  if (result == 0) update = platform::ready_thread([brand_index] { run_hota_update(brand_index); });
+  if (result == 0 && !update) result = 1;
+  if (result != 0) {
+    unlink(kFirmwarePath);
+    return answer(request, answer_of(result));
+  }
   answer(request, json::result_text(0).add("version", 1).add("waitTime", 300));
   update.begin();
   return 0;

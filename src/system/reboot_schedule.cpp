@@ -9,6 +9,7 @@
 #include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/file.h"
+#include "platform/log.h"
 #include "system_helpers.h"
 
 namespace {
@@ -55,12 +56,18 @@ void add_cron_entry(const Schedule& schedule) {
             " reboot &' >> /tmp/tmp_cron_list && crontab /tmp/tmp_cron_list && rm -rf /tmp/tmp_cron_list");
 }
 
-void apply_schedule(const Schedule& schedule) {
-  if (schedule.status == 1) {
-    platform::write_file(kSchedulePath, "1 " + std::to_string(schedule.day_of_week) + " " + schedule.time);
-    add_cron_entry(schedule);
-    return;
+// False, with file and cron table as they were, when the file cannot be written.
+bool switch_on(const Schedule& schedule) {
+  const std::string text = "1 " + std::to_string(schedule.day_of_week) + " " + schedule.time;
+  if (!platform::replace_file(kSchedulePath, text)) {
+    log_error("%s cannot be written: %m\n", kSchedulePath);
+    return false;
   }
+  add_cron_entry(schedule);
+  return true;
+}
+
+void switch_off() {
   os_system("rm -rf /etc/config/rebootschedule.txt");
   os_system(
       "crontab -l | grep -v reboot> /tmp/tmp_cron_list && crontab /tmp/tmp_cron_list && rm -rf /tmp/tmp_cron_list");
@@ -84,6 +91,10 @@ int handle_get_reboot_schedule(FCGX_Request* request) {
 int handle_set_reboot_schedule(FCGX_Request* request, const char* body) {
   const std::optional<Schedule> schedule = read_schedule(json::Document(body));
   if (!schedule) return answer_plain(request, kResultUnusable);
-  apply_schedule(*schedule);
+  if (schedule->status == 0) {
+    switch_off();
+  } else if (!switch_on(*schedule)) {
+    return answer_plain(request, kResultUnusable);
+  }
   return answer_plain(request, kResultOkWait20);
 }

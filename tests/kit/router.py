@@ -259,6 +259,11 @@ class Router:
     def _write_rules(self, tool: str) -> None:
         self.root.answers(tool, self._rules.get(tool, []) + _BUILT_IN_RULES.get(tool, []))
 
+    def full_disk(self, path: str, files: dict[str, str]) -> None:
+        """Puts a file system at `path` that holds these files, small ones, and is full. read() looks below it,
+        read_running() into it."""
+        self.root.full_disk(path, files)
+
     # Ask.
 
     def start(self) -> None:
@@ -333,6 +338,13 @@ class Router:
         if section is None:
             return None
         return section.options.get(option[0]) if option else section.type
+
+    def read_running(self, path: str) -> str | None:
+        """A file's text as the running program sees it; None when there is none."""
+        try:
+            return Path(f"/proc/{self.pid()}/root{path}").read_text(errors="surrogateescape")
+        except FileNotFoundError:
+            return None
 
     def calls(self, tool: str | None = None) -> list[Call]:
         """The calls of one tool, or of all but jose, and the program's waits, in their order."""

@@ -52,6 +52,27 @@ def test_a_missing_long_or_broken_text_is_result_1_and_changes_nothing(router, c
     assert router.calls("passwd") == [] and not router.exists("/etc/apfpasswd")
 
 
+@pytest.mark.parametrize("text", ["a\rb", "a\tb", "\x01", "\x7f", "line\n"], ids=repr)
+def test_a_name_that_is_no_line_of_text_is_refused(router, text):
+    before = router.read("/etc/config/rpcd")
+    assert router.post(URI, {**GOOD, "newUser": text}).json == UNUSABLE
+    assert router.read("/etc/config/rpcd") == before
+    assert router.calls("passwd") == [] and not router.exists("/etc/apfpasswd")
+
+
+def test_a_password_with_a_lines_end_is_refused(router):
+    assert router.post(URI, {**GOOD, "newPassword": "two\rlines"}).json == UNUSABLE
+    assert router.calls("passwd") == []
+
+
+def test_without_room_for_the_password_everything_stays_as_it_was(router):
+    router.full_disk("/etc", {"apfpasswd": "old\n", "config/rpcd": "config rpcd 'log_on'\n\toption username 'me'\n"})
+    assert router.post(URI, GOOD).json == UNUSABLE
+    assert router.read_running("/etc/apfpasswd") == "old\n"
+    assert "'me'" in router.read_running("/etc/config/rpcd")
+    assert router.commands() == []
+
+
 def test_texts_as_long_as_their_limits_are_taken(router):
     body = {"newUser": "u" * 15, "newPassword": "p" * 63, "oldPassword": "o" * 63}
     assert router.post(URI, body).json["result"] == 0

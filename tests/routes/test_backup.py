@@ -61,15 +61,63 @@ def test_without_an_archive_the_answer_is_result_1_and_no_file_of_a_trailer(rout
     assert not router.exists("/tmp/config_file.tar.gz")
 
 
+@pytest.mark.parametrize("way", ["> $2", "> /tmp/new; mv /tmp/new $2"], ids=["written", "replaced"])
+def test_a_backup_is_nobody_elses_to_read(router, way):
+    """The archive holds every password. What the tool finds, and what the trailer is made of, is its owner's alone."""
+    script(router, "/usr/sbin/sysupgrade", f"ls -l $2 >> /tmp/seen; umask 022; printf archive {way}")
+    script(router, "/router/bin/md5sum", "ls -l $1 >> /tmp/seen; exec /usr/bin/md5sum $1")
+    router.write("/tmp/config_file.tar.gz", "left by an earlier run", 0o644)
+    assert router.post(BACKUP, None).body == backup_of(b"archive")
+    assert [line.split()[0] for line in router.read("/tmp/seen").splitlines()] == ["-rw-------"] * 2
+
+
+def script(router, path, text):
+    router.remove(path)
+    router.write(path, f"#!/bin/sh\n{text}\n", 0o755)
+
+
 # Restore.
 
 def test_a_backup_of_this_brand_is_restored_and_the_router_restarts(router):
+    script(router, "/usr/sbin/sysupgrade", "cp $2 /tmp/restored; ls -l $2 > /tmp/seen")
     a = restore(router, GOOD)
     assert not a.encrypted and a.text == '{"result": 0, "version": 1, "waitTime": 300}'
     router.wait_for_call("/sbin/reboot")
+    assert router.read("/tmp/restored") == ARCHIVE and router.read("/tmp/seen").startswith("-rw------- ")
+    assert [path for path in LEFT_BEHIND if router.exists(path)] == []
+
+
+def test_the_commands_of_a_restore(router):
+    assert restore(router, GOOD).json["result"] == 0
+    router.wait_for_call("/sbin/reboot")
     assert router.commands()[-2:] == ["/sbin/sysupgrade --restore-backup /tmp/backup.tar.gz", "/sbin/reboot"]
-    assert router.read("/tmp/backup.tar.gz") == ARCHIVE
-    assert not router.exists("/tmp/backup.tmp")
+
+
+@pytest.mark.parametrize("data", [GOOD, b"x", backup_of(ARCHIVE_BYTES, "0121"), GOOD[:-40] + b"altered" + GOOD[-40:]],
+                         ids=["good", "short", "another-brand", "altered"])
+def test_a_restore_that_runs_is_left_alone(router, data):
+    router.tool("/sbin/sysupgrade", hang=True)
+    assert restore(router, GOOD).json["result"] == 0
+    router.wait_for_call("/sbin/sysupgrade")
+    a = restore(router, data)
+    assert not a.encrypted and a.body == UNUSABLE
+    assert router.read("/tmp/backup.tar.gz") == ARCHIVE and not router.exists("/tmp/backup.tmp")
+    assert len(router.calls("/sbin/sysupgrade")) == 1
+
+
+def test_after_a_restore_there_can_be_another(router):
+    assert restore(router, GOOD).json["result"] == 0
+    router.wait_for_call("/sbin/reboot")
+    router.wait_until(lambda: restore(router, GOOD).json["result"] == 0)
+    router.wait_for_call("/sbin/reboot", times=2)
+
+
+def test_a_restore_that_cannot_be_begun_is_refused(router):
+    router.write("/router/no-threads", "")
+    assert_refused(router, restore(router, GOOD))
+    assert router.logged("create pthread fail", priority=3)
+    router.remove("/router/no-threads")
+    assert restore(router, GOOD).json["result"] == 0
 
 
 def test_a_backup_of_the_other_brand_is_refused(router):
@@ -111,6 +159,31 @@ def test_a_backup_with_more_behind_it_is_refused(router):
 def test_an_upload_that_breaks_off_is_refused(router, claim):
     assert_refused(router, restore(router, GOOD, claim))
     assert router.logged("write to file failed", priority=3)
+
+
+@pytest.mark.parametrize("length", [1, 3])
+def test_an_upload_without_room_for_an_id_has_another(router, length):
+    assert_refused(router, restore(router, GOOD[-length:]))
+    assert [line.text for line in router.log()] == ["id is not equal\n"]
+
+
+def test_a_backup_without_an_archive_has_no_checksum_that_counts(router):
+    assert_refused(router, restore(router, GOOD[-20:]))
+    assert [line.text for line in router.log()] == ["id is equal\n", "md5sum is not equal\n"]
+
+
+def test_a_file_that_cannot_be_made_is_told(router):
+    router.write("/tmp/backup.tmp/a-folder-in-its-place", "")
+    assert restore(router, GOOD).body == UNUSABLE
+    assert [line.text for line in router.log()] == ["open file failed\n"]
+
+
+@pytest.mark.parametrize("left_by_earlier", [{}, {"backup.tmp": "before"}], ids=["new", "replaced"])
+def test_a_full_disk_is_told(router, left_by_earlier):
+    router.full_disk("/tmp", {"deviceid": "0221", **left_by_earlier, "room": ""})
+    assert restore(router, GOOD * 3).body == UNUSABLE
+    assert [line.text for line in router.log()] == ["write to file failed\n"]
+    assert router.read_running("/tmp/backup.tmp") is None and router.calls("/sbin/sysupgrade") == []
 
 
 def test_an_empty_upload_is_refused(router):

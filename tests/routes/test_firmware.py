@@ -80,6 +80,20 @@ def test_an_upload_that_is_cut_short_or_empty_is_refused_and_leaves_nothing(rout
     assert not router.exists(FILE) and hota_commands(router) == []
 
 
+def test_an_image_that_cannot_be_stored_tells_why(router):
+    router.write(FILE + "/a-folder-in-its-place", "")
+    assert upload(router).body == b'{"result": 1}'
+    assert [line.text for line in router.log() if line.priority == 3] == [f"Failed to open: {FILE}\n"]
+    assert hota_commands(router) == []
+
+
+def test_an_image_that_the_disk_has_no_room_for_is_refused(router):
+    router.full_disk("/tmp", {"deviceid": "0221", "firmware.bin": "before", "room": ""})
+    assert upload(router, IMAGE * 2).body == b'{"result": 1}'
+    assert [line.text for line in router.log() if line.priority == 3] == [f"Failed to write to: {FILE}\n"]
+    assert router.read_running(FILE) is None and hota_commands(router) == []
+
+
 def test_a_large_image_arrives_whole(router):
     verifies(router)
     data = bytes(range(256)) * 4096 * 16  # 16 MiB
@@ -132,6 +146,7 @@ def test_the_download_is_tried_three_times(router):
 def test_an_image_that_does_not_verify_is_result_3(router):
     downloads(router, verdict="Verify Failed\n")
     assert router.post(AUTOMATIC, {"checkAndUpdate": 0}).json == {"result": 3}
+    assert not router.exists(FILE)
     assert "/usr/sbin/orvanehota -u" not in router.commands()
 
 
@@ -140,6 +155,7 @@ def test_without_a_verdict_the_answer_is_result_1(router):
     router.tool("/usr/sbin/orvanehota", "-v")
     router.write(VERDICT, "Verify Success\n")
     assert router.post(AUTOMATIC, {"checkAndUpdate": 0}).json == {"result": 1}
+    assert not router.exists(FILE)
 
 
 def test_a_tool_under_way_is_result_2(router):
@@ -173,4 +189,4 @@ def test_an_installation_that_cannot_be_started_is_no_success(router, uri):
     a = upload(router) if uri == UPLOAD else router.post(AUTOMATIC, {"checkAndUpdate": 1})
     assert a.json == {"result": 1}
     assert f"{tool_of('orvane')} -u" not in router.commands()
-    assert not (uri == UPLOAD and router.exists(FILE))
+    assert not router.exists(FILE)

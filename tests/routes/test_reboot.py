@@ -48,7 +48,21 @@ def test_a_map_e_line_is_told_that_a_reboot_comes(router, mode, is_set):
     assert router.option("network.wan.qvmapebootflag") == (" " if is_set else None)
 
 
+@pytest.mark.parametrize("body", [{}, {"timeTillReboot": 3601}, None])
+def test_a_refused_reboot_tells_a_map_e_line_nothing(router, body):
+    router.set("network.wan.qvmapebootflag", None)
+    router.set("network.wan.mode", "MAP-E")
+    assert router.post(REBOOT, body).json == UNUSABLE
+    assert router.option("network.wan.qvmapebootflag") is None
+
+
 # Factory reset.
+
+def test_a_reset_that_cannot_be_begun_is_result_2(router):
+    router.write("/router/no-threads", "")
+    assert router.post(RESET, {}).json == {"result": 2}
+    assert [line.text for line in router.log()] == ["pthread_create fail"]
+
 
 @pytest.mark.parametrize("brand, wait", [("orvane", 420), ("tesmir", 480), ("0999", 420)])
 @pytest.mark.parametrize("body", [None, "not json"])
@@ -95,6 +109,14 @@ def test_a_schedule_is_written_to_its_file_and_to_cron(router, day, weekday):
     assert router.read(FILE) == f"1 {day} 0330"
     assert router.commands("crontab") == ["crontab -l", "crontab /tmp/tmp_cron_list"]
     assert router.get(SCHEDULE).json["rebootDayOfWeek"] == day
+
+
+def test_without_room_for_its_file_a_schedule_is_refused(router):
+    router.full_disk("/etc/config", {"rebootschedule.txt": "1 7 2359"})
+    a = router.post(SCHEDULE, schedule())
+    assert not a.encrypted and a.json == UNUSABLE
+    assert router.get(SCHEDULE).json["rebootTime"] == "2359"
+    assert router.commands() == []
 
 
 def test_the_cron_line_has_minute_hour_and_weekday(router):
