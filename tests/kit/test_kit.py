@@ -2,6 +2,7 @@
 
 import json
 import os
+import subprocess
 import tempfile
 import time
 
@@ -134,6 +135,12 @@ def test_loads_and_commits_of_packages_are_kept(router):
     router.forget_uci_calls()
     router.run("uci", "get", "system.ntp.enabled")
     assert router.uci_calls() == []
+
+
+def test_a_unit_program_refuses_to_run_on_the_machine_itself():
+    program = os.path.join(os.environ["ROUTER_API_BUILD"], "tests/unit/unit_platform")
+    done = subprocess.run([program, "--gtest_list_tests"], capture_output=True, text=True, timeout=60, check=False)
+    assert (done.returncode, done.stdout) == (125, "") and "in-sandbox" in done.stderr
 
 
 def test_neighbours_stand_in_the_arp_table(router):

@@ -60,6 +60,16 @@ def check_installed(prefix: Path) -> None:
     check("Usage: " in run(prefix / "bin/uci", "help"), "the installed command does not run")
 
 
+def check_tests(library: Path, build: Path) -> None:
+    """The folder brings its own tests."""
+    configure(library, build, "-DBUILD_TESTING=ON", "-DCMAKE_CXX_FLAGS=-O0 -g0")
+    run("ninja", "-C", build, "uci_probe_c")
+    check("tests passed" in run("ctest", "--test-dir", build, "-R", "uci_probe_c$"), "the probe did not run")
+    known = run("ctest", "--test-dir", build, "-N")
+    for name in ("uci_vectors", "uci_units", "uci_memory", "uci_faults", "uci_parallel_writers"):
+        check(name in known, f"no test {name}")
+
+
 def check_users(prefix: Path, top: Path) -> None:
     """A program in C finds the library through pkg-config and through CMake."""
     folder = top / "user"
@@ -114,6 +124,7 @@ def main() -> int:
                   "-DCMAKE_INSTALL_LIBDIR=lib", "-DCMAKE_CXX_FLAGS=-O0 -g0")
         run("ninja", "-C", top / "library", "install")
         check_installed(top / "prefix")
+        check_tests(project / "uci", top / "library")
         check_users(top / "prefix", top)
         check_project(project, top / "prefix", top / "project")
         check_choice(project, top / "prefix", top / "lean")
