@@ -49,7 +49,7 @@ def test_it_tells_the_tools_that_ran_and_the_packages_that_changed(live):
     assert [line for line in lines[2:] if line[0] in "+-" and line[1:]] == ["-\toption ipsec '1'", "+\toption ipsec '0'"]
 
     nothing = trace(router, answer["next"])
-    assert nothing == {"next": answer["next"], "calls": [], "packages": {}}
+    assert nothing == {"next": answer["next"], "calls": [], "packages": {}, "log": []}
     assert trace(router, 0)["packages"] == answer["packages"]  # since the start
     again = trace(router, moment["next"])  # asked twice, answered twice
     assert (again["calls"], again["packages"]) == (answer["calls"], answer["packages"])
