@@ -13,7 +13,8 @@ const PURPOSES = [
   ['ifconfig', 'asks for addresses'], ['ifstatus', 'asks for an interface’s state'], ['inetchk', 'tries the Internet'],
   ['sleep', 'waits'], ['ubus call network reload', 'takes up the network’s settings'], ['ubus', 'talks to a service'],
   ['/etc/init.d/', 'starts or stops a service'], ['wifi', 'takes up the Wi-Fi settings'], ['/sbin/wifi', 'takes up the Wi-Fi settings'],
-  ['uci ', 'reads or writes options'], ['logger', 'writes to the log'], ['msg_tool', 'tells another program'], ['passwd', 'sets a password'],
+  ['uci set', 'sets an option'], ['uci delete', 'deletes an option'], ['uci add', 'adds an entry'], ['uci commit', 'stores a package'],
+  ['uci ', 'reads options'], ['logger', 'writes to the log'], ['msg_tool', 'tells another program'], ['passwd', 'sets a password'],
   ['reboot', 'starts the router again'], ['firstboot', 'puts the factory’s settings back'], ['crontab', 'sets a schedule'],
 ];
 
@@ -54,12 +55,16 @@ function diff(name, text) {
     el('pre', { class: 'diff', tabindex: '0', 'aria-label': `What changed in ${name}` }, text.trimEnd().split('\n').map(diffLine)));
 }
 
+function counted(calls) {
+  return `${calls} tool call${calls === 1 ? '' : 's'}`;
+}
+
 function contents(exchange) {
   const tools = exchange.calls.length;
   const packages = Object.entries(exchange.packages);
   const names = packages.map(([name]) => name).join(', ');
   return [
-    el('p', { class: 'faint' }, tools === 0 ? 'No tool ran. ' : `${tools} tool call${tools === 1 ? '' : 's'}${exchange.dropped ? ', of which the last are shown' : ''}. `,
+    el('p', { class: 'faint' }, tools === 0 ? 'No tool ran. ' : `${counted(tools)}${exchange.dropped ? ', of which the last are shown' : ''}. `,
       packages.length === 0 ? 'No package changed.' : `Changed: ${names}.`, exchange.settled ? '' : ' Still looking …'),
     packages.map(([name, text]) => diff(name, text)), tools > 0 ? callTable(exchange) : null,
   ].flat().filter(Boolean);
@@ -93,7 +98,7 @@ function summary(exchange) {
     el('span', { class: `method ${exchange.method.toLowerCase()}` }, exchange.method),
     el('code', {}, exchange.uri.replace('/api/v1', '')),
     el('span', { class: `state ${exchange.good ? 'good' : 'bad'}` }, exchange.outcome),
-    el('span', { class: 'faint' }, `${seconds(exchange.seconds ?? 0)}, ${exchange.calls.length} tools`,
+    el('span', { class: 'faint' }, `${seconds(exchange.seconds ?? 0)}, ${counted(exchange.calls.length)}`,
       Object.keys(exchange.packages).length > 0 ? `, changed ${Object.keys(exchange.packages).join(', ')}` : ''),
   ];
 }

@@ -39,10 +39,21 @@ function valueOf(value, schema, document) {
   return shown(value, schema);
 }
 
+function isTree(value) {
+  return isList(value) || (value !== null && typeof value === 'object' && !Array.isArray(value));
+}
+
+function memberRow(name, value, schema, document) {
+  if (name === 'result') return el('tr', {}, el('th', { scope: 'row' }, 'Result'), el('td', {}, `${value} · ${RESULTS[value] ?? 'unknown'}`));
+  const cell = valueOf(value, memberSchema(schema, name, document), document);
+  const head = el('th', { scope: 'row', title: name, colspan: isTree(value) ? 2 : null }, inWords(name));
+  // What has rows of its own stands below its name, over the whole width.
+  return isTree(value) ? [el('tr', { class: 'above-tree' }, head), el('tr', {}, el('td', { colspan: 2 }, el('div', { class: 'scroll', role: 'group', tabindex: '0', 'aria-label': inWords(name) }, cell)))] : el('tr', {}, head, el('td', {}, cell));
+}
+
 function objectTable(object, schema, document) {
-  return el('table', {}, el('tbody', {}, Object.entries(object).filter(([name]) => name !== 'version').map(([name, value]) => el('tr', {},
-    el('th', { scope: 'row', title: name }, name === 'result' ? 'Result' : inWords(name)),
-    el('td', {}, name === 'result' ? `${value} · ${RESULTS[value] ?? 'unknown'}` : valueOf(value, memberSchema(schema, name, document), document))))));
+  return el('table', {}, el('tbody', {}, Object.entries(object).filter(([name]) => name !== 'version')
+    .map(([name, value]) => memberRow(name, value, schema, document))));
 }
 
 function asTable(exchange, schema, document) {

@@ -13,9 +13,16 @@ function control(schema, context) {
   return kind ? kind(own, context) : fieldControl(own, context);
 }
 
+// Whether a description says no more than the labels of the choices do.
+function isSaid(own) {
+  const labels = choices({ ...own, descriptions: undefined })?.map(({ label }) => label) ?? [];
+  return labels.length > 0 && labels.every((label) => label.includes(' · '));
+}
+
 function labelled(id, own, context) {
-  const notes = [own.description, hint(own)].filter(Boolean).join(' ');
-  const help = el('p', { class: 'help', id: `${id}-help` }, notes ? prose(/[.!]$/.test(notes) ? notes : `${notes}.`) : []);
+  const bounds = hint(own);
+  const notes = [isSaid(own) ? '' : own.description, bounds.charAt(0).toUpperCase() + bounds.slice(1)].filter(Boolean).join(' ');
+  const help = el('p', { class: 'help', id: `${id}-help`, hidden: !notes }, notes ? prose(/[.!]$/.test(notes) ? notes : `${notes}.`) : []);
   const wrong = el('p', { class: 'wrong', id: `${id}-wrong`, hidden: true });
   const label = el('label', { for: id }, inWords(String(context.name)), ' ', el('code', {}, context.name),
     context.required ? null : el('span', { class: 'optional' }, 'optional'));
@@ -110,6 +117,14 @@ function objectControl(own, context) {
   };
 }
 
+const MOST_OPEN = 1; // further entries of a list are folded, under what they are
+
+function foldable(at, value, element, remove) {
+  const texts = Object.values(value ?? {}).filter((one) => typeof one === 'string' && one !== '').slice(0, 3);
+  return el('details', { class: 'entry-row', open: value === undefined || at < MOST_OPEN },
+    el('summary', {}, [`${at + 1}`, ...texts].join(' · ')), element, remove);
+}
+
 function listControl(own, context) {
   let entries = [];
   let known = context.required; // an empty list is a value, too, once it is known to be one
@@ -131,12 +146,12 @@ function listControl(own, context) {
     const entry = control(own.items ?? {}, { ...context, name: at, path: [...context.path, at], required: true, twin: resolve(context.twin ?? {}, context.document).items });
     entry.fill(value);
     entries.push(entry);
-    list.append(el('div', { class: 'entry-row' }, entry.element, el('button', { type: 'button', class: 'quiet', 'aria-label': `Remove entry ${at + 1} of ${inWords(context.name)}`,
-      onclick: () => {
-        entries.splice(at, 1);
-        draw();
-        add.focus();
-      } }, 'Remove')));
+    const remove = el('button', { type: 'button', class: 'quiet', 'aria-label': `Remove entry ${at + 1} of ${inWords(context.name)}`, onclick: () => {
+      entries.splice(at, 1);
+      draw();
+      add.focus();
+    } }, 'Remove');
+    list.append(foldable(at, value, entry.element, remove));
   }
   function fill(values) {
     entries = [];
@@ -155,6 +170,10 @@ function listControl(own, context) {
       const mine = problems.find((problem) => problem.path.join('/') === context.path.join('/'));
       wrong.hidden = !mine;
       wrong.textContent = mine?.text ?? '';
+      for (const { path } of problems) {
+        const folded = path.length > context.path.length && path.join('/').startsWith(context.path.join('/')) ? list.children[path[context.path.length]] : undefined;
+        if (folded) folded.open = true;
+      }
       return [...(mine ? [{ input: add, name: context.name, text: mine.text }] : []), ...entries.flatMap((entry) => entry.mark(problems))];
     },
   };

@@ -228,7 +228,7 @@ export class SettingsPage {
         this.links.push(link);
         return el('li', {}, link);
       }))));
-    this.nav.append(el('label', { for: 'filter' }, 'Find a setting'), filter, ...lists);
+    this.nav.append(el('div', { class: 'find' }, el('label', { for: 'filter' }, 'Find a setting'), filter), el('div', { class: 'subjects' }, lists));
   }
 
   #filter(text) {
@@ -248,8 +248,8 @@ export class SettingsPage {
       else link.removeAttribute('aria-current');
     }
     if (!route) {
-      this.place.replaceChildren(el('div', { class: 'lead welcome' }, el('h1', {}, 'What may be read and changed'),
-        el('p', {}, 'Each route of the API, by subject. A route is read as it is opened; its form permits what the API’s description permits, and what the router did is shown beside the answer.')));
+      this.place.replaceChildren(el('div', { class: 'lead' }, el('h1', {}, 'What may be read and changed'),
+        el('p', {}, 'Each route of the API, by subject. A route is read as it is opened; its form permits what the API’s description permits, and beside the answer stands what the router did.')));
       return;
     }
     if (!this.panels.has(uri)) this.panels.set(uri, new RoutePanel(this.context, this.document, route));
