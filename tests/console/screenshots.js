@@ -7,8 +7,8 @@ const folder = new URL('../../docs/console/', import.meta.url).pathname;
 const settled = (page) => page.getByText(/As of \d\d:\d\d:\d\d/).waitFor();
 
 async function changeDhcp(page) {
-  await page.getByRole('row', { name: 'Lease time 24' }).waitFor();
-  await page.locator('[data-name=leaseTime] input').fill('12');
+  await page.getByRole('row', { name: /^Lease time/ }).waitFor();
+  await page.locator('[data-name=leaseTime] input').fill('8');
   await page.getByRole('button', { name: 'Send' }).click();
   await page.getByRole('row', { name: /dnsmasq/ }).first().waitFor();
 }
