@@ -19,8 +19,8 @@ class ObjectText {
  public:
   ObjectText& add(const char* key, int value) { return add_raw(key, std::to_string(value)); }
   ObjectText& add(const char* key, std::int64_t value) { return add_raw(key, std::to_string(value)); }
-  ObjectText& add(const char* key, std::string_view value) { return add_raw(key, quoted(value)); }
-  ObjectText& add(const char* key, const std::string& value) { return add_raw(key, quoted(value)); }
+  ObjectText& add(const char* key, std::string_view value) { return add_raw(key, json::quoted(value)); }
+  ObjectText& add(const char* key, const std::string& value) { return add_raw(key, json::quoted(value)); }
   // nullptr adds a JSON null.
   ObjectText& add(const char* key, const char* value);
   ObjectText& add(const char* key, ObjectText value) { return add_raw(key, std::move(value).text()); }
