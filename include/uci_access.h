@@ -60,13 +60,14 @@ unsigned int UciGetlist(const char* confdir, const char* package, const char* se
 // The number of sections of that type, named and unnamed; -1 when the package cannot be loaded.
 int uci_count_sections(const char* package, const char* type);
 
-// UciGetOption into an owning text of at most size - 1 bytes (size as the buffer of the C call); nullopt on failure.
+// UciGetOption into an owning text of at most size - 1 bytes (size as the buffer of the C call), never cut inside a
+// UTF-8 character; nullopt on failure.
 std::optional<std::string> uci_read(const char* package, const char* section, const char* option, std::size_t size);
 
 // uci_read, with `fallback` in place of a failure.
 std::string uci_read_or(const char* package, const char* section, const char* option, std::size_t size,
                         const char* fallback);
 
-// UciGetlist into owning texts of at most element_size bytes each; nullopt on failure.
+// UciGetlist into owning texts of at most element_size bytes each, cut in the same way; nullopt on failure.
 std::optional<std::vector<std::string>> uci_read_list(const char* package, const char* section, const char* option,
                                                       std::size_t element_size, std::size_t max_count);

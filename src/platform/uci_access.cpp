@@ -10,12 +10,16 @@
 #include <uci.h>
 
 #include "platform/log.h"
+#include "platform/text.h"
 #include "platform/uci_session.h"
 
 namespace {
 
 constexpr unsigned int kSuccess = 0;
 constexpr unsigned int kFailure = 1;
+
+// What must be read behind a bound to see whether it stands inside a UTF-8 character.
+constexpr std::size_t kRestOfCharacter = 3;
 
 const char* text_or_empty(const char* text) { return text == nullptr ? "" : text; }
 
@@ -246,10 +250,10 @@ int uci_count_sections(const char* package, const char* type) {
 }
 
 std::optional<std::string> uci_read(const char* package, const char* section, const char* option, std::size_t size) {
-  std::string text(size, '\0');
-  if (UciGetOption(nullptr, package, section, option, text.data(), size) != kSuccess) return std::nullopt;
-  text.resize(std::strlen(text.c_str()));
-  return text;
+  if (size == 0) return std::nullopt;
+  std::string text(size + kRestOfCharacter, '\0');
+  if (UciGetOption(nullptr, package, section, option, text.data(), text.size()) != kSuccess) return std::nullopt;
+  return std::string(platform::cut_utf8(text.c_str(), size - 1));
 }
 
 std::string uci_read_or(const char* package, const char* section, const char* option, std::size_t size,
@@ -259,15 +263,16 @@ std::string uci_read_or(const char* package, const char* section, const char* op
 
 std::optional<std::vector<std::string>> uci_read_list(const char* package, const char* section, const char* option,
                                                       std::size_t element_size, std::size_t max_count) {
-  std::string slots(element_size * max_count, '\0');
+  const std::size_t slot_size = element_size + kRestOfCharacter;
+  std::string slots(slot_size * max_count, '\0');
   std::size_t count = 0;
-  if (UciGetlist(nullptr, package, section, option, slots.data(), element_size, max_count, &count) != kSuccess) {
+  if (UciGetlist(nullptr, package, section, option, slots.data(), slot_size, max_count, &count) != kSuccess) {
     return std::nullopt;
   }
   std::vector<std::string> elements;
   for (std::size_t index = 0; index < count; ++index) {
-    const char* slot = slots.data() + index * element_size;
-    elements.emplace_back(slot, strnlen(slot, element_size));
+    const char* slot = slots.data() + index * slot_size;
+    elements.emplace_back(platform::cut_utf8({slot, strnlen(slot, slot_size)}, element_size));
   }
   return elements;
 }

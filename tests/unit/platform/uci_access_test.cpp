@@ -176,4 +176,18 @@ TEST(UciRead, ReadsThePackagesOfTheSystem) {
   EXPECT_EQ(uci_read_list("sample", "s", "o", 3, 8), std::nullopt);
 }
 
+TEST(UciRead, NeverCutsInsideACharacter) {
+  EXPECT_EQ(UciSetOption(nullptr, "sample", "s", "name", "ab\u65e5\u672c"), 0U);
+  const char* const expected[] = {"", "a", "ab", "ab", "ab", "ab\u65e5", "ab\u65e5", "ab\u65e5", "ab\u65e5\u672c"};
+  for (std::size_t bytes = 0; bytes < std::size(expected); ++bytes) {
+    EXPECT_EQ(uci_read("sample", "s", "name", bytes + 1), expected[bytes]) << bytes;
+  }
+  EXPECT_EQ(uci_read("sample", "s", "name", 0), std::nullopt);
+  EXPECT_EQ(UciAddList(nullptr, "sample", "s", "names", "\u65e5\u672c"), 0U);
+  for (const std::size_t bytes : {3U, 4U, 5U}) {
+    EXPECT_EQ(uci_read_list("sample", "s", "names", bytes, 8), std::vector<std::string>{"\u65e5"});
+  }
+  EXPECT_EQ(uci_read_list("sample", "s", "names", 6, 8), std::vector<std::string>{"\u65e5\u672c"});
+}
+
 }  // namespace
