@@ -88,6 +88,9 @@ class Document {
   explicit Document(const char* text);
 
   explicit operator bool() const { return static_cast<bool>(root()); }
+  // The text is a JSON value other than null, of any kind: a caller that tells what a document lacks goes on with one
+  // that has no members.
+  [[nodiscard]] bool is_json() const { return value_ != nullptr; }
   [[nodiscard]] Object root() const { return Object(value_.get()); }
   const Object* operator->() const { return &root_; }
 

@@ -2,6 +2,7 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
 #include "domain/channels.h"
@@ -21,7 +22,7 @@ struct Operating {
   int width_code = 0;
 };
 
-json::JsonPtr read_band(int band) {
+json::ObjectText read_band(int band) {
   int set_channel = 0;
   int set_width = 0;
   Operating current;
@@ -32,12 +33,12 @@ json::JsonPtr read_band(int band) {
   if (set_channel == channels::kRadioOff) current.channel = channels::kRadioOff;
   if (get_band_info(band, set_width) != 0) log_debug("get band info error!");
 
-  json::JsonPtr object = json::new_object();
-  json::add(object.get(), "band", band + 1);
-  json::add(object.get(), "setChannel", set_channel);
-  json::add(object.get(), "currentChannel", current.channel);
-  json::add(object.get(), "setChannelWidth", set_width);
-  json::add(object.get(), "currentChannelWidth", current.width_code);
+  json::ObjectText object;
+  object.add("band", band + 1);
+  object.add("setChannel", set_channel);
+  object.add("currentChannel", current.channel);
+  object.add("setChannelWidth", set_width);
+  object.add("currentChannelWidth", current.width_code);
   return object;
 }
 
@@ -59,58 +60,57 @@ std::optional<std::array<Operating, kBands>> read_operating() {
 }
 
 // An agent that has not joined its mesh yet has no operating channels: `bands` is empty then.
-json::JsonPtr build_repeater_channels(int connect_band, const std::optional<std::array<Operating, kBands>>& bands) {
-  json::JsonPtr root = json::new_object();
-  json::add(root.get(), "result", 0);
-  json::add(root.get(), "version", 1);
-  json::add(root.get(), "connectBand", connect_band);
+json::ObjectText build_repeater_channels(int connect_band, const std::optional<std::array<Operating, kBands>>& bands) {
+  json::ObjectText root = json::result_text(0);
+  root.add("version", 1);
+  root.add("connectBand", connect_band);
   for (std::size_t band = 0; band < kBands; ++band) {
     if (bands) {
-      json::add(root.get(), kChannelKeys[band], (*bands)[band].channel);
+      root.add(kChannelKeys[band], (*bands)[band].channel);
     } else {
-      json::add(root.get(), kChannelKeys[band], "---");
+      root.add(kChannelKeys[band], "---");
     }
   }
   for (std::size_t band = 0; band < kBands; ++band) {
-    json::add(root.get(), kWidthKeys[band], bands ? (*bands)[band].width_code : 0);
+    root.add(kWidthKeys[band], bands ? (*bands)[band].width_code : 0);
   }
   return root;
 }
 
-// Null on failure.
-json::JsonPtr read_repeater_channels() {
+// nullopt on failure.
+std::optional<json::ObjectText> read_repeater_channels() {
   int connect_band = 0;
   if (get_repeater_connect_band(connect_band) != 0) {
     log_error("Failed to get the connectBand option for repeater.repeater_band.mlo \n");
-    return nullptr;
+    return std::nullopt;
   }
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
     log_error("Failed to get meshRole");
-    return nullptr;
+    return std::nullopt;
   }
   const auto onboarding = uci_read("repacd", "MAPConfig", "OnboardingDone", 4);
   if (!onboarding) log_error("get OnboardingDone failed");
   if (role == kMeshRoleAgent && onboarding == "0") return build_repeater_channels(connect_band, std::nullopt);
   const auto bands = read_operating();
-  return bands ? build_repeater_channels(connect_band, bands) : nullptr;
+  if (!bands) return std::nullopt;
+  return build_repeater_channels(connect_band, bands);
 }
 
 }  // namespace
 
 int handle_get_wireless_channel(FCGX_Request* request) {
-  const json::JsonPtr root = json::new_object();
-  json::add(root.get(), "result", 0);
-  json::add(root.get(), "version", 1);
-  json::JsonPtr bands = json::new_array();
-  for (int band = 0; band < kBands; ++band) json::append(bands.get(), read_band(band));
-  json::add(root.get(), "wirelessChannel", std::move(bands));
-  return answer(request, root);
+  json::ListText bands;
+  for (int band = 0; band < kBands; ++band) bands.add(read_band(band));
+  json::ObjectText root = json::result_text(0);
+  root.add("version", 1);
+  root.add("wirelessChannel", std::move(bands));
+  return answer(request, std::move(root));
 }
 
 int handle_get_channel_setting_info(FCGX_Request* request) {
-  const json::JsonPtr root = read_repeater_channels();
-  if (root != nullptr) return answer(request, root);
+  std::optional<json::ObjectText> root = read_repeater_channels();
+  if (root) return answer(request, std::move(*root));
   answer(request, kResultUnusable);
   return 1;
 }

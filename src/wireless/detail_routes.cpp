@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "mesh_codes.h"
 #include "platform/log.h"
@@ -64,10 +65,10 @@ bool is_permitted(const Key& key, int value) {
   return value >= key.min && value <= key.max;
 }
 
-std::optional<WlanDetailInfo> read_settings(json_object* json) {
+std::optional<WlanDetailInfo> read_settings(const json::Object& json) {
   WlanDetailInfo info;
   for (const Key& key : kKeys) {
-    const auto value = json::int_member(json, key.name);
+    const auto value = json.number(key.name);
     if (!value || !is_permitted(key, *value)) {
       if (key.refusal != nullptr) log_error("%s", key.refusal);
       return std::nullopt;
@@ -77,11 +78,10 @@ std::optional<WlanDetailInfo> read_settings(json_object* json) {
   return info;
 }
 
-json::JsonPtr build_document(const WlanDetailInfo& info) {
-  json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  for (const Key& key : kKeys) json::add(document.get(), key.name, info.*key.field);
+json::ObjectText build_document(const WlanDetailInfo& info) {
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1);
+  for (const Key& key : kKeys) document.add(key.name, info.*key.field);
   return document;
 }
 
@@ -112,11 +112,11 @@ int handle_set_wireless_detail_setting(FCGX_Request* request, const char* body) 
     log_error("Empty data is passed on setting wireless detailed config.");
     return answer(request, kResultUnusable);
   }
-  const json::JsonPtr json = json::parse_object(body);
-  if (!json) {
+  const json::Document document(body);
+  if (!document.is_json()) {
     log_error("Failed to parse data to json format.");
     return answer(request, kResultUnusable);
   }
-  const auto info = read_settings(json.get());
+  const auto info = read_settings(document.root());
   return answer(request, info ? apply_settings(*info) : kResultUnusable);
 }

@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include <json-c/json.h>
+#include "answer/json_text.h"
 
 // Adds "set2GChannel", "set5GChannel" and "set6GChannel": the configured channels, and for a connected repeater the
 // operating ones. 0 on success, 1 on failure (logged).
-int get_channel_value(json_object* root, const std::string& op_mode, int mesh_enabled);
+int get_channel_value(json::ObjectText& root, const std::string& op_mode, int mesh_enabled);

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
 #include "domain/channels.h"
@@ -66,70 +67,70 @@ bool read_slot(SsidSlot& slot, WirelessIfaceInfo& info, int mlo, int mesh) {
 }
 
 // Each band's slots of a router are main, guest and copy SSID.
-void add_copy_and_guest(json_object* object, const SsidSlot& slot, std::size_t index, bool is_repeater, int status) {
+void add_copy_and_guest(json::ObjectText& object, const SsidSlot& slot, std::size_t index, bool is_repeater,
+                        int status) {
   int copy = kNotApplicable;
   int guest = kNotApplicable;
   const bool is_band_slot = !is_repeater && slot.ifname != nullptr;
   if (is_band_slot && index % 3 == 2 && get_copySsid_enable(slot.ifname, copy) != 0) copy = kNotApplicable;
   if (is_band_slot && index % 3 == 1) guest = status;
-  json::add(object, "copySsid", copy);
-  json::add(object, "guestSsid", guest);
+  object.add("copySsid", copy);
+  object.add("guestSsid", guest);
 }
 
-json::JsonPtr read_slots(const std::string& op_mode, int mlo, int mesh) {
-  json::JsonPtr array = json::new_array();
+json::ListText read_slots(const std::string& op_mode, int mlo, int mesh) {
+  json::ListText list;
   const std::span<const SsidSlot> slots = ssid_slots(op_mode);
   for (std::size_t index = 0; index < slots.size(); ++index) {
     SsidSlot slot = slots[index];
     WirelessIfaceInfo info;
     if (!read_slot(slot, info, mlo, mesh)) continue;
-    json::JsonPtr object = json::new_object();
-    add_wireless_config_fields(object.get(), slot, info);
-    add_copy_and_guest(object.get(), slot, index, op_mode == "re", info.ssid_status);
-    json::append(array.get(), std::move(object));
+    json::ObjectText object;
+    add_wireless_config_fields(object, slot, info);
+    add_copy_and_guest(object, slot, index, op_mode == "re", info.ssid_status);
+    list.add(std::move(object));
   }
-  return array;
+  return list;
 }
 
-// The whole document, or null after a failure that leaves nothing to show.
-json::JsonPtr read_wireless_setting() {
-  json::JsonPtr root = json::new_object();
-  json::add(root.get(), "result", 0);
-  json::add(root.get(), "version", 1);
+// The whole document, or nullopt after a failure that leaves nothing to show.
+std::optional<json::ObjectText> read_wireless_setting() {
+  json::ObjectText root = json::result_text(0);
+  root.add("version", 1);
   int mlo = 0;
   if (get_mlo_value(mlo) != 0) log_error("Failed to get MLO");
-  json::add(root.get(), "mlo", mlo);
+  root.add("mlo", mlo);
   int mesh = 0;
   if (get_mesh_value(mesh) != 0) {
     log_error("Failed to get mesh");
-    return nullptr;
+    return std::nullopt;
   }
-  json::add(root.get(), "mesh", mesh);
+  root.add("mesh", mesh);
   int band_steering = 0;
   if (get_bandSteering_Value(band_steering) != 0) {
     log_error("Failed to get bandSteering");
-    return nullptr;
+    return std::nullopt;
   }
-  json::add(root.get(), "bandSteering", band_steering);
+  root.add("bandSteering", band_steering);
   const auto op_mode = uci_read("system", "@system[0]", "op_mode", kTextSize);
   if (!op_mode) {
     log_error("Failed to get opmode");
-    return nullptr;
+    return std::nullopt;
   }
   const auto ieee80211r = uci_read("button_mesh", "easymesh", "ieee80211r", kTextSize);
   if (!ieee80211r) log_error("Failed to get 80211r");
-  json::add(root.get(), "ieee802dot11r", std::atoi(ieee80211r.value_or("0").c_str()));
-  if (get_channel_value(root.get(), *op_mode, mesh) != 0) {
+  root.add("ieee802dot11r", std::atoi(ieee80211r.value_or("0").c_str()));
+  if (get_channel_value(root, *op_mode, mesh) != 0) {
     log_error("Failed to get channel");
-    return nullptr;
+    return std::nullopt;
   }
-  json::add(root.get(), "wirelessConfig", read_slots(*op_mode, mlo, mesh));
+  root.add("wirelessConfig", read_slots(*op_mode, mlo, mesh));
   return root;
 }
 
 }  // namespace
 
-int get_channel_value(json_object* root, const std::string& op_mode, int mesh_enabled) {
+int get_channel_value(json::ObjectText& root, const std::string& op_mode, int mesh_enabled) {
   const auto status = uci_read("repeater", "repeater_band", "status", kTextSize);
   if (!status) log_error("get repeater result error(if not repeater mode, ignore this error)");
   std::optional<std::array<std::string, 3>> mlds;
@@ -146,16 +147,16 @@ int get_channel_value(json_object* root, const std::string& op_mode, int mesh_en
     if (mlds && channel != channels::kRadioOff && get_flashchannel_info((*mlds)[band], channel, width_code) != 0) {
       log_error("get flashchannel info error!");
     }
-    json::add(root, kBandChannels[band].key, channel);
+    root.add(kBandChannels[band].key, channel);
   }
   return 0;
 }
 
 int handle_get_wireless_setting(FCGX_Request* request) {
-  const json::JsonPtr root = read_wireless_setting();
-  if (root == nullptr) {
+  std::optional<json::ObjectText> root = read_wireless_setting();
+  if (!root) {
     answer_plain(request, kResultUnusable);
     return 1;
   }
-  return answer(request, root);
+  return answer(request, std::move(*root));
 }

@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <string>
 
-#include "answer/json.h"
+#include "answer/json_text.h"
 #include "interface_plan.h"
 
-inline constexpr std::size_t kSsidSize = 33;      // 32 bytes and the end
-inline constexpr std::size_t kPasswordSize = 65;  // 64 bytes and the end
+inline constexpr std::size_t kSsidMax = 32;  // bytes, as in the two below
+inline constexpr std::size_t kPasswordMax = 64;
+inline constexpr std::size_t kSsidSize = kSsidMax + 1;  // with the end, as UCI's readers count
+inline constexpr std::size_t kPasswordSize = kPasswordMax + 1;
 
 struct WirelessIfaceInfo {
   std::string ssid;  // at most 32 bytes
@@ -39,4 +41,4 @@ int get_mlo_info(SsidSlot& slot, WirelessIfaceInfo& info, int mlo_mode);
 int get_mesh_info(SsidSlot& slot, WirelessIfaceInfo& info, int mesh_enabled);
 
 // The keys "ssidName" to "wpaRekeyInterval".
-void add_wireless_config_fields(json_object* object, const SsidSlot& slot, const WirelessIfaceInfo& info);
+void add_wireless_config_fields(json::ObjectText& object, const SsidSlot& slot, const WirelessIfaceInfo& info);

@@ -124,14 +124,14 @@ int get_copySsid_enable(const char* ifname, int& out) {
   return 0;
 }
 
-void add_wireless_config_fields(json_object* object, const SsidSlot& slot, const WirelessIfaceInfo& info) {
-  json::add(object, "ssidName", slot.ssid_name);
-  json::add(object, "band", slot.band);
-  json::add(object, "ssidValue", info.ssid);
-  json::add(object, "ssidStatus", info.ssid_status);
-  json::add(object, "bssid", info.bssid);
-  json::add(object, "ssidPassword", info.password);
-  json::add(object, "wifiSecurity", info.wifi_security);
-  json::add(object, "wifiStealth", info.wifi_stealth);
-  json::add(object, "wpaRekeyInterval", info.wpa_rekey_interval);
+void add_wireless_config_fields(json::ObjectText& object, const SsidSlot& slot, const WirelessIfaceInfo& info) {
+  object.add("ssidName", slot.ssid_name);
+  object.add("band", slot.band);
+  object.add("ssidValue", info.ssid);
+  object.add("ssidStatus", info.ssid_status);
+  object.add("bssid", info.bssid);
+  object.add("ssidPassword", info.password);
+  object.add("wifiSecurity", info.wifi_security);
+  object.add("wifiStealth", info.wifi_stealth);
+  object.add("wpaRekeyInterval", info.wpa_rekey_interval);
 }

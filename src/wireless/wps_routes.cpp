@@ -1,8 +1,11 @@
 // GET and POST /api/v1/wireless/wps-status, POST /api/v1/wireless/wps.
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/background.h"
 #include "platform/log.h"
@@ -31,18 +34,17 @@ int handle_get_wpsstatus(FCGX_Request* request) {
   int status = 0;
   const int read = getWpsStatus(status);
   if (read != 0) log_debug("get wpsStatus fail!");
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "status", status);
-  answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1);
+  document.add("status", status);
+  answer(request, std::move(document));
   return read == 0 ? 0 : 1;
 }
 
 // Other values than 0 and 1 succeed and change nothing.
 int handle_set_wpsstatus(FCGX_Request* request, const char* body) {
-  const json::JsonPtr json = json::parse_object(body);
-  const auto status = json::int_member(json.get(), "status");
+  const json::Document document(body);
+  const std::optional<int> status = document->number("status");
   if (!status) return answer(request, kResultUnusable);
   if (*status == 0 || *status == 1) {
     set_wps_options(*status == 1);

@@ -18,6 +18,13 @@ TEST(Document, IsAnObjectOrNone) {
   EXPECT_FALSE(Document(nullptr));
 }
 
+TEST(Document, TellsJsonThatIsNoObjectFromTextThatIsNone) {
+  for (const char* text : {"{}", "[]", "[1]", "12", "\"text\"", "true"}) EXPECT_TRUE(Document(text).is_json()) << text;
+  for (const char* text : {"", "null", "{", "[", "not json"}) EXPECT_FALSE(Document(text).is_json()) << text;
+  EXPECT_FALSE(Document(nullptr).is_json());
+  EXPECT_EQ(Document("[1]")->number("n"), std::nullopt);
+}
+
 TEST(Document, RefusesDeepNestingInsteadOfOverflowing) {
   EXPECT_FALSE(Document(("{\"a\":" + std::string(100000, '[')).c_str()));
 }
