@@ -5,6 +5,7 @@
 #include <string>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "mesh_codes.h"
 #include "platform/log.h"
@@ -58,7 +59,7 @@ bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
     return false;
   }
   const int mode = settings.multi_link_operation_enable;
-  if (mode < kMeshMode245And6 || mode > kMeshMode5And6) return true;
+  if (!is_mesh_mode(mode)) return true;
   return set("button_mesh", "easymesh", "mode", std::to_string(mode), "set mesh mode value error");
 }
 
@@ -112,12 +113,12 @@ int handle_agent_wifi_client_info(FCGX_Request* request, const char* body) {
     log_error("request error");
     return answer(request, kResultUnusable);
   }
-  const json::JsonPtr json = json::parse_object(body);
-  if (!json) {
+  const json::Document document(body);
+  if (!document.is_json()) {
     log_error("can't parse data to json format.");
     return answer(request, kResultUnusable);
   }
-  const std::optional<AgentSettings> settings = parse_agent_settings(json.get());
+  const std::optional<AgentSettings> settings = parse_agent_settings(document.root());
   if (!settings) return answer(request, kResultUnusable);
   AgentState before;
   if (!write_settings(*settings, before) || !write_mesh_mode(*settings, before)) return answer(request, kResultFailed);

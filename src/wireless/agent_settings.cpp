@@ -3,9 +3,9 @@
 
 #include <array>
 
-#include "answer/json.h"
 #include "mesh_codes.h"
 #include "platform/log.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -31,39 +31,37 @@ constexpr std::array<Key, 10> kKeys{{
 }};
 // clang-format on
 
-bool is_continuation(char c) { return (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
+// The mode that a unit in a mesh works in. What was asked for stays stored beside it while the mesh is left as it is.
+int mode_in_force(int stored_mode, int compati_wifi6_mode) {
+  return compati_wifi6_mode == 1 ? kMeshMode24And5 : stored_mode;
+}
 
 }  // namespace
 
-std::optional<AgentSettings> parse_agent_settings(json_object* json) {
+std::optional<AgentSettings> parse_agent_settings(const json::Object& json) {
   AgentSettings settings;
   for (const Key& key : kKeys) {
-    const auto number = key.number != nullptr ? json::int_member(json, key.name) : std::nullopt;
-    const auto text = key.number == nullptr ? json::text_member(json, key.name) : std::nullopt;
-    if (!number && !text) {
+    const auto number = key.number != nullptr ? json.number(key.name) : std::nullopt;
+    const auto text = key.number == nullptr ? json.text(key.name) : std::nullopt;
+    if ((!number && !text) || (text && !platform::is_storable(*text))) {
       log_error("%s", key.missing);
       return std::nullopt;
     }
     if (number) settings.*key.number = *number;
-    if (text) settings.location_custom = cut_location(*text);
+    if (text) settings.location_custom = platform::cut_utf8(*text, kLocationCustomMax);
   }
   return settings;
 }
 
-std::string cut_location(std::string_view text) {
-  if (text.size() <= kLocationCustomMax) return std::string(text);
-  constexpr std::size_t kLongestCharacter = 4;
-  std::size_t size = kLocationCustomMax;
-  while (size > 0 && kLocationCustomMax - size < kLongestCharacter && is_continuation(text[size])) --size;
-  return std::string(text.substr(0, is_continuation(text[size]) ? kLocationCustomMax : size));
-}
+bool is_mesh_mode(int mode) { return mode == kMeshMode245And6 || mode == kMeshMode24And5 || mode == kMeshMode5And6; }
 
 AgentAction choose_agent_action(const AgentSettings& settings, const AgentState& before) {
   if (settings.mesh == 0 && before.mesh == 1) return AgentAction::kMeshOff;
   if (settings.mesh == 1 && before.mesh == 0) return AgentAction::kMeshOn;
-  const int mode = settings.multi_link_operation_enable;
-  const bool is_mode = mode == kMeshMode245And6 || mode == kMeshMode24And5 || mode == kMeshMode5And6;
-  const bool is_other_mode = is_mode && mode != before.mesh_mode;
+  const int mode =
+      is_mesh_mode(settings.multi_link_operation_enable) ? settings.multi_link_operation_enable : before.mesh_mode;
+  const bool is_other_mode =
+      mode_in_force(mode, settings.compati_wifi6_mode) != mode_in_force(before.mesh_mode, before.compati_wifi6_mode);
   const bool is_other_compatibility = settings.compati_wifi6_mode != before.compati_wifi6_mode;
   if (settings.mesh == 1 && (is_other_mode || is_other_compatibility)) return AgentAction::kMeshChange;
   return settings.multi_ru_enable != before.multi_ru ? AgentAction::kReload : AgentAction::kNothing;

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include <json-c/json.h>
+#include "answer/json_reading.h"
 
 struct AgentSettings {
   int mesh = 0;  // 1 on, 0 off; other values change neither
@@ -44,10 +44,12 @@ enum class AgentAction {
   kMeshChange  // the unit joins again in another mode
 };
 
-// Every key is required; nullopt (logged) at the first that is missing.
-std::optional<AgentSettings> parse_agent_settings(json_object* json);
+// Every key is required; nullopt (logged) at the first that is missing, or that UCI cannot hold.
+std::optional<AgentSettings> parse_agent_settings(const json::Object& json);
 
-// `text` cut to kLocationCustomMax bytes, never inside a UTF-8 character.
-std::string cut_location(std::string_view text);
+// 0, 1 or 2; other numbers leave the mode as it is.
+bool is_mesh_mode(int mode);
 
+// A request that repeats what is in force comes to nothing: Wi-Fi 6 compatibility makes 2.4 + 5 GHz of every mode, also
+// of the one that stands in UCI.
 AgentAction choose_agent_action(const AgentSettings& settings, const AgentState& before);

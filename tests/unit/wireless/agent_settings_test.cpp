@@ -2,10 +2,11 @@
 #include "wireless/agent_settings.h"
 
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
-#include "answer/json.h"
+#include "answer/json_reading.h"
 
 namespace {
 
@@ -13,14 +14,21 @@ constexpr const char* kKeys[] = {"mesh",          "frequency",       "multiLinkO
                                  "multiRuEnable", "location",        "locationCustom",           "ledStatus",
                                  "compatiMode",   "compatiWiFi6Mode"};
 
-json::JsonPtr request() {
-  return json::parse(
-      R"({"mesh": 1, "frequency": 2, "multiLinkOperationEnable": 3, "ieee802dot11r": 4, "multiRuEnable": 5,
-          "location": 6, "locationCustom": "attic", "ledStatus": 7, "compatiMode": 8, "compatiWiFi6Mode": 9})");
+// A whole request, but for one member.
+std::string request_without(std::string_view missing) {
+  std::string text = "{";
+  int number = 0;
+  for (const std::string_view key : kKeys) {
+    const std::string value = key == "locationCustom" ? R"("attic")" : std::to_string(++number);
+    if (key == missing) continue;
+    text.append(text.size() > 1 ? "," : "").append("\"").append(key).append("\":").append(value);
+  }
+  return text + "}";
 }
 
 TEST(ParseAgentSettings, TakesEveryKey) {
-  const auto settings = parse_agent_settings(request().get());
+  const json::Document document(request_without("").c_str());
+  const auto settings = parse_agent_settings(document.root());
   ASSERT_TRUE(settings);
   EXPECT_EQ(settings->mesh, 1);
   EXPECT_EQ(settings->frequency, 2);
@@ -36,35 +44,45 @@ TEST(ParseAgentSettings, TakesEveryKey) {
 
 TEST(ParseAgentSettings, NeedsEveryKey) {
   for (const char* key : kKeys) {
-    const json::JsonPtr json = request();
-    json_object_object_del(json.get(), key);
-    EXPECT_FALSE(parse_agent_settings(json.get())) << key;
+    const json::Document document(request_without(key).c_str());
+    ASSERT_TRUE(document);
+    EXPECT_FALSE(parse_agent_settings(document.root())) << key;
   }
-  EXPECT_FALSE(parse_agent_settings(nullptr));
+  EXPECT_FALSE(parse_agent_settings(json::Object()));
 }
 
-TEST(CutLocation, AtSeventeenBytesAndNeverInsideACharacter) {
-  EXPECT_EQ(cut_location(""), "");
-  EXPECT_EQ(cut_location("12345678901234567"), "12345678901234567");
-  EXPECT_EQ(cut_location("12345678901234567890"), "12345678901234567");
-  EXPECT_EQ(cut_location("日本語日本"), "日本語日本");                 // 15 bytes
-  EXPECT_EQ(cut_location("日本語日本語"), "日本語日本");               // 18
-  EXPECT_EQ(cut_location("ab日本語日本語"), "ab日本語日本");           // 17 and 3
-  EXPECT_EQ(cut_location("1234567890123456é"), "1234567890123456");    // 16 and 2
-  EXPECT_EQ(cut_location("12345678901234🛜"), "12345678901234");     // 14 and 4
-  EXPECT_EQ(cut_location("1234567890123🛜x"), "1234567890123🛜");  // 17 and 1
+std::string stored_location(const std::string& text) {
+  std::string request = request_without("locationCustom");
+  request.back() = ',';
+  const json::Document document((request + R"("locationCustom": ")" + text + "\"}").c_str());
+  const auto settings = parse_agent_settings(document.root());
+  return settings ? settings->location_custom : "refused";
 }
 
-TEST(CutLocation, BoundsWhatIsNotUtf8) {
-  EXPECT_EQ(cut_location(std::string(100, '\x80')), std::string(17, '\x80'));
-  EXPECT_EQ(cut_location(std::string(100, '\xff')), std::string(17, '\xff'));
-  EXPECT_EQ(cut_location(std::string(100000, 'x')).size(), 17U);
+TEST(ParseAgentSettings, CutsTheLocationAtSeventeenBytesAndNeverInsideACharacter) {
+  EXPECT_EQ(stored_location(""), "");
+  EXPECT_EQ(stored_location("12345678901234567"), "12345678901234567");
+  EXPECT_EQ(stored_location("12345678901234567890"), "12345678901234567");
+  EXPECT_EQ(stored_location("日本語日本"), "日本語日本");                 // 15 bytes
+  EXPECT_EQ(stored_location("日本語日本語"), "日本語日本");               // 18
+  EXPECT_EQ(stored_location("ab日本語日本語"), "ab日本語日本");           // 17 and 3
+  EXPECT_EQ(stored_location("1234567890123456é"), "1234567890123456");    // 16 and 2
+  EXPECT_EQ(stored_location("12345678901234🛜"), "12345678901234");     // 14 and 4
+  EXPECT_EQ(stored_location("1234567890123🛜x"), "1234567890123🛜");  // 17 and 1
+  EXPECT_EQ(stored_location(std::string(100000, 'x')).size(), 17U);
+}
+
+TEST(ParseAgentSettings, RefusesALocationThatUciCannotHold) {
+  for (const char* text : {R"(\u0001)", R"(a\u001bb)"}) EXPECT_EQ(stored_location(text), "refused") << text;
+  EXPECT_EQ(stored_location(R"(tab\tline\n)"), "tab\tline\n");
 }
 
 AgentAction expected(int mesh, int enable, int mode, int old_mode, int compati, int old_compati, int ru, int old_ru) {
   if (mesh == 0 && enable == 1) return AgentAction::kMeshOff;
   if (mesh == 1 && enable == 0) return AgentAction::kMeshOn;
-  const bool is_changed = (mode >= 0 && mode <= 2 && mode != old_mode) || compati != old_compati;
+  // Compatible with Wi-Fi 6 before and after, the unit works in mode 1 whatever is asked for.
+  const bool is_other_mode = mode >= 0 && mode <= 2 && mode != old_mode && !(compati == 1 && old_compati == 1);
+  const bool is_changed = is_other_mode || compati != old_compati;
   if (mesh == 1 && is_changed) return AgentAction::kMeshChange;
   return ru == old_ru ? AgentAction::kNothing : AgentAction::kReload;
 }
