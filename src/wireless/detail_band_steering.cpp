@@ -1,4 +1,5 @@
 // Band steering as the detail settings switch it: one name on all bands, whose own settings are kept for later.
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
@@ -41,16 +42,37 @@ void restore(const char* ifname) {
   }
 }
 
+// What must be there before a name or key is overwritten: where their own are kept, and the switch that tells that they
+// are. Without it they could not be given back, or the next request would keep the model's in their place.
+struct Place {
+  const char* package;
+  const char* type;
+  const char* section;
+};
+constexpr std::array<Place, 3> kPlaces{{
+    {"bandsteering", "wifi-iface", kFollowers[0]},
+    {"bandsteering", "wifi-iface", kFollowers[1]},
+    {"lbd", "config", "config"},
+}};
+
+bool make_place(const Place& place) {
+  if (UciCheckSection(nullptr, place.package, place.section) == 0) return true;
+  if (UciCreatSection(nullptr, place.package, place.type, place.section) == 0) return true;
+  log_error("Failed to create %s.%s", place.package, place.section);
+  return false;
+}
+
 // An option that the interface does not have must not come back from an earlier saving.
-void save(const char* ifname) {
+bool save(const char* ifname) {
   for (const char* option : wlan_detail::kSteeredOptions) {
     if (const auto value = uci_read("wireless", ifname, option, kValueSize)) {
-      UciSetOption(nullptr, "bandsteering", ifname, option, value->c_str());
+      if (UciSetOption(nullptr, "bandsteering", ifname, option, value->c_str()) != 0) return false;
     } else {
       log_error("%s doesn't have value: %s !", ifname, option);
       UciDelOption(nullptr, "bandsteering", ifname, option);
     }
   }
+  return true;
 }
 
 void follow_model() {
@@ -68,13 +90,14 @@ void follow_model() {
   UciDelOption(nullptr, "wireless", kMainSsids[2], "owe");
 }
 
-void switch_on() {
+bool switch_on() {
   int is_on = 0;
   if (get_bandSteering_Value(is_on) != 0 || is_on == 0) {
-    for (const char* ifname : kFollowers) save(ifname);
+    if (!std::ranges::all_of(kPlaces, make_place) || !std::ranges::all_of(kFollowers, save)) return false;
     set_lbd("1");
   }
   follow_model();
+  return true;
 }
 
 void switch_off() {
@@ -89,7 +112,11 @@ int set_band_steering_Info(int enable) {
     log_error("bandSteering data is error");
     return 1;
   }
-  enable == 1 ? switch_on() : switch_off();
+  if (enable == 0) {
+    switch_off();
+  } else if (!switch_on()) {
+    return 1;
+  }
   os_system("uci commit lbd");
   os_system("uci commit bandsteering");
   return 0;

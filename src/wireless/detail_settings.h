@@ -32,8 +32,8 @@ inline constexpr std::string_view kDetailOkWait100 = R"({"result": 0, "version":
 // A mesh agent reports fixed values for what its controller decides. On failure `info` is partly filled.
 int get_wlan_detail_info(WlanDetailInfo& info);
 
-// Writes every setting but 802.11r, and starts the reload. The widths and powers must be of the tables. On failure the
-// steps before stay written and nothing is reloaded.
+// Writes every setting but 802.11r, and starts the reload. The widths and powers must be of the tables. WPS that is
+// refused writes nothing; after another failure the steps before stay written, and nothing is reloaded.
 int set_wlan_detail_info(const WlanDetailInfo& info);
 
 // wireless.<ifname>.hidden: 1 or 0, 0 when it cannot be read. Fails without an interface.
@@ -43,5 +43,10 @@ int get_hidden_value(const char* ifname, int& out);
 // mirrored on a mesh controller.
 int set_wps_enable(int status, int mesh_role);
 
-// Band steering on (1) or off (0): the 5 and 6 GHz main SSIDs follow the 2.4 GHz one, or get their own back.
+// What set_wps_enable would refuse for the radios, securities and hidden SSIDs that UCI has now: 1, else 0. What cannot
+// be read refuses nothing here.
+int check_wps_enable(int status);
+
+// Band steering on (1) or off (0): the 5 and 6 GHz main SSIDs follow the 2.4 GHz one, or get their own back. Where
+// their own cannot be kept nothing is overwritten.
 int set_band_steering_Info(int enable);

@@ -133,6 +133,7 @@ bool fails(bool is_done, const char* what) {
 }
 
 bool write_settings(const WlanDetailInfo& info, int role, bool is_repeater) {
+  if (fails(check_wps_enable(info.wps_enable) == 0, "wpsEnable")) return false;
   if (fails(set_wlan_beacon_interval(info.beacon_interval, role, is_repeater), "beacon interval")) return false;
   if (fails(set_wlan_dtim_period(info.dtim_period, role), "DTIM period")) return false;
   if (fails(set_switches(wlan_detail::kMulticast, info.multicast_conversion_enable), "multicast conversion")) {

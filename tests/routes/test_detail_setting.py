@@ -283,7 +283,7 @@ def test_wps_is_refused_with_both_networks_hidden(router):
     refused(router, request(beaconInterval=500), RESULT_2)
     assert router.logged("2G and 5G hidden_value  not match", priority=3)
     assert router.logged("Failed to set wpsEnable", priority=3)
-    assert router.option("wireless.ath0.bintval") == "500"  # the steps before stay
+    assert router.option("wireless.ath0.bintval") == "100"  # nothing is written before
 
 
 def test_wps_is_refused_without_wpa2_and_without_radios(router):
