@@ -1,5 +1,4 @@
 // Writing of the radios' channels and LEDs.
-#include <array>
 #include <string>
 
 #include "domain/channels.h"
@@ -26,18 +25,24 @@ void set_radio_channel(const Radio& radio, int channel, bool is_controller) {
 
 }  // namespace
 
+int check_channels(const Channels& channels) {
+  for (std::size_t band = 0; band < kRadios.size(); ++band) {
+    if (check_channel_value(static_cast<int>(band), channels[band]) == 0) continue;
+    log_error("Invalid channel %d for %s (band: %d)", channels[band], kRadios[band].section, static_cast<int>(band));
+    return 1;
+  }
+  return 0;
+}
+
 int set_channel_Value(int channel_2g, int channel_5g, int channel_6g) {
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
     log_error("get_mesh_role_value failed");
     return 1;
   }
-  const std::array<int, kRadios.size()> requested{channel_2g, channel_5g, channel_6g};
+  const Channels requested{channel_2g, channel_5g, channel_6g};
+  if (check_channels(requested) != 0) return 1;
   for (std::size_t band = 0; band < kRadios.size(); ++band) {
-    if (check_channel_value(static_cast<int>(band), requested[band]) != 0) {
-      log_error("Invalid channel %d for %s (band: %d)", requested[band], kRadios[band].section, static_cast<int>(band));
-      return 1;
-    }
     set_radio_channel(kRadios[band], requested[band], role == kMeshRoleController);
   }
   return 0;

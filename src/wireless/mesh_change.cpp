@@ -51,19 +51,19 @@ int get_mesh_change_flags(int requested_mesh, int requested_mode, const std::str
   return flags;
 }
 
+MeshChange choose_mesh_change(int requested_mesh, int flags) {
+  if (requested_mesh != 1) return MeshChange::kNone;
+  if ((flags & kMeshEnableChanged) != 0) return MeshChange::kSwitchedOn;
+  return (flags & kMeshModeChanged) != 0 ? MeshChange::kModeOnly : MeshChange::kNone;
+}
+
 MeshChange apply_mesh_change(int requested_mesh, int requested_mode, const std::string& password) {
   const int flags = get_mesh_change_flags(requested_mesh, requested_mode, password);
   if (flags == 0) return MeshChange::kNone;
-  const bool is_mode_changed = (flags & kMeshModeChanged) != 0;
-  const bool is_enable_changed = (flags & kMeshEnableChanged) != 0;
   UciSetOption(nullptr, "button_mesh", "easymesh", "mode", std::to_string(requested_mode).c_str());
   if ((flags & kMeshPasswordChanged) != 0) set_backhaul_key(password);
-  if (requested_mesh != 1) return MeshChange::kNone;
-  if (is_mode_changed && !is_enable_changed) {
-    UciSetOption(nullptr, "button_mesh", "easymesh", "mode_change", "1");
-    return MeshChange::kModeOnly;
-  }
-  if (!is_enable_changed) return MeshChange::kNone;
-  os_system("/usr/sbin/easymesh_controller.sh &");
-  return MeshChange::kSwitchedOn;
+  const MeshChange change = choose_mesh_change(requested_mesh, flags);
+  if (change == MeshChange::kModeOnly) UciSetOption(nullptr, "button_mesh", "easymesh", "mode_change", "1");
+  if (change == MeshChange::kSwitchedOn) os_system("/usr/sbin/easymesh_controller.sh &");
+  return change;
 }

@@ -1,7 +1,7 @@
 // Writing of the MLO SSID.
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -33,14 +33,18 @@ struct Unit {
   bool is_tesmir_mesh;  // tesmir units alone have MLO in a mesh
 };
 
-void set_links(const MloMode& mode, const WirelessIfaceInfo& info, bool is_mirrored) {
+// False when none of the links is there.
+bool set_links(const MloMode& mode, const WirelessIfaceInfo& info, bool is_mirrored) {
+  bool is_any_there = false;
   for (std::size_t link = 0; link < kMloLinks.size(); ++link) {
     const char* ifname = kMloLinks[link];
+    is_any_there = UciCheckSection(nullptr, "wireless", ifname) == 0 || is_any_there;
     set_wireless_option(is_mirrored, ifname, "disabled", mode.is_on[link] ? "0" : "1");
     set_wireless_option(is_mirrored, ifname, "hidden", std::to_string(info.wifi_stealth));
     set_wireless_option(is_mirrored, ifname, "ssid", info.ssid);
     set_wireless_option(is_mirrored, ifname, "wpa_group_rekey", std::to_string(info.wpa_rekey_interval));
   }
+  return is_any_there;
 }
 
 void set_mld_ssid(const std::string& ssid, const Unit& unit) {
@@ -50,11 +54,15 @@ void set_mld_ssid(const std::string& ssid, const Unit& unit) {
   }
 }
 
+WirelessIfaceInfo fronthaul_info(const WirelessIfaceInfo& info, std::string_view link) {
+  WirelessIfaceInfo link_info = info;
+  if (link == k6gLink) link_info.wifi_security = kSecurityWpa3;
+  return link_info;
+}
+
 int set_fronthaul(const WirelessIfaceInfo& info) {
   for (const char* link : kMloLinks) {
-    WirelessIfaceInfo link_info = info;
-    if (link == k6gLink) link_info.wifi_security = kSecurityWpa3;
-    if (set_repacd_info(link_info, link) == 0) continue;
+    if (set_repacd_info(fronthaul_info(info, link), link) == 0) continue;
     log_error("set_repacd_info failed");
     return 1;
   }
@@ -77,46 +85,88 @@ bool is_key_cut(const std::string& escaped, int wifi_security, const Unit& unit)
   return is_cut(unit.role == kMeshRoleController ? "wireless_for_easymesh.ath05.key=" : "wireless.ath05.key=", escaped);
 }
 
-int set_security(const WirelessIfaceInfo& info, const Unit& unit) {
+// The key as it is stored; nullopt (logged) when it cannot be.
+std::optional<std::string> escape_key(const WirelessIfaceInfo& info, const Unit& unit) {
   std::string escaped;
-  if (escape_single_quotes(info.password.c_str(), escaped, kEscapedPasswordSize) != 0 ||
-      is_key_cut(escaped, info.wifi_security, unit)) {
-    log_error("Failed to escape password (buffer too small or invalid input)");
-    return 1;
+  if (escape_single_quotes(info.password.c_str(), escaped, kEscapedPasswordSize) == 0 &&
+      !is_key_cut(escaped, info.wifi_security, unit)) {
+    return escaped;
   }
+  log_error("Failed to escape password (buffer too small or invalid input)");
+  return std::nullopt;
+}
+
+int set_security(int wifi_security, const std::string& escaped, int role) {
   for (const char* link : kMloLinks) {
-    if (set_mlo_encryption(link, link_security(info.wifi_security, link), escaped.c_str(), unit.role) == 0) continue;
+    if (set_mlo_encryption(link, link_security(wifi_security, link), escaped.c_str(), role) == 0) continue;
     log_error("set_mlo_encryption failed");
     return 1;
   }
   return 0;
 }
 
-}  // namespace
+// What a request for the MLO network comes to.
+enum class MloAction { kRefuse, kLeave, kClear, kWrite };
+struct MloPlan {
+  const MloMode* mode = nullptr;
+  Unit unit{kBrandOther, kMeshRoleNone, false};
+  std::string escaped_key;
+};
 
-int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) {
-  Unit unit{get_brand_index(), kMeshRoleNone, false};
-  if (unit.brand == kBrandOrvane && mesh_enabled == 1) {
-    log_error("ORVANE device does not support MLO with mesh enabled");
-    return 0;
-  }
+// Reads alone; refusals are logged.
+MloAction plan_mlo(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled, MloPlan& plan) {
+  plan.unit.brand = get_brand_index();
+  if (plan.unit.brand == kBrandOrvane && mesh_enabled == 1) return MloAction::kLeave;
   const auto* mode = std::ranges::find(kModes, mlo_mode, &MloMode::mode);
-  if (mode == kModes.end()) {
-    log_error("mlo value %d is not supported.", mlo_mode);
-    clear_mlo_config();
-    return 0;
-  }
-  if (get_mesh_role_value(unit.role) != 0) {
+  if (mode == kModes.end()) return MloAction::kClear;
+  plan.mode = mode;
+  if (get_mesh_role_value(plan.unit.role) != 0) {
     log_error("get_mesh_role_value failed");
-    return 1;
+    return MloAction::kRefuse;
   }
-  unit.is_tesmir_mesh = unit.brand == kBrandTesmir && mesh_enabled == 1;
-  set_links(*mode, info, unit.is_tesmir_mesh);
-  set_mld_ssid(info.ssid, unit);
-  if (unit.is_tesmir_mesh && set_fronthaul(info) != 0) return 1;
-  if (set_security(info, unit) != 0) return 1;
+  plan.unit.is_tesmir_mesh = plan.unit.brand == kBrandTesmir && mesh_enabled == 1;
+  for (const char* link : kMloLinks) {
+    if (!plan.unit.is_tesmir_mesh || check_repacd_info(fronthaul_info(info, link), link) == 0) continue;
+    log_error("set_repacd_info failed");
+    return MloAction::kRefuse;
+  }
+  const std::optional<std::string> escaped = escape_key(info, plan.unit);
+  if (!escaped) return MloAction::kRefuse;
+  plan.escaped_key = *escaped;
+  return MloAction::kWrite;
+}
+
+int write_mlo(const MloPlan& plan, const WirelessIfaceInfo& info) {
+  if (set_links(*plan.mode, info, plan.unit.is_tesmir_mesh)) set_mld_ssid(info.ssid, plan.unit);
+  if (plan.unit.is_tesmir_mesh && set_fronthaul(info) != 0) return 1;
+  if (set_security(info.wifi_security, plan.escaped_key, plan.unit.role) != 0) return 1;
   os_system("uci commit wireless");
   return 0;
+}
+
+}  // namespace
+
+int check_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) {
+  MloPlan plan;
+  return plan_mlo(mlo_mode, info, mesh_enabled, plan) == MloAction::kRefuse ? 1 : 0;
+}
+
+int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) {
+  MloPlan plan;
+  switch (plan_mlo(mlo_mode, info, mesh_enabled, plan)) {
+    case MloAction::kRefuse:
+      return 1;
+    case MloAction::kLeave:
+      log_error("ORVANE device does not support MLO with mesh enabled");
+      return 0;
+    case MloAction::kClear:
+      log_error("mlo value %d is not supported.", mlo_mode);
+      clear_mlo_config();
+      return 0;
+    case MloAction::kWrite:
+      break;
+  }
+  return write_mlo(plan, info);
 }
 
 int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role) {

@@ -1,5 +1,4 @@
 // POST /api/v1/wireless/setting.
-#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -12,9 +11,12 @@
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "wireless/answers.h"
+#include "wireless/setting_request.h"
 #include "wireless/setting_write.h"
 
 namespace {
+
+constexpr std::size_t kNumberSize = 8;
 
 enum class Verdict {
   kApplied,
@@ -23,95 +25,30 @@ enum class Verdict {
   kEnded,     // the mesh change ends the request: nothing more is committed or reloaded
 };
 
-// What a request asks for, and what became of it so far.
+// What becomes of a request.
 struct Change {
   int brand = kBrandOther;
-  bool is_repeater = false;
-  int mlo = 0;
-  int mesh = 0;               // requested
-  int mesh_before = 0;        // as UCI had it
+  int mesh_before = 0;        // as UCI had it; a repeater has no mesh switch
   int mesh_mode = 0;          // from the last known band label
   std::string_view answer{};  // chosen by a mesh change
 };
 
-// An element's members into `info`; a member that it omits keeps the value of the element before.
-void parse_element(json_object* element, WirelessIfaceInfo& info) {
-  constexpr int kRekeyMin = 600;
-  constexpr int kRekeyMax = 86400;
-  constexpr int kRekeyDefault = 1800;
-  if (const auto ssid = json::text_member(element, "ssidValue")) info.ssid = ssid->substr(0, kSsidSize - 1);
-  info.ssid_status = json::int_member(element, "ssidStatus").value_or(info.ssid_status);
-  if (const auto key = json::text_member(element, "ssidPassword")) info.password = key->substr(0, kPasswordSize - 1);
-  info.wifi_security = json::int_member(element, "wifiSecurity").value_or(info.wifi_security);
-  info.wifi_stealth = json::int_member(element, "wifiStealth").value_or(info.wifi_stealth);
-  if (const auto rekey = json::int_member(element, "wpaRekeyInterval")) {
-    info.wpa_rekey_interval = *rekey < kRekeyMin || *rekey > kRekeyMax ? kRekeyDefault : *rekey;
-  }
-}
-
-// UCI keeps no control characters but tab, line feed and carriage return: such a text would be lost without a word.
-bool is_storable(std::string_view text) {
-  return std::ranges::none_of(text, [](unsigned char c) { return c < 0x20 && c != '\t' && c != '\n' && c != '\r'; });
-}
-
 const char* text_or_null(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
 
-// The array of slots; nullptr unless it is one and holds objects alone.
-json_object* read_elements(json_object* json) {
-  json_object* elements = json::array_member(json, "wirelessConfig");
-  for (std::size_t i = 0; elements != nullptr && i < json_object_array_length(elements); ++i) {
-    if (!json_object_is_type(json_object_array_get_idx(elements, i), json_type_object)) elements = nullptr;
+Verdict set_mlo(const SettingRequest& request, const WirelessIfaceInfo& info) {
+  int mesh = 0;  // a repeater's MLO network counts as outside a mesh
+  if (!request.is_repeater && get_mesh_value(mesh) != 0) {
+    log_error("Failed to get meshRole");
+    return Verdict::kFailed;
   }
-  return elements;
-}
-
-Verdict set_80211r_and_channels(json_object* json) {
-  const auto ieee80211r = json::int_member(json, "ieee802dot11r");
-  if (!ieee80211r) log_error("Failed to parse ieee802dot11r");
-  UciSetOption(nullptr, "button_mesh", "easymesh", "ieee80211r", ieee80211r == 1 ? "1" : "0");
-
-  const auto channel_2g = json::int_member(json, "set2GChannel");
-  const auto channel_5g = json::int_member(json, "set5GChannel");
-  const auto channel_6g = json::int_member(json, "set6GChannel");
-  if (!channel_2g) {
-    log_error("Failed to parse channel2G");
-  } else if (!channel_5g) {
-    log_error("Failed to parse channel5G");
-  } else if (!channel_6g) {
-    log_error("Failed to parse channel6G");
-  } else if (set_channel_Value(*channel_2g, *channel_5g, *channel_6g) != 0) {
-    log_error("Failed to set channel2G, channel5G, channel6G");
-  } else {
-    return Verdict::kApplied;
-  }
-  return Verdict::kUnusable;
-}
-
-Verdict set_mlo(const Change& change, const WirelessIfaceInfo& info, int mesh_enabled) {
-  if (set_mlo_info(change.mlo, info, mesh_enabled) == 0) return Verdict::kApplied;
+  if (set_mlo_info(request.mlo, info, mesh) == 0) return Verdict::kApplied;
   log_error("Failed to set Wifimlo");
   return Verdict::kFailed;
 }
 
-// In an orvane mesh the MLO slot shows the backhaul. Sent back as it was shown, it asks for no MLO network.
-bool is_backhaul_sent_back(const WirelessIfaceInfo& info, int brand) {
-  int mesh = 0;
-  if (brand != kBrandOrvane || get_mesh_value(mesh) != 0 || mesh != 1) return false;
-  SsidSlot slot = *find_wireless_config(1, kMeshSlotName);
-  WirelessIfaceInfo shown;
-  return get_mesh_info(slot, shown, mesh) == 0 && shown.ssid == info.ssid && shown.password == info.password;
-}
-
-Verdict set_repeater_element(json_object* element, const WirelessIfaceInfo& info, Change& change) {
-  const auto name = json::text_member(element, "ssidName");
-  if (set_wireless_info(1, text_or_null(name), info) != 0) return Verdict::kFailed;
-  if (change.mlo == 0 || name != kMloSlotName || is_backhaul_sent_back(info, change.brand)) return Verdict::kApplied;
-  return set_mlo(change, info, 0);
-}
-
-Verdict set_mesh_element(json_object* element, const WirelessIfaceInfo& info, Change& change) {
-  change.mesh_mode = mesh_mode_of_band(json::text_member(element, "band").value_or(""), change.mesh_mode);
-  switch (apply_mesh_change(change.mesh, change.mesh_mode, info.password)) {
+Verdict set_mesh(const SettingRequest& request, const SlotRequest& slot, Change& change) {
+  change.mesh_mode = mesh_mode_of_band(slot.band, change.mesh_mode);
+  switch (apply_mesh_change(request.mesh, change.mesh_mode, slot.info.password)) {
     case MeshChange::kModeOnly:
       return Verdict::kEnded;
     case MeshChange::kSwitchedOn:
@@ -123,83 +60,39 @@ Verdict set_mesh_element(json_object* element, const WirelessIfaceInfo& info, Ch
   return Verdict::kApplied;
 }
 
-Verdict set_router_element(json_object* element, const WirelessIfaceInfo& info, Change& change) {
-  const auto name = json::text_member(element, "ssidName");
-  if (name == kMeshSlotName) return set_mesh_element(element, info, change);
-  if (name == kMloSlotName && change.mlo != 0) {
-    int mesh = 0;
-    if (get_mesh_value(mesh) == 0) return set_mlo(change, info, mesh);
-    log_error("Failed to get meshRole");
-    return Verdict::kFailed;
-  }
-  if (set_wireless_info(0, text_or_null(name), info) == 0) return Verdict::kApplied;
-  log_error("Failed to set wireless info");
+Verdict set_access_point(const SettingRequest& request, const SlotRequest& slot) {
+  if (set_wireless_info(request.is_repeater ? 1 : 0, text_or_null(slot.name), slot.info) == 0) return Verdict::kApplied;
+  if (!request.is_repeater) log_error("Failed to set wireless info");
   return Verdict::kFailed;
 }
 
-// "mesh" and "mlo"; a repeater has no mesh switch.
-Verdict read_switches(json_object* json, Change& change) {
-  if (!change.is_repeater) {
-    const auto mesh = json::int_member(json, "mesh");
-    if (!mesh) {
-      log_error("Failed to parse mesh");
-      return Verdict::kUnusable;
-    }
-    change.mesh = *mesh;
-    change.mesh_before = std::atoi(uci_read_or("button_mesh", "easymesh", "enable", 8, "0").c_str());
+Verdict set_slot(const SettingRequest& request, const SlotRequest& slot, Change& change) {
+  switch (kind_of_slot(request, slot, change.brand)) {
+    case SlotKind::kMesh:
+      return set_mesh(request, slot, change);
+    case SlotKind::kMlo:
+      return set_mlo(request, slot.info);
+    case SlotKind::kAccessPoint:
+      break;
   }
-  const auto mlo = json::int_member(json, "mlo");
-  if (!mlo) {
-    log_error("Failed to parse mlo");
-    return Verdict::kUnusable;
-  }
-  change.mlo = *mlo;
-  return Verdict::kApplied;
-}
-
-Verdict set_elements(json_object* elements, Change& change) {
-  WirelessIfaceInfo info;
-  for (std::size_t i = 0; i < json_object_array_length(elements); ++i) {
-    json_object* element = json_object_array_get_idx(elements, i);
-    parse_element(element, info);
-    if (!is_storable(info.ssid) || !is_storable(info.password)) {
-      log_error("ssidValue or ssidPassword holds control characters");
-      return Verdict::kFailed;
-    }
-    const Verdict verdict =
-        change.is_repeater ? set_repeater_element(element, info, change) : set_router_element(element, info, change);
-    if (verdict != Verdict::kApplied) return verdict;
-  }
-  return Verdict::kApplied;
+  return set_access_point(request, slot);
 }
 
 // Everything that is written before the answer is chosen.
-Verdict apply_setting(const char* body, Change& change) {
-  if (body == nullptr) return Verdict::kUnusable;
-  const json::JsonPtr json = json::parse_object(body);
-  if (json == nullptr) {
-    log_error("Can't parse request_body to json format.");
+Verdict apply_setting(const SettingRequest& request, Change& change) {
+  if (check_slots(request, change.brand) != 0) return Verdict::kFailed;
+  if (!request.is_repeater) {
+    change.mesh_before = std::atoi(uci_read_or("button_mesh", "easymesh", "enable", kNumberSize, "0").c_str());
+  }
+  UciSetOption(nullptr, "button_mesh", "easymesh", "ieee80211r", request.ieee802dot11r == 1 ? "1" : "0");
+  if (set_channel_Value(request.channels[0], request.channels[1], request.channels[2]) != 0) {
+    log_error("Failed to set channel2G, channel5G, channel6G");
     return Verdict::kUnusable;
   }
-  json_object* elements = read_elements(json.get());
-  if (elements == nullptr) {
-    log_error("Failed to parse wirelessConfig");
-    return Verdict::kUnusable;
+  for (const SlotRequest& slot : request.slots) {
+    const Verdict verdict = set_slot(request, slot, change);
+    if (verdict != Verdict::kApplied) return verdict;
   }
-  const auto op_mode = uci_read("system", "@system[0]", "op_mode", 16);
-  if (!op_mode) {
-    log_error("Failed to get opmode");
-    return Verdict::kUnusable;
-  }
-  if (!json::has_member(json.get(), "bandSteering")) {
-    log_error("Failed to parse bandSteering");
-    return Verdict::kUnusable;
-  }
-  change.is_repeater = *op_mode == "re";
-  Verdict verdict = set_80211r_and_channels(json.get());
-  if (verdict == Verdict::kApplied) verdict = read_switches(json.get(), change);
-  if (verdict == Verdict::kApplied) verdict = set_elements(elements, change);
-  if (verdict != Verdict::kApplied) return verdict;
   os_system("uci commit wireless");
   os_system("uci commit wireless_for_easymesh");
   return Verdict::kApplied;
@@ -216,11 +109,11 @@ std::string_view run_reload_chain(int brand) {
 }
 
 // Starts what makes the change take effect, and tells the answer for it.
-std::string_view start_reload(const Change& change) {
-  if (change.mesh_before == 1 && change.mesh == 0) return kWirelessOkWait180;
-  if (change.mesh_before == 1 && change.mesh == 1) return run_reload_chain(change.brand);
+std::string_view start_reload(const SettingRequest& request, const Change& change) {
+  if (change.mesh_before == 1 && request.mesh == 0) return kWirelessOkWait180;
+  if (change.mesh_before == 1 && request.mesh == 1) return run_reload_chain(change.brand);
   if (!change.answer.empty()) return change.answer;
-  if (change.is_repeater) {
+  if (request.is_repeater) {
     log_debug(
         "opmode is repaeter,no need to wifi reload ,just return success. because detail_setting will handle it.\n");
     return kWirelessOkWait20;
@@ -236,14 +129,15 @@ constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_controller.sh &
 int handle_wireless_setting(FCGX_Request* request, const char* body) {
   Change change;
   change.brand = get_brand_index();
-  const Verdict verdict = apply_setting(body, change);
+  const std::optional<SettingRequest> wanted = read_setting_request(body);
+  const Verdict verdict = wanted ? apply_setting(*wanted, change) : Verdict::kUnusable;
   if (verdict == Verdict::kEnded) {
     answer(request, kWirelessOkWait230);
     os_system(kCloseMesh);
     return 0;
   }
   std::string_view text = verdict == Verdict::kUnusable ? kResultUnusable : kResultFailed;
-  if (verdict == Verdict::kApplied) text = start_reload(change);
+  if (verdict == Verdict::kApplied) text = start_reload(*wanted, change);
   os_system("/usr/sbin/iptables_guest_isolate.sh &");
   answer(request, text);
   if (text == kWirelessOkWait180) os_system(kCloseMesh);

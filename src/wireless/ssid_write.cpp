@@ -1,4 +1,4 @@
-// Writing of one SSID slot.
+// Checking and writing of one SSID slot.
 #include <algorithm>
 #include <cctype>
 #include <string>
@@ -16,36 +16,38 @@ namespace {
 
 constexpr int kLeaveWpsAlone = -1;
 
-// What the 2.4 GHz main SSID said last, for the other main SSIDs while band steering is on. The request loop has one
-// thread; requests that send their slots in another order get what an earlier request left.
-struct BandSteeringTemplate {
-  WirelessIfaceInfo info;
-  bool is_valid = false;
-};
-BandSteeringTemplate band_steering_template;
+BandSteeringTemplate process_template;
 
-void follow_band_steering(std::string_view ssid_name, WirelessIfaceInfo& info) {
+// `info` as it is written after slots that left `model`, which becomes what this slot leaves.
+WirelessIfaceInfo follow_band_steering(std::string_view ssid_name, WirelessIfaceInfo info,
+                                       BandSteeringTemplate& model) {
   int enabled = 0;
-  if (get_bandSteering_Value(enabled) != 0 || enabled != 1) return;
-  if (ssid_name == "SSID1") band_steering_template = {info, true};
-  if (ssid_name == "SSID8") band_steering_template.is_valid = false;
-  if (!band_steering_template.is_valid || (ssid_name != "SSID4" && ssid_name != "SSID7")) return;
-  const WirelessIfaceInfo& model = band_steering_template.info;
-  info.ssid = model.ssid;
-  info.password = model.password;
-  info.wifi_stealth = model.wifi_stealth;
-  info.wpa_rekey_interval = model.wpa_rekey_interval;
-  if (ssid_name == "SSID4") info.wifi_security = model.wifi_security;  // 6 GHz keeps its own
+  if (get_bandSteering_Value(enabled) != 0 || enabled != 1) return info;
+  if (ssid_name == "SSID1") model = {info, true};
+  if (ssid_name == "SSID8") model.is_valid = false;
+  if (!model.is_valid || (ssid_name != "SSID4" && ssid_name != "SSID7")) return info;
+  info.ssid = model.info.ssid;
+  info.password = model.info.password;
+  info.wifi_stealth = model.info.wifi_stealth;
+  info.wpa_rekey_interval = model.info.wpa_rekey_interval;
+  if (ssid_name == "SSID4") info.wifi_security = model.info.wifi_security;  // 6 GHz keeps its own
+  return info;
+}
+
+// A mesh takes access points away; one that is not there must not name the MLD, which another one may have now.
+void set_mld_ssid(const char* package, const SsidSlot& slot, const char* mld, const std::string& ssid) {
+  if (mld == nullptr || UciCheckSection(nullptr, package, slot.ifname) != 0) return;
+  UciSetOption(nullptr, package, mld, "mld_ssid", ssid.c_str());
 }
 
 void set_ssid(const SsidSlot& slot, const std::string& ssid, bool is_controller) {
   set_wireless_option(is_controller, slot.ifname, "ssid", ssid);
   const char* mld = slot.mld;
   if (is_controller) {
-    UciSetOption(nullptr, "wireless_for_easymesh", slot.mld, "mld_ssid", ssid.c_str());
+    set_mld_ssid("wireless_for_easymesh", slot, slot.mld, ssid);
     if (const char* mesh_mld = get_mesh_mld_by_ifname(slot.ifname)) mld = mesh_mld;
   }
-  if (mld != nullptr) UciSetOption(nullptr, "wireless", mld, "mld_ssid", ssid.c_str());
+  set_mld_ssid("wireless", slot, mld, ssid);
 }
 
 // The SSID that mesh agents take over as their fronthaul.
@@ -63,11 +65,26 @@ int set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
   return 1;
 }
 
-// The whole slot, once it is known to have an access point.
-int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& requested, bool is_controller) {
-  WirelessIfaceInfo info = requested;
+bool is_password_usable(const WirelessIfaceInfo& info) {
+  if (info.wifi_security == kSecurityOpen || check_wifi_password(info.password.c_str()) == 0) return true;
+  log_error("Password check failed");
+  return false;
+}
+
+// What a slot can be refused for, before the first of its options is written.
+int check_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
+  if (!is_password_usable(info)) {
+    log_error("set_wireless_encryption failed");
+    return 1;
+  }
+  if (!is_controller || check_repacd_info(info, slot.ifname) == 0) return 0;
+  log_error("set_repacd_info failed");
+  return 1;
+}
+
+// The whole slot, once it is known to have an access point and to be written.
+int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
   set_wireless_option(is_controller, slot.ifname, "disabled", info.ssid_status == 0 ? "1" : "0");
-  follow_band_steering(slot.ssid_name, info);
   set_ssid(slot, info.ssid, is_controller);
 
   int wps_state = kLeaveWpsAlone;
@@ -83,31 +100,50 @@ int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& requested, bool is_c
   return 0;
 }
 
-}  // namespace
+// The slot of a request and this unit's part in the mesh.
+struct Target {
+  const SsidSlot* slot = nullptr;
+  bool is_controller = false;
+};
 
-int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info) {
-  if (ssid_name == nullptr) return 1;
+// False (logged) when there is no such slot.
+bool find_target(int repeater_flag, const char* ssid_name, Target& target) {
+  if (ssid_name == nullptr) return false;
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
     log_error("get_mesh_role_value failed");
-    return 1;
+    return false;
   }
-  const SsidSlot* slot = find_wireless_config(repeater_flag, ssid_name);
-  if (slot == nullptr) {
-    log_error("Find_wireless_config: ssidName %s not found", ssid_name);
-    return 1;
-  }
-  if (slot->ifname == nullptr) return 0;
-  return set_slot(*slot, info, role == kMeshRoleController);
+  target = {find_wireless_config(repeater_flag, ssid_name), role == kMeshRoleController};
+  if (target.slot == nullptr) log_error("Find_wireless_config: ssidName %s not found", ssid_name);
+  return target.slot != nullptr;
+}
+
+}  // namespace
+
+const BandSteeringTemplate& band_steering_template() { return process_template; }
+
+int check_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info,
+                        BandSteeringTemplate& model) {
+  Target target;
+  if (!find_target(repeater_flag, ssid_name, target)) return 1;
+  if (target.slot->ifname == nullptr) return 0;
+  return check_slot(*target.slot, follow_band_steering(ssid_name, info, model), target.is_controller);
+}
+
+int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info) {
+  Target target;
+  if (!find_target(repeater_flag, ssid_name, target)) return 1;
+  if (target.slot->ifname == nullptr) return 0;
+  const WirelessIfaceInfo followed = follow_band_steering(ssid_name, info, process_template);
+  if (check_slot(*target.slot, followed, target.is_controller) != 0) return 1;
+  return set_slot(*target.slot, followed, target.is_controller);
 }
 
 int set_wireless_encryption(const WirelessIfaceInfo& info, const char* ifname, int mesh_role, int& wps_state) {
   const std::string_view name = ifname;
+  if (!is_password_usable(info)) return 1;
   if (info.wifi_security != kSecurityOpen) {
-    if (check_wifi_password(info.password.c_str()) != 0) {
-      log_error("Password check failed");
-      return 1;
-    }
     if (name == kMainSsids[2]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key6G", info.password.c_str());
     if (name == kMainSsids[1]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key5G", info.password.c_str());
   }

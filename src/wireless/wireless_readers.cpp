@@ -7,16 +7,16 @@
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "wireless.h"
+#include "wireless/ssid_info.h"
 
 namespace {
 
 constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kLineSize = 256;
-constexpr std::size_t kSsidMax = 32;
-constexpr std::size_t kPassphraseMax = 64;
 
 // The file that hostapd runs the backhaul of an agent with.
 const char* backhaul_file(int brand, int mesh_mode) {
@@ -52,9 +52,9 @@ int get_agent_backhul_info(std::string& ssid, std::string& passphrase) {
   for (const std::string& line : platform::split_lines(*text, kLineSize)) {
     const std::string value(without_line_end(line));
     if (value.starts_with(kPassphrase)) {
-      found_passphrase = value.substr(kPassphrase.size(), kPassphraseMax);
+      found_passphrase = platform::cut_utf8(std::string_view(value).substr(kPassphrase.size()), kPasswordMax);
     } else if (value.starts_with(kSsid)) {
-      found_ssid = value.substr(kSsid.size(), kSsidMax);
+      found_ssid = platform::cut_utf8(std::string_view(value).substr(kSsid.size()), kSsidMax);
     }
   }
   if (!found_ssid || !found_passphrase) {

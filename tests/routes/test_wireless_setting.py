@@ -1,6 +1,7 @@
 """GET /api/v1/wireless/setting: what it shows, and what it does without."""
 
 import itertools
+import json
 
 import kit
 import pytest
@@ -439,6 +440,19 @@ def test_hostile_texts_in_uci_are_shown_up_to_their_bound(router, text):
     entry = slot(router.get(SETTING).json, "SSID1")
 
     def cut(bound):
-        return text.encode("utf-8", "surrogateescape")[:bound].decode("utf-8", "surrogateescape")
+        """Bytes that are no UTF-8 are shown as U+FFFD."""
+        return text.encode("utf-8", "surrogateescape")[:bound].decode("utf-8", "replace")
     assert (entry["ssidValue"], entry["ssidPassword"]) == (cut(32), cut(64))
     router.assert_nothing_ran()
+
+
+def test_texts_are_never_cut_inside_a_character_and_answers_are_utf_8(router):
+    router.set("wireless.ath0.ssid", "\u65e5" * 11)  # more than an SSID can be
+    router.set("wireless.ath0.key", "a" * 63 + "\u00e9")
+    router.set("wireless.ath01.ssid", "\udcff" * 32)
+    router.set("repacd.MAPConfig.BackhaulSSID", "ab" + "\U0001f6dc" * 8)
+    a = router.get(SETTING)
+    document = json.loads(a.data.decode("utf-8"))  # strictly
+    assert (slot(document, "SSID1")["ssidValue"], slot(document, "SSID1")["ssidPassword"]) == ("\u65e5" * 10, "a" * 63)
+    assert slot(document, "SSID2")["ssidValue"] == "\ufffd" * 32
+    assert slot(document, "Mesh SSID")["ssidValue"] == "ab" + "\U0001f6dc" * 7
