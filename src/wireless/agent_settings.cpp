@@ -36,19 +36,26 @@ int mode_in_force(int stored_mode, int compati_wifi6_mode) {
   return compati_wifi6_mode == 1 ? kMeshMode24And5 : stored_mode;
 }
 
+// False for a member that is missing, or a text that UCI cannot hold.
+bool read_member(const json::Object& json, const Key& key, AgentSettings& settings) {
+  if (key.number != nullptr) {
+    const std::optional<int> number = json.number(key.name);
+    if (number) settings.*key.number = *number;
+    return number.has_value();
+  }
+  const std::optional<std::string> text = json.text(key.name);
+  if (text) settings.location_custom = platform::cut_utf8(*text, kLocationCustomMax);
+  return text && platform::is_storable(settings.location_custom);
+}
+
 }  // namespace
 
 std::optional<AgentSettings> parse_agent_settings(const json::Object& json) {
   AgentSettings settings;
   for (const Key& key : kKeys) {
-    const auto number = key.number != nullptr ? json.number(key.name) : std::nullopt;
-    const auto text = key.number == nullptr ? json.text(key.name) : std::nullopt;
-    if ((!number && !text) || (text && !platform::is_storable(*text))) {
-      log_error("%s", key.missing);
-      return std::nullopt;
-    }
-    if (number) settings.*key.number = *number;
-    if (text) settings.location_custom = platform::cut_utf8(*text, kLocationCustomMax);
+    if (read_member(json, key, settings)) continue;
+    log_error("%s", key.missing);
+    return std::nullopt;
   }
   return settings;
 }

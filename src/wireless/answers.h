@@ -1,4 +1,4 @@
-// Answers of the wireless settings; the spacing differs from the common ones, and clients know it.
+// Answers of the wireless settings; their spacing, which differs from the common ones, is kept as it is.
 #pragma once
 
 #include <string_view>

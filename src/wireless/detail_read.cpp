@@ -85,7 +85,7 @@ bool read_own_values(WlanDetailInfo& info) {
   return false;
 }
 
-// A 6 GHz radio without the option sends at full power; without it the other two are not set up at all.
+// A missing power is 100 percent for 6 GHz and a failure for the others: kept as it is.
 bool read_powers(WlanDetailInfo& info) {
   int* const powers[] = {&info.power_2g, &info.power_5g, &info.power_6g};
   for (std::size_t band = 0; band < kMainSsids.size(); ++band) {

@@ -113,4 +113,7 @@ def test_a_refused_request_changes_nothing(live):
     assert router.post(SETTING, {"wirelessConfig": {}}).text == '{"result": 1}'
     assert router.post(SETTING, {**before, "wirelessConfig": [{"ssidName": "SSID1", "ssidPassword": "short"}]}).text == \
         '{"result": 2}'
-    assert slot(router.get(SETTING).json, "SSID1")["ssidPassword"] == slot(before, "SSID1")["ssidPassword"]
+    slots = [{"ssidName": "SSID2", "ssidValue": "New", "ssidPassword": "new password"}, {"ssidName": "SSID10"}]
+    assert router.post(SETTING, {**before, "set2GChannel": 11, "wirelessConfig": slots}).text == '{"result": 2}'
+    assert router.post(SETTING, {**before, "set2GChannel": 11, "mesh": []}).text == '{"result": 1}'
+    assert router.get(SETTING).json == before

@@ -244,3 +244,82 @@ def test_entries_that_are_not_shown_are_lost(router):
         router.set(f"macfilter.ath0.{name}", values)
     changed, _ = sent_back(router, FILTER)
     assert changed == {"macfilter.ath0.namelist": (["One", "Two", "Three"], ["One", "Two"])}
+
+
+# Security and names.
+
+
+def test_an_open_network_loses_what_was_left_over(router):
+    for ifname in ("ath01", "ath21"):
+        router.set(f"wireless.{ifname}.encryption", "none")
+    for option in ("key", "sae", "sae_confirm_immediate", "force_invalid_group", "ieee80211w"):
+        router.set(f"wireless.ath01.{option}", "12345678")
+    changed, answer = sent_back(router, SETTING)
+    assert answer.json["result"] == 0
+    assert {key: pair[1] for key, pair in changed.items() if ".ath01." in key} == {
+        f"wireless.ath01.{option}": None for option in ("key", "sae", "sae_confirm_immediate", "force_invalid_group",
+                                                        "ieee80211w")}
+    assert changed["wireless.ath21.encryption"] == ("none", "ccmp")  # 6 GHz has no open network but an enhanced one
+    assert router.option("wireless.ath21.owe") == "1"
+
+
+def test_an_enhanced_open_network_of_2_4_ghz_becomes_open(router):
+    router.set("wireless.ath01.encryption", "ccmp")
+    router.set("wireless.ath01.owe", 1)
+    changed, _ = sent_back(router, SETTING)
+    assert changed["wireless.ath01.encryption"] == ("ccmp", "none")
+
+
+def test_a_wpa2_network_loses_the_options_of_wpa3(router):
+    router.set("wireless.ath01.encryption", "psk2+ccmp")
+    router.set("wireless.ath01.sae", 0)
+    router.set("wireless.ath01.ieee80211w", 1)
+    changed, _ = sent_back(router, SETTING)
+    assert (changed["wireless.ath01.sae"], changed["wireless.ath01.ieee80211w"]) == (("0", None), ("1", None))
+
+
+def test_a_repeaters_second_5_ghz_network_follows_band_steering(router):
+    router.set("system.@system[0].op_mode", "re")
+    router.set("lbd.config.Enable", 1)
+    for option, value in (("ssid", "Main"), ("key", "main key")):
+        router.set(f"wireless.ath0.{option}", value)
+    changed, _ = sent_back(router, SETTING)
+    assert (changed["wireless.ath12.ssid"][1], changed["wireless.ath12.key"][1]) == ("Main", "main key")
+
+
+def test_what_is_no_utf_8_in_a_name_becomes_what_is_shown(router):
+    router.set("wireless.ath01.ssid", "caf\udce9")
+    changed, _ = sent_back(router, SETTING)
+    assert changed["wireless.ath01.ssid"] == ("caf\udce9", "caf\ufffd")
+
+
+def test_mlo_0_does_not_switch_mlo_off(router):
+    for ifname in MLO_LINKS:
+        router.set(f"wireless.{ifname}.disabled", 0)
+    document = router.get(SETTING).json
+    assert document["mlo"] == 4
+    assert router.post(SETTING, {**document, "mlo": 0}).json["result"] == 0
+    assert router.get(SETTING).json["mlo"] == 4
+
+
+@pytest.mark.parametrize("radio,spelling,usual", [
+    ("wifi0", "EHT20", "HT20"), ("wifi0", "EHT40-", "HT40"), ("wifi1", "HT40", "EHT40"), ("wifi1", "EHT40+", "EHT40"),
+    ("wifi2", "HT20", "EHT20")])
+def test_a_width_gets_its_bands_usual_spelling(router, radio, spelling, usual):
+    router.set(f"wireless.{radio}.htmode", spelling)
+    changed, _ = sent_back(router, DETAIL)
+    assert changed == {f"wireless.{radio}.htmode": (spelling, usual)}
+
+
+@pytest.mark.parametrize("radio,htmode", [("wifi0", "EHT80"), ("wifi1", "EHT320")])
+def test_a_width_that_the_band_cannot_have_is_refused_and_stays(router, radio, htmode):
+    router.set(f"wireless.{radio}.htmode", htmode)
+    changed, answer = sent_back(router, DETAIL)
+    assert (changed, answer.text) == ({}, '{"result": 1}')
+
+
+def test_mu_mimo_gets_each_bands_own_value(router):
+    for ifname in MAINS:
+        router.set(f"wireless.{ifname}.set_eht_ulmumimo", 1)
+    changed, _ = sent_back(router, DETAIL)
+    assert changed == {"wireless.ath1.set_eht_ulmumimo": ("1", "3"), "wireless.ath2.set_eht_ulmumimo": ("1", "7")}

@@ -123,6 +123,32 @@ TEST(SetBandSteeringInfo, ForgetsWhatAnEarlierSwitchKept) {
   EXPECT_EQ(stored("wireless", "ath2", "owe"), "-");
 }
 
+TEST(SetBandSteeringInfo, MakesThePlacesThatItNeeds) {
+  write_wireless();
+  router_state::config("lbd", "");
+  router_state::config("bandsteering", "");
+  EXPECT_EQ(set_band_steering_Info(1), 0);
+  expect_steered();
+  EXPECT_EQ(stored("bandsteering", "ath1", "ssid"), "Five");
+  EXPECT_EQ(set_band_steering_Info(0), 0);
+  EXPECT_EQ(stored("wireless", "ath1", "key"), "key five");
+  EXPECT_EQ(stored("wireless", "ath2", "ssid"), "Six");
+}
+
+TEST(SetBandSteeringInfo, OverwritesNothingThatItCannotKeep) {
+  for (const char* missing : {"lbd", "bandsteering"}) {
+    write_wireless();
+    write_steering("0");
+    write_kept();
+    router_state::no_config(missing);
+    EXPECT_EQ(set_band_steering_Info(1), 1) << missing;
+    EXPECT_EQ(stored("wireless", "ath1", "ssid"), "Five");
+    EXPECT_EQ(stored("wireless", "ath2", "encryption"), "ccmp");
+    EXPECT_EQ(stored("wireless", "ath0", "encryption"), "none");
+    EXPECT_NE(lbd(), "11");
+  }
+}
+
 TEST(SetBandSteeringInfo, AModelWithoutAnOptionLeavesTheirs) {
   write_wireless();
   write_steering("0");
