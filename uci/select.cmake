@@ -24,7 +24,7 @@ else()
   set(uci_is_bundled FALSE)
 endif()
 
-if(uci_is_bundled OR ROUTER_API_SIMULATOR OR BUILD_TESTING OR ROUTER_API_FUZZ)
+if(uci_is_bundled OR ROUTER_API_SIMULATOR OR BUILD_TESTING OR ROUTER_API_FUZZ OR ROUTER_API_BENCH)
   add_subdirectory(${CMAKE_CURRENT_LIST_DIR} ${CMAKE_BINARY_DIR}/uci)
 endif()
 

@@ -1,10 +1,16 @@
-// What loading, looking up, setting and committing cost on a wireless package, and how that grows with its sections.
+// What the library's steps and the command cost on a wireless package, and how that grows with its sections.
+#include <algorithm>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <spawn.h>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 #include <uci.h>
@@ -55,6 +61,8 @@ class PackageFolder {
     return context;
   }
 
+  [[nodiscard]] std::string path(const char* name) const { return (folder_ / name).string(); }
+
  private:
   fs::path folder_;
 };
@@ -104,6 +112,20 @@ void look_up_position(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 
+// In memory only.
+void set(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  const ContextPtr context = folder.open();
+  require(state, uci_load(context.get(), "wireless", nullptr));
+  int value = 0;
+  while (state.KeepRunning()) {
+    std::string tuple = "wireless.ath0.ssid=name-" + std::to_string(++value);
+    uci_ptr ptr = look_up(state, context.get(), tuple);
+    require(state, uci_set(context.get(), &ptr));
+  }
+  state.SetComplexityN(state.range(0));
+}
+
 // In memory and staged, as `uci set` does, on a package that is loaded.
 void set_and_save(benchmark::State& state) {
   const PackageFolder folder(static_cast<int>(state.range(0)));
@@ -133,15 +155,96 @@ void set_and_commit(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 
+// A text merged into the package that it was exported from, every value another one.
+void merge_import(benchmark::State& state) {
+  const int sections = static_cast<int>(state.range(0));
+  const PackageFolder folder(sections);
+  std::string text = wireless_text(sections);
+  for (std::size_t at = text.find("network-"); at != std::string::npos; at = text.find("network-", at)) text[at] = 'N';
+  while (state.KeepRunning()) {
+    const ContextPtr context = folder.open();
+    uci_package* package = nullptr;
+    require(state, uci_load(context.get(), "wireless", &package));
+    FILE* stream = fmemopen(text.data(), text.size(), "r");
+    require(state, uci_import(context.get(), stream, "wireless", &package, true));
+    std::fclose(stream);
+  }
+  state.SetComplexityN(state.range(0));
+}
+
+// Runs the command: the processor's time that it took, its start included, and its peak of memory.
+struct Usage {
+  double seconds = 0;
+  long peak_KiB = 0;
+};
+
+double seconds_of(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+Usage run_command(benchmark::State& state, const PackageFolder& folder, std::vector<std::string> words) {
+  const std::string conf = folder.path("conf");
+  const std::string save = folder.path("save");
+  std::vector<char*> argv;
+  words.insert(words.begin(), {UCI_COMMAND, "-c", conf, "-t", save});
+  for (std::string& word : words) argv.push_back(word.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  pid_t child = 0;
+  int status = posix_spawn(&child, UCI_COMMAND, &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  rusage usage{};
+  if (status == 0) wait4(child, &status, 0, &usage);
+  if (status != 0) state.SkipWithError("the command failed");
+  return {seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime), usage.ru_maxrss};
+}
+
+void command_get(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  while (state.KeepRunning()) state.SetIterationTime(run_command(state, folder, {"get", "wireless.ath0.ssid"}).seconds);
+}
+
+void command_show(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  while (state.KeepRunning()) state.SetIterationTime(run_command(state, folder, {"show", "wireless"}).seconds);
+}
+
+void command_set_and_commit(benchmark::State& state) {
+  const PackageFolder folder(static_cast<int>(state.range(0)));
+  int value = 0;
+  long peak = 0;
+  while (state.KeepRunning()) {
+    const Usage set = run_command(state, folder, {"set", "wireless.ath0.ssid=name-" + std::to_string(++value)});
+    const Usage commit = run_command(state, folder, {"commit", "wireless"});
+    state.SetIterationTime(set.seconds + commit.seconds);
+    peak = std::max(peak, commit.peak_KiB);
+  }
+  state.counters["peak_KiB"] = static_cast<double>(peak);
+}
+
 void sizes(benchmark::internal::Benchmark* bench) {
-  for (const int sections : {10, kRouterSections, 100, 1000, 10000}) bench->Arg(sections);
+  for (const int sections : {kRouterSections, 1000, 10000}) bench->Arg(sections);
   bench->Unit(benchmark::kMicrosecond);
 }
 
+// Nothing but the start.
+void command_start(benchmark::State& state) {
+  const PackageFolder folder(0);
+  while (state.KeepRunning()) state.SetIterationTime(run_command(state, folder, {"get", "wireless"}).seconds);
+}
+
+BENCHMARK(command_start)->Unit(benchmark::kMicrosecond)->UseManualTime();
+BENCHMARK(command_get)->Apply(sizes)->UseManualTime();
+BENCHMARK(command_show)->Apply(sizes)->UseManualTime();
+BENCHMARK(command_set_and_commit)->Apply(sizes)->UseManualTime();
 BENCHMARK(load)->Apply(sizes)->Complexity(benchmark::oN);
 BENCHMARK(look_up_name)->Apply(sizes)->Complexity(benchmark::oN);
 BENCHMARK(look_up_position)->Apply(sizes)->Complexity(benchmark::oN);
+BENCHMARK(set)->Apply(sizes)->Complexity(benchmark::o1);
 BENCHMARK(set_and_save)->Apply(sizes)->Complexity(benchmark::o1);  // the first section, one record
 BENCHMARK(set_and_commit)->Apply(sizes)->Complexity(benchmark::oN);
+BENCHMARK(merge_import)->Apply(sizes)->Complexity(benchmark::oN);
 
 }  // namespace

@@ -126,6 +126,14 @@ void set_section_type(uci_ptr& ptr) {
 
 }  // namespace
 
+uci_section* add_named_section(uci_package& package, const char* name, const char* type) {
+  require(is_type(type), UCI_ERR_INVAL);
+  Note note(package, UCI_CMD_CHANGE, name, nullptr, type);
+  uci_section* section = new_section(package, type, name);
+  note.keep();
+  return section;
+}
+
 uci_option* set_string(uci_section& section, const char* name, std::string_view value) {
   uci_option* option = find_option(section, name);
   if (option == nullptr) return new_string(section, name, value);

@@ -5,6 +5,8 @@
 
 namespace uci {
 
+// Appends a named section that does not exist yet, as a recorded change. Throws Failure{UCI_ERR_INVAL}.
+uci_section* add_named_section(uci_package& package, const char* name, const char* type);
 // The option, made or replaced in its place.
 uci_option* set_string(uci_section& section, const char* name, std::string_view value);
 // The named section, made or retyped.

@@ -142,6 +142,15 @@ void make_list(uci_option& option) {
   append(option.v.list, std::move(first));
 }
 
+// Names are short and mostly differ early: a call for each would cost more than the comparing.
+bool is_equal(const char* one, const char* other) {
+  while (*one == *other && *one != '\0') {
+    ++one;
+    ++other;
+  }
+  return *one == *other;
+}
+
 }  // namespace
 
 void list_init(uci_list& list) { list.next = list.prev = &list; }
@@ -164,7 +173,7 @@ void list_remove(uci_list& node) {
 uci_element* find(uci_list& list, const char* name) {
   uci_element* element = nullptr;
   uci_foreach_element(&list, element) {
-    if (*element->name == *name && std::strcmp(element->name, name) == 0) return element;
+    if (is_equal(element->name, name)) return element;
   }
   return nullptr;
 }

@@ -1,9 +1,12 @@
 // Packages from and to streams.
 #include <algorithm>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "context.h"
+#include "edit.h"
 #include "package_parser.h"
 #include "package_text.h"
 
@@ -54,7 +57,10 @@ class ImportSink final : public FillSink {
 // Merges a text into a loaded package, as recorded changes.
 class MergeSink final : public StatementSink {
  public:
-  explicit MergeSink(uci_package& package) : package_(package) {}
+  explicit MergeSink(uci_package& package) : package_(package) {
+    uci_element* section = nullptr;
+    uci_foreach_element(&package.sections, section) sections_.try_emplace(section->name, uci_to_section(section));
+  }
   void package(const std::string&) override {}
   bool has_package() const override { return true; }
   bool has_section() const override { return section_ != nullptr; }
@@ -64,11 +70,16 @@ class MergeSink final : public StatementSink {
       check(uci_add_section(package_.ctx, &package_, type.c_str(), &section_));
       return true;
     }
-    uci_section* existing = find_section(package_, name.c_str());
-    if (existing != nullptr && type != existing->type && strict) return false;
+    const auto existing = sections_.find(name);
+    if (existing == sections_.end()) {
+      section_ = add_named_section(package_, name.c_str(), type.c_str());
+      sections_.emplace(section_->e.name, section_);
+      return true;
+    }
+    if (type != existing->second->type && strict) return false;
     uci_ptr ptr{};
     ptr.p = &package_;
-    ptr.section = name.c_str();
+    ptr.s = existing->second;
     ptr.value = type.c_str();
     check(uci_set(package_.ctx, &ptr));
     section_ = ptr.s;
@@ -93,6 +104,7 @@ class MergeSink final : public StatementSink {
   }
   uci_package& package_;
   uci_section* section_ = nullptr;
+  std::unordered_map<std::string_view, uci_section*> sections_;  // the first of each name
 };
 
 void import(uci_context& context, std::FILE* stream, const char* name, uci_package** package, bool single) {

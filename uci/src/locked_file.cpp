@@ -140,29 +140,41 @@ FileId id_of(const std::string& path) {
   return stat(path.c_str(), &status) == 0 ? FileId{status.st_dev, status.st_ino} : FileId{};
 }
 
-LockedFile::LockedFile(const std::string& path, Lock lock, bool create, mode_t mode) {
-  const int access = create || lock == Lock::kExclusive ? O_RDWR : O_RDONLY;
-  while (!try_open(path, lock, access | (create ? O_CREAT : 0) | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, mode)) continue;
+constexpr int kOpenFlags = O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
+LockedFile::LockedFile(const std::string& path, Lock lock, FileId other) {
+  const int access = lock == Lock::kExclusive ? O_RDWR : O_RDONLY;
+  while (!try_open(path, lock, access | kOpenFlags, 0, other)) continue;
+}
+
+LockedFile LockedFile::make(const std::string& path, mode_t mode, FileId other) {
+  LockedFile file;
+  while (!file.try_open(path, Lock::kExclusive, O_RDWR | O_CREAT | kOpenFlags, mode, other)) continue;
+  return file;
 }
 
 // True when done, open or not; false when another file stands at the path by now.
-bool LockedFile::try_open(const std::string& path, Lock lock, int flags, mode_t mode) {
+bool LockedFile::try_open(const std::string& path, Lock lock, int flags, mode_t mode, FileId other) {
   descriptor_ = ::open(path.c_str(), flags, mode);
   error_ = descriptor_ < 0 ? errno : 0;
   if (descriptor_ < 0) return true;
-  while (flock(descriptor_, lock == Lock::kShared ? LOCK_SH : LOCK_EX) != 0) {
-    if (errno == EINTR) continue;
-    if (lock == Lock::kShared) break;  // a file is replaced as a whole, so it can be read without
+  if (fstat(descriptor_, &status_) != 0 || (other.exists() && id() == other) || !lock_it(lock)) {
     close();
     fail_io();
   }
-  if (fstat(descriptor_, &status_) != 0) {
-    close();
-    fail_io();
-  }
-  const bool is_current = id_of(path) == id();
+  // What stands at the path now, and how large it is since the lock is held.
+  const FileId held = id();
+  const bool is_current = stat(path.c_str(), &status_) == 0 && id() == held;
   if (!is_current) close();
   return is_current;
+}
+
+bool LockedFile::lock_it(Lock lock) const {
+  while (flock(descriptor_, lock == Lock::kShared ? LOCK_SH : LOCK_EX) != 0) {
+    if (errno == EINTR) continue;
+    return lock == Lock::kShared;  // a file is replaced as a whole, so it can be read without
+  }
+  return true;
 }
 
 LockedFile::LockedFile(LockedFile&& other) noexcept
@@ -200,8 +212,8 @@ std::string LockedFile::read() const {
 }
 
 void LockedFile::append_lines(std::string_view text) {
-  const off_t end = lseek(descriptor_, 0, SEEK_END);
-  if (end < 0) fail_io();
+  const off_t end = status_.st_size;
+  if (lseek(descriptor_, end, SEEK_SET) < 0) fail_io();
   char last = '\n';
   if (end > 0 && pread(descriptor_, &last, 1, end - 1) != 1) fail_io();
   if ((last == '\n' || write_all(descriptor_, "\n")) && write_all(descriptor_, text)) return;

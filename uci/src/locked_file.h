@@ -25,9 +25,11 @@ enum class Lock { kShared, kExclusive };
 class LockedFile {
  public:
   LockedFile() = default;
-  // `create` makes a missing file with `mode`. Not open afterwards when that failed. Throws Failure{UCI_ERR_IO} when
-  // the file system has no exclusive lock to give.
-  LockedFile(const std::string& path, Lock lock, bool create = false, mode_t mode = 0600);
+  // Not open afterwards when that failed. Throws Failure{UCI_ERR_IO} when the file system has no exclusive lock to
+  // give, and when the file is `other`, on which the caller holds a lock, or will.
+  LockedFile(const std::string& path, Lock lock, FileId other = {});
+  // The same, exclusively; a missing file is made with `mode`.
+  static LockedFile make(const std::string& path, mode_t mode, FileId other = {});
   LockedFile(LockedFile&& other) noexcept;
   LockedFile& operator=(LockedFile&& other) noexcept;
   LockedFile(const LockedFile&) = delete;
@@ -54,7 +56,8 @@ class LockedFile {
   void truncate();
 
  private:
-  bool try_open(const std::string& path, Lock lock, int flags, mode_t mode);
+  bool try_open(const std::string& path, Lock lock, int flags, mode_t mode, FileId other);
+  [[nodiscard]] bool lock_it(Lock lock) const;
   void close();
   int descriptor_ = -1;
   int error_ = 0;  // why it is not open

@@ -76,31 +76,35 @@ int apply_delta_file(const LockedFile& file, uci_package& package) {
   return apply_records(file.read(), package);
 }
 
+struct DeltaFile {
+  std::string path;
+  FileId id;
+};
+
 // The delta files that there are, in the order in which they apply. A file that is met under several names applies
 // once, in its last place, and the package file, whose lock is held and would be waited for, is none.
-std::vector<std::string> find_delta_files(const uci_context& context, const uci_package& package) {
-  std::vector<std::string> paths;
-  std::vector<FileId> met{id_of(package.path)};
+std::vector<DeltaFile> find_delta_files(const uci_context& context, const uci_package& package, FileId package_file) {
+  std::vector<DeltaFile> files;
   for (const uci_list* node = context.delta_path.prev; node != &context.delta_path; node = node->prev) {
     std::string path = delta_path(list_to_element(node)->name, package);
     const FileId id = id_of(path);
-    if (!id.exists() || std::ranges::find(met, id) != met.end()) continue;
-    met.push_back(id);
-    paths.push_back(std::move(path));
+    const bool is_met = std::ranges::find(files, id, &DeltaFile::id) != files.end();
+    if (id.exists() && id != package_file && !is_met) files.push_back({std::move(path), id});
   }
-  std::ranges::reverse(paths);
-  return paths;
+  std::ranges::reverse(files);
+  return files;
 }
 
 // Applies the delta files of all folders in their order. The one of the savedir is given when it is locked already.
-int apply_delta_files(uci_context& context, uci_package& package, const LockedFile* savedir_file) {
+int apply_delta_files(uci_context& context, uci_package& package, const LockedFile& package_file,
+                      const LockedFile* savedir_file) {
   const FileId locked = savedir_file != nullptr ? savedir_file->id() : FileId{};
   int count = 0;
-  for (const std::string& path : find_delta_files(context, package)) {
-    if (locked.exists() && id_of(path) == locked) {
+  for (const DeltaFile& file : find_delta_files(context, package, package_file.id())) {
+    if (file.id == locked) {
       count += apply_delta_file(*savedir_file, package);
     } else {
-      count += apply_delta_file(LockedFile(path, Lock::kShared), package);
+      count += apply_delta_file(LockedFile(file.path, Lock::kShared), package);
     }
   }
   return count;
@@ -111,7 +115,7 @@ PackagePtr read_package(uci_context& context, const Location& location) {
   const LockedFile file(location.path, Lock::kShared);
   require_readable(file);
   PackagePtr package = parse_file(context, location, file);
-  if (package->has_delta) apply_delta_files(context, *package, nullptr);
+  if (package->has_delta) apply_delta_files(context, *package, file, nullptr);
   return package;
 }
 
@@ -125,20 +129,18 @@ void make_savedir(const uci_context& context) {
 
 // The delta file of the savedir, made when there is something to put into it. Not open when there is none.
 LockedFile open_delta_file(const uci_context& context, const uci_package& package) {
+  const std::string path = delta_path(context.savedir, package);
   // A savedir that is the package folder: no changes into the package file, no waiting for the own lock.
-  const FileId package_id = id_of(package.path);
-  if (package_id.exists() && id_of(delta_path(context.savedir, package)) == package_id) throw Failure{UCI_ERR_IO};
-  if (uci_list_empty(&package.delta)) {
-    LockedFile file(delta_path(context.savedir, package), Lock::kExclusive);
-    // What is staged there and cannot be read must not be passed over.
-    if (!file.is_missing() && !file.is_regular()) throw Failure{UCI_ERR_IO};
-    return file;
-  }
+  const FileId package_file = id_of(package.path);
+  LockedFile standing(path, Lock::kExclusive, package_file);
+  // What is staged there and cannot be read must not be passed over.
+  if (!standing.is_missing() && !standing.is_regular()) throw Failure{UCI_ERR_IO};
+  if (standing.is_open() || uci_list_empty(&package.delta)) return standing;
   make_savedir(context);
   struct stat status {};
   const std::string config = std::string(context.confdir) + "/" + package.e.name;
   const mode_t mode = stat(config.c_str(), &status) == 0 ? status.st_mode & kPermissions : mode_t{UCI_FILEMODE};
-  LockedFile file(delta_path(context.savedir, package), Lock::kExclusive, true, mode);
+  LockedFile file = LockedFile::make(path, mode, package_file);
   if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   return file;
 }
@@ -156,7 +158,7 @@ void link_package(uci_context& context, PackagePtr& package) { list_add_tail(con
 
 // The file that a commit of this package goes to, locked. A vanished one is made, empty.
 LockedFile open_for_commit(const std::string& path) {
-  LockedFile file(path, Lock::kExclusive, true, UCI_FILEMODE);
+  LockedFile file = LockedFile::make(path, UCI_FILEMODE);
   if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   return file;
 }
@@ -191,14 +193,15 @@ void commit_with_delta(uci_context& context, uci_package*& handle) {
   append_pending(delta_file, *handle);
   const Location location{handle->path, handle->e.name, handle->has_delta, handle->uses_conf2};
   PackagePtr fresh = parse_file(context, location, file);
-  if (apply_delta_files(context, *fresh, &delta_file) > 0) {
-    write_package(*fresh, file);
-    if (delta_file.is_open()) delta_file.truncate();
-    free_deltas(fresh->saved_delta);
-  }
+  const bool has_changes = apply_delta_files(context, *fresh, file, &delta_file) > 0;
+  // From here on the caller's package is the new one, whatever the disk says: two of them and the text would be much.
   free_package(handle);
   handle = fresh.get();
   link_package(context, fresh);
+  if (!has_changes) return;
+  write_package(*handle, file);
+  if (delta_file.is_open()) delta_file.truncate();
+  free_deltas(handle->saved_delta);
 }
 
 // The caller's own elements, with what is staged applied on top.
@@ -206,7 +209,7 @@ void commit_overwriting(uci_context& context, uci_package& package) {
   require_writable(package);
   const LockedFile file = open_for_commit(package.path);
   LockedFile delta_file = open_delta_file(context, package);
-  if (apply_delta_files(context, package, &delta_file) == 0) return;
+  if (apply_delta_files(context, package, file, &delta_file) == 0) return;
   write_package(package, file);
   if (delta_file.is_open()) delta_file.truncate();
   free_deltas(package.delta);

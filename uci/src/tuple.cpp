@@ -55,7 +55,9 @@ uci_section* find_at(uci_package& package, const Position& position) {
   const auto step = [from_end](const uci_list& node) { return from_end ? node.prev : node.next; };
   for (uci_list* node = step(package.sections); node != &package.sections; node = step(*node)) {
     uci_section* section = uci_to_section(list_to_element(node));
-    const bool matches = position.type.empty() || position.type == section->type;
+    const std::size_t size = position.type.size();
+    const bool matches =
+        size == 0 || (std::strncmp(section->type, position.type.data(), size) == 0 && section->type[size] == '\0');
     if (matches && left-- == 0) return section;
   }
   return nullptr;
