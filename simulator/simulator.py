@@ -304,6 +304,7 @@ def main() -> int:
         print(f"Its files:         {simulator.root.fs}\n"
               f"Its log:           {simulator.root.path('/tmp/log/messages.log')}\n"
               f"Its tools' calls:  {simulator.root.path('/router/calls.jsonl')}\n\n"
+              f"Look at it: {simulator.base}/\n"
               f"Ask it: script/request{'' if simulator.port == PORT else f' --port {simulator.port}'} GET /api/v1/lan\n"
               "Ctrl-C ends it.", flush=True)
         while True:

@@ -99,7 +99,8 @@ function summary(exchange) {
     el('code', {}, exchange.uri.replace('/api/v1', '')),
     el('span', { class: `state ${exchange.good ? 'good' : 'bad'}` }, exchange.outcome),
     el('span', { class: 'faint' }, `${seconds(exchange.seconds ?? 0)}, ${counted(exchange.calls.length)}`,
-      Object.keys(exchange.packages).length > 0 ? `, changed ${Object.keys(exchange.packages).join(', ')}` : ''),
+      Object.keys(exchange.packages).length > 0 ? `, changed ${Object.keys(exchange.packages).join(', ')}` : '',
+      exchange.byItself ? ', for the picture' : ''),
   ];
 }
 

@@ -81,11 +81,12 @@ function drawBand(band, points, channel, width) {
     class: `signal${security === OPEN ? ' open' : ''}`,
     d: `M${x(at - 2.2)} ${y(0)}C${x(at - 1.7)} ${y(rssi)} ${x(at - 1.9)} ${y(rssi)} ${x(at - 1.2)} ${y(rssi)}H${x(at + 1.2)}C${x(at + 1.9)} ${y(rssi)} ${x(at + 1.7)} ${y(rssi)} ${x(at + 2.2)} ${y(0)}`,
   }));
-  const labels = labelPlaces(points, scale, width).map((place) => [
-    y(place.point.rssi) - place.y > 16 ? svg('line', { class: 'leader', x1: place.x, x2: x(place.point.channel), y1: place.y + 3, y2: y(place.point.rssi) }) : [],
-    svg('text', { class: 'essid', x: place.x, y: place.y, 'text-anchor': 'middle' }, place.point.label)]);
+  const places = labelPlaces(points, scale, width);
+  const leaders = places.filter((place) => y(place.point.rssi) - place.y > 16)
+    .map((place) => svg('line', { class: 'leader', x1: place.x, x2: x(place.point.channel), y1: place.y + 3, y2: y(place.point.rssi) }));
+  const labels = places.map((place) => svg('text', { class: 'essid', x: place.x, y: place.y, 'text-anchor': 'middle' }, place.point.label));
   return svg('svg', { class: `air ${BANDS[band].css}`, viewBox: `0 0 ${width} ${BOX.height}`, 'aria-hidden': 'true' },
-    own(band, channel, scale), axes(band, width, scale), shapes, labels);
+    own(band, channel, scale), axes(band, width, scale), shapes, leaders, labels);
 }
 
 // A name as it is shown: an empty one has none, a long one is cut.

@@ -8,8 +8,8 @@ const MOST_REMEMBERED = 60;
 
 // How long slow routes usually take, in seconds, until one has been measured: a mesh's daemon takes its time.
 const USUAL = {
-  '/api/v1/router/client-list': { default: 5.3, agent: 3.3, ap: 12.3 },
-  '/api/v1/mesh/agent-info': { default: 3.2, agent: 1.2, ap: 10.2 },
+  '/api/v1/router/client-list': { default: 2.8, controller: 5.3, agent: 3.3 },
+  '/api/v1/mesh/agent-info': { default: 3.2, agent: 1.2 },
   '/api/v1/wireless/sitesurvey': { default: 1 },
   '/api/v1/repeater/connect': { default: 2 },
 };

@@ -144,7 +144,7 @@ function connection(above, mode, internet) {
     const address = above.ip ? `, and has the address ${above.ip} there` : '';
     return `It is connected to the Internet by ${above.method}${address}.${reached}`;
   }
-  const links = `${mediaInWords(above.media)}${above.media[0] === 'cable' ? '' : ' Wi-Fi'}`;
+  const links = above.media[0] === 'cable' ? 'by cable' : above.media.length > 0 ? `over ${mediaInWords(above.media)}` : 'in a way that it does not tell';
   if (above.down) return `It has lost its ${mode === 'ap' ? 'cable to the upstream router' : `uplink “${above.name}”`}.`;
-  return `It extends ${mode === 'agent' ? 'a mesh' : mode === 're' ? `the Wi-Fi “${above.name}”` : 'another router’s network'}, over ${links}.${reached}`;
+  return `It extends ${mode === 'agent' ? 'a mesh' : mode === 're' ? `the Wi-Fi “${above.name}”` : 'another router’s network'}, ${links}.${reached}`;
 }

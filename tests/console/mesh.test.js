@@ -66,8 +66,8 @@ test('headline and sentence say what the router is doing', () => {
   const uplink = { ssid: 'Upstream-5G', bssid: '00:11', frequency: 2, multiLinkOperationEnable: 0 };
   assert.match(say({ mode: 're', uplink, clients: { clientList: [] } }), /^A repeater with no clients \| It extends the Wi-Fi “Upstream-5G”, over 5 GHz/);
   assert.match(say({ mode: 're', uplink: { ...uplink, bssid: '' } }), /lost its uplink “Upstream-5G”/);
-  assert.match(say({ mode: 'agent', uplink: { ...uplink, multiLinkOperationEnable: 2 } }), /^A mesh agent \| It extends a mesh, over 5\+6 GHz Wi-Fi/);
-  assert.match(say({ mode: 'ap', wan: { wanLinkStatus: 1 } }), /^An access point \| It extends another router’s network, over cable/);
+  assert.match(say({ mode: 'agent', uplink: { ...uplink, multiLinkOperationEnable: 2 } }), /^A mesh agent \| It extends a mesh, over 5\+6 GHz\./);
+  assert.match(say({ mode: 'ap', wan: { wanLinkStatus: 1 } }), /^An access point \| It extends another router’s network, by cable\./);
 });
 
 test('folded clients are counted by what they use', () => {
