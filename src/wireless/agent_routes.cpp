@@ -21,36 +21,55 @@ constexpr std::size_t kNumberSize = 16;
 constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_agent.sh &";
 constexpr std::array<const char*, 2> k6GhzNetworks{"ath2", "ath25"};
 
-// Failures end in a log line, for `&&` chains.
-bool set(const char* package, const char* section, const char* option, const std::string& value, const char* failure) {
-  if (UciSetOption(kConfdir, package, section, option, value.c_str()) == 0) return true;
-  log_error("%s", failure);
-  return false;
+bool set(const char* package, const char* section, const char* option, const std::string& value) {
+  return UciSetOption(kConfdir, package, section, option, value.c_str()) == 0;
 }
 
-bool read(const char* package, const char* section, const char* option, int& out, const char* failure) {
-  const auto text = uci_read(package, section, option, kNumberSize);
-  if (!text) {
-    log_error("%s", failure);
+// A plain option, in the order of writing.
+struct Row {
+  const char* package;
+  const char* section;
+  const char* option;
+  std::string (*value)(const AgentSettings&);
+  const char* failure;
+  int AgentState::*before = nullptr;  // what stands in its place is read first, where that counts
+  const char* unreadable = nullptr;
+};
+using Settings = AgentSettings;
+// clang-format off
+constexpr std::array<Row, 6> kRows{{
+    {"button_mesh", "easymesh", "ieee80211r",
+     [](const Settings& s) { return std::to_string(s.ieee802dot11r); }, "set ieee80211r error"},
+    {"wireless", "wifi1", "dfs_puncture_en",
+     [](const Settings& s) { return std::to_string(s.multi_ru_enable); }, "set MRU error",
+     &AgentState::multi_ru, "get multiRuEnable value error"},
+    {"devicecustom", "info", "locationCustom",
+     [](const Settings& s) { return std::to_string(s.location); }, "set location error"},
+    {"devicecustom", "info", "locationCustom",
+     [](const Settings& s) { return s.location_custom; }, "set locationCustom error"},
+    {"repeater", "compatiMode", "value",
+     [](const Settings& s) { return std::to_string(s.compati_mode); }, "set compatiMode value error"},
+    {"button_mesh", "easymesh", "compatiWiFi6Mode",
+     [](const Settings& s) { return std::to_string(s.compati_wifi6_mode); }, "set compatiWiFi6Mode value error",
+     &AgentState::compati_wifi6_mode, "get compatiWiFi6Mode value error"},
+}};
+// clang-format on
+
+bool write_settings(const AgentSettings& settings, AgentState& before) {
+  for (const Row& row : kRows) {
+    if (row.before != nullptr) {
+      const auto text = uci_read(row.package, row.section, row.option, kNumberSize);
+      if (!text) {
+        log_error("%s", row.unreadable);
+        return false;
+      }
+      before.*row.before = std::atoi(text->c_str());
+    }
+    if (set(row.package, row.section, row.option, row.value(settings))) continue;
+    log_error("%s", row.failure);
     return false;
   }
-  out = std::atoi(text->c_str());
   return true;
-}
-
-// The plain options; what stood in their place goes to `before`.
-bool write_settings(const AgentSettings& settings, AgentState& before) {
-  return set("button_mesh", "easymesh", "ieee80211r", std::to_string(settings.ieee802dot11r), "set ieee80211r error") &&
-         read("wireless", "wifi1", "dfs_puncture_en", before.multi_ru, "get multiRuEnable value error") &&
-         set("wireless", "wifi1", "dfs_puncture_en", std::to_string(settings.multi_ru_enable), "set MRU error") &&
-         set("devicecustom", "info", "locationCustom", std::to_string(settings.location), "set location error") &&
-         set("devicecustom", "info", "locationCustom", settings.location_custom, "set locationCustom error") &&
-         set("repeater", "compatiMode", "value", std::to_string(settings.compati_mode),
-             "set compatiMode value error") &&
-         read("button_mesh", "easymesh", "compatiWiFi6Mode", before.compati_wifi6_mode,
-              "get compatiWiFi6Mode value error") &&
-         set("button_mesh", "easymesh", "compatiWiFi6Mode", std::to_string(settings.compati_wifi6_mode),
-             "set compatiWiFi6Mode value error");
 }
 
 bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
@@ -59,17 +78,23 @@ bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
     return false;
   }
   const int mode = settings.multi_link_operation_enable;
-  if (!is_mesh_mode(mode)) return true;
-  return set("button_mesh", "easymesh", "mode", std::to_string(mode), "set mesh mode value error");
+  if (!is_mesh_mode(mode) || set("button_mesh", "easymesh", "mode", std::to_string(mode))) return true;
+  log_error("set mesh mode value error");
+  return false;
 }
 
 // With Wi-Fi 6 compatibility the unit falls back to 2.4 + 5 GHz.
 bool switch_6ghz(const AgentSettings& settings) {
   const bool is_off = settings.compati_wifi6_mode == 1;
-  if (is_off && !set("button_mesh", "easymesh", "mode", "1", "set mesh mode value error")) return false;
+  if (is_off && !set("button_mesh", "easymesh", "mode", "1")) {
+    log_error("set mesh mode value error");
+    return false;
+  }
   for (const char* package : kWirelessPackages) {
     for (const char* section : k6GhzNetworks) {
-      if (!set(package, section, "disabled", is_off ? "1" : "0", "set 6GHz disabled error")) return false;
+      if (set(package, section, "disabled", is_off ? "1" : "0")) continue;
+      log_error("set 6GHz disabled error");
+      return false;
     }
   }
   return true;
@@ -88,7 +113,8 @@ int join_mesh(FCGX_Request* request) {
 }
 
 int change_mesh(FCGX_Request* request) {
-  if (!set("button_mesh", "easymesh", "mode_change", "1", "set mode_change error")) {
+  if (!set("button_mesh", "easymesh", "mode_change", "1")) {
+    log_error("set mode_change error");
     return answer(request, kResultFailed);
   }
   return close_mesh(request, kAgentOkWait150);

@@ -1,4 +1,5 @@
 // Reading of the detail settings.
+#include <array>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -23,22 +24,30 @@ std::optional<int> read_number(const char* section, const char* option) {
   return std::atoi(text->c_str());
 }
 
-// The option is this number: 1 or 0; nullopt when it cannot be read.
-std::optional<int> read_switch(const char* section, const char* option, int on = 1) {
-  const auto number = read_number(section, option);
-  if (!number) return std::nullopt;
-  return *number == on ? 1 : 0;
-}
+// What one option tells of a setting; without it there is no answer.
+struct Source {
+  const char* section;
+  const char* option;
+  int on;  // the number that means 1, any other 0; kAsItIs for a plain number
+  int WlanDetailInfo::*field;
+  const char* name;  // in the message of a failure
+};
+constexpr int kAsItIs = -1;
+using Info = WlanDetailInfo;
+// clang-format off
+constexpr std::array<Source, 7> kSources{{
+    {"ath0", "bintval",          kAsItIs, &Info::beacon_interval,             "bintval"},
+    {"ath0", "dtim_period",      kAsItIs, &Info::dtim_period,                 "dtim_period"},
+    {"ath0", "mcastenhance",     5,       &Info::multicast_conversion_enable, "mcastenhance"},
+    {"ath1", "set_eht_mu_bfmr",  1,       &Info::beamforming_5g_enable,       "5G set_eht_mu_bfmr"},
+    {"ath2", "set_eht_mu_bfmr",  1,       &Info::beamforming_6g_enable,       "6G set_eht_mu_bfmr"},
+    {"ath0", "set_eht_ulmumimo", 1,       &Info::mu_mimo_enable,              "set_eht_ulmumimo"},
+    {"ath0", "set_eht_ulofdma",  1,       &Info::ofdma_enable,                "set_eht_ulofdma"},
+}};
+// clang-format on
 
-// Takes a reading over, or tells that there is none.
-bool take(const std::optional<int>& reading, int& out, const char* what) {
-  if (reading) {
-    out = *reading;
-    return true;
-  }
-  log_error("Failed to get %s", what);
-  return false;
-}
+// 1 or 0; 0 where the option cannot be read.
+int read_switch(const char* section, const char* option) { return read_number(section, option) == 1 ? 1 : 0; }
 
 int read_ieee80211r() {
   const auto value = uci_read("button_mesh", "easymesh", "ieee80211r", kNumberSize);
@@ -64,21 +73,17 @@ void set_agent_values(WlanDetailInfo& info) {
 }
 
 bool read_own_values(WlanDetailInfo& info) {
-  if (!take(read_number("ath0", "bintval"), info.beacon_interval, "bintval value")) return false;
-  if (!take(read_number("ath0", "dtim_period"), info.dtim_period, "dtim_period value")) return false;
-  if (!take(read_switch("ath0", "mcastenhance", 5), info.multicast_conversion_enable, "mcastenhance value")) {
-    return false;
+  for (const Source& source : kSources) {
+    const auto number = read_number(source.section, source.option);
+    if (!number) {
+      log_error("Failed to get %s value", source.name);
+      return false;
+    }
+    const int as_switch = *number == source.on ? 1 : 0;
+    info.*source.field = source.on == kAsItIs ? *number : as_switch;
   }
-  info.guest_ssid_isolation_enable = read_switch("ath01", "guest_separation").value_or(0);
-  if (!take(read_switch("ath1", "set_eht_mu_bfmr"), info.beamforming_5g_enable, "5G set_eht_mu_bfmr value")) {
-    return false;
-  }
-  if (!take(read_switch("ath2", "set_eht_mu_bfmr"), info.beamforming_6g_enable, "6G set_eht_mu_bfmr value")) {
-    return false;
-  }
+  info.guest_ssid_isolation_enable = read_switch("ath01", "guest_separation");
   info.ieee802dot11r = read_ieee80211r();
-  if (!take(read_switch("ath0", "set_eht_ulmumimo"), info.mu_mimo_enable, "set_eht_ulmumimo value")) return false;
-  if (!take(read_switch("ath0", "set_eht_ulofdma"), info.ofdma_enable, "set_eht_ulofdma value")) return false;
   info.wps_enable = read_wps();
   if (get_bandSteering_Value(info.band_steering_enable) == 0) return true;
   log_error("Failed to get band steering status");
@@ -133,7 +138,7 @@ int get_wlan_detail_info(WlanDetailInfo& info) {
     return 1;
   }
   if (!read_powers(info)) return 1;
-  info.multi_ru_enable = read_switch("wifi1", "dfs_puncture_en").value_or(0);
+  info.multi_ru_enable = read_switch("wifi1", "dfs_puncture_en");
   return read_widths(info) ? 0 : 1;
 }
 

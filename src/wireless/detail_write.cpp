@@ -1,5 +1,6 @@
 // Writing of the detail settings.
 #include <algorithm>
+#include <array>
 #include <span>
 #include <string>
 #include <vector>
@@ -126,27 +127,39 @@ bool set_radios(const WlanDetailInfo& info, bool is_mirrored, bool is_repeater) 
   return set_radio_options(options, is_mirrored);
 }
 
-// A step that failed, told in the log.
-bool fails(bool is_done, const char* what) {
-  if (!is_done) log_error("Failed to set %s", what);
-  return !is_done;
-}
-
-bool write_settings(const WlanDetailInfo& info, int role, bool is_repeater) {
-  if (fails(check_wps_enable(info.wps_enable) == 0, "wpsEnable")) return false;
-  if (fails(set_wlan_beacon_interval(info.beacon_interval, role, is_repeater), "beacon interval")) return false;
-  if (fails(set_wlan_dtim_period(info.dtim_period, role), "DTIM period")) return false;
-  if (fails(set_switches(wlan_detail::kMulticast, info.multicast_conversion_enable), "multicast conversion")) {
-    return false;
-  }
-  if (fails(set_switches(wlan_detail::kBeamforming5g, info.beamforming_5g_enable), "beamforming5GEnable")) return false;
-  if (fails(set_switches(wlan_detail::kBeamforming6g, info.beamforming_6g_enable), "beamforming6GEnable")) return false;
-  if (fails(set_wlan_mu_mimo(info.mu_mimo_enable), "set_eht_ulmumimo")) return false;
-  if (fails(set_switches(wlan_detail::kOfdma, info.ofdma_enable), "set_eht_ulofdma")) return false;
-  if (fails(set_wps_enable(info.wps_enable, role) == 0, "wpsEnable")) return false;
-  follow_band_steering(info.band_steering_enable);
-  return set_radios(info, role == kMeshRoleController, is_repeater);
-}
+// The steps of writing, in their order. `name` is how the failure message calls what was to be set.
+struct Unit {
+  int role;
+  bool is_repeater;
+};
+struct Step {
+  bool (*apply)(const WlanDetailInfo&, const Unit&);
+  const char* name;
+};
+using Info = WlanDetailInfo;
+// clang-format off
+constexpr std::array<Step, 9> kSteps{{
+    {[](const Info& info, const Unit&) { return check_wps_enable(info.wps_enable) == 0; }, "wpsEnable"},
+    {[](const Info& info, const Unit& unit) {
+       return set_wlan_beacon_interval(info.beacon_interval, unit.role, unit.is_repeater);
+     }, "beacon interval"},
+    {[](const Info& info, const Unit& unit) { return set_wlan_dtim_period(info.dtim_period, unit.role); }, "DTIM period"},
+    {[](const Info& info, const Unit&) {
+       return set_switches(wlan_detail::kMulticast, info.multicast_conversion_enable);
+     }, "multicast conversion"},
+    {[](const Info& info, const Unit&) {
+       return set_switches(wlan_detail::kBeamforming5g, info.beamforming_5g_enable);
+     }, "beamforming5GEnable"},
+    {[](const Info& info, const Unit&) {
+       return set_switches(wlan_detail::kBeamforming6g, info.beamforming_6g_enable);
+     }, "beamforming6GEnable"},
+    {[](const Info& info, const Unit&) { return set_wlan_mu_mimo(info.mu_mimo_enable); }, "set_eht_ulmumimo"},
+    {[](const Info& info, const Unit&) {
+       return set_switches(wlan_detail::kOfdma, info.ofdma_enable);
+     }, "set_eht_ulofdma"},
+    {[](const Info& info, const Unit& unit) { return set_wps_enable(info.wps_enable, unit.role) == 0; }, "wpsEnable"},
+}};
+// clang-format on
 
 }  // namespace
 
@@ -161,7 +174,14 @@ int set_wlan_detail_info(const WlanDetailInfo& info) {
     log_error("Failed to get opmode");
     return 1;
   }
-  if (!write_settings(info, role, op_mode->starts_with("re"))) return 1;
+  const Unit unit{role, op_mode->starts_with("re")};
+  for (const Step& step : kSteps) {
+    if (step.apply(info, unit)) continue;
+    log_error("Failed to set %s", step.name);
+    return 1;
+  }
+  follow_band_steering(info.band_steering_enable);
+  if (!set_radios(info, role == kMeshRoleController, unit.is_repeater)) return 1;
   os_system("uci commit wireless");
   os_system("uci commit wireless_for_easymesh");
   os_system("/usr/sbin/iptables_guest_isolate.sh &");

@@ -43,21 +43,22 @@ bool read_slots(const json::List& elements, std::vector<SlotRequest>& slots) {
   return true;
 }
 
-bool read_number(const json::Object& json, const char* key, int& out, const char* what) {
-  const std::optional<int> number = json.number(key);
-  if (number) {
-    out = *number;
-    return true;
-  }
-  log_error("Failed to parse %s", what);
-  return false;
-}
+// A channel's key, and how the messages call it.
+struct ChannelKey {
+  const char* key;
+  const char* name;
+};
+constexpr std::array<ChannelKey, kRadios.size()> kChannelKeys{
+    {{"set2GChannel", "channel2G"}, {"set5GChannel", "channel5G"}, {"set6GChannel", "channel6G"}}};
 
 bool read_channels(const json::Object& json, Channels& channels) {
-  if (!read_number(json, "set2GChannel", channels[0], "channel2G") ||
-      !read_number(json, "set5GChannel", channels[1], "channel5G") ||
-      !read_number(json, "set6GChannel", channels[2], "channel6G")) {
-    return false;
+  for (std::size_t band = 0; band < channels.size(); ++band) {
+    const std::optional<int> channel = json.number(kChannelKeys[band].key);
+    if (!channel) {
+      log_error("Failed to parse %s", kChannelKeys[band].name);
+      return false;
+    }
+    channels[band] = *channel;
   }
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
@@ -67,6 +68,23 @@ bool read_channels(const json::Object& json, Channels& channels) {
   }
   log_error("Failed to set channel2G, channel5G, channel6G");
   return false;
+}
+
+// "mesh", which a repeater has no use for, and "mlo".
+bool read_switches(const json::Object& json, SettingRequest& request) {
+  const std::optional<int> mesh = request.is_repeater ? 0 : json.number("mesh");
+  if (!mesh) {
+    log_error("Failed to parse mesh");
+    return false;
+  }
+  const std::optional<int> mlo = json.number("mlo");
+  if (!mlo) {
+    log_error("Failed to parse mlo");
+    return false;
+  }
+  request.mesh = *mesh;
+  request.mlo = *mlo;
+  return true;
 }
 
 // The members beside the slots.
@@ -81,10 +99,10 @@ bool read_members(const json::Object& json, SettingRequest& request) {
     log_error("Failed to parse bandSteering");
     return false;
   }
-  read_number(json, "ieee802dot11r", request.ieee802dot11r, "ieee802dot11r");
-  return read_channels(json, request.channels) &&
-         (request.is_repeater || read_number(json, "mesh", request.mesh, "mesh")) &&
-         read_number(json, "mlo", request.mlo, "mlo");
+  const std::optional<int> ieee802dot11r = json.number("ieee802dot11r");
+  if (!ieee802dot11r) log_error("Failed to parse ieee802dot11r");
+  request.ieee802dot11r = ieee802dot11r.value_or(0);
+  return read_channels(json, request.channels) && read_switches(json, request);
 }
 
 // In an orvane mesh the MLO slot shows the backhaul. Sent back as it was shown, it asks for no MLO network.
