@@ -12,6 +12,8 @@
 // The ciphertext as printed, a trailing newline included, whatever the tool's exit status. `plaintext` may be empty;
 // nullptr fails.
 std::optional<std::string> encrypt_content_api(const char* plaintext);
+// The same for a text that need not end with a NUL.
+std::optional<std::string> encrypt_text(std::string_view plaintext);
 // The plaintext, up to its first NUL byte. `ciphertext` may be any `length` bytes; the tool gets it without the white
 // space around it. nullopt, too, when the tool ends with a status other than 0: it prints a plaintext before it has
 // checked the tag, so what a forged text yields is printed, but never valid.

@@ -11,6 +11,7 @@
 #include "answer/answer.h"
 #include "command_line.h"
 #include "platform/log.h"
+#include "platform/memory.h"
 #include "request/connection.h"
 #include "request/dispatch.h"
 
@@ -66,6 +67,7 @@ extern "C" int accept(int socket, sockaddr* address, socklen_t* length) {
 int main(int argc, char** argv) {
   if (const auto status = handle_command_line(argc, argv)) return *status;
   std::signal(SIGCHLD, SIG_DFL);  // children are always waited for; an inherited SIG_IGN would reap them first
+  platform::return_large_blocks();
   const int listening_socket = hide_listening_socket();
   FCGX_Init();
   FCGX_Request request;

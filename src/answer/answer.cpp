@@ -24,7 +24,7 @@ void write_json_headers(FCGX_Request* request) {
 }
 
 int answer(FCGX_Request* request, std::string_view text) {
-  const std::optional<std::string> ciphertext = encrypt_content_api(std::string(text).c_str());
+  const std::optional<std::string> ciphertext = encrypt_text(text);
   write_json_headers(request);
   write_bytes(request, ciphertext ? std::string_view(*ciphertext) : kResultUnusable);
   return 0;

@@ -17,7 +17,10 @@ std::string_view without_surrounding_space(std::string_view text) {
 // What `jose` printed for `input`, with the trace of a failure that printed something all the same.
 platform::ProcessResult run_jose(const std::vector<std::string>& argv, std::string_view input) {
   constexpr std::size_t kTextMax = std::size_t{64} << 20;
-  platform::ProcessResult result = platform::run(argv, {.input = input, .max_output = kTextMax});
+  constexpr std::size_t kHeaderMax = 4096;
+  const std::size_t in_base64 = input.size() / 3 * 4;  // what a ciphertext has, and its header beside
+  platform::ProcessResult result =
+      platform::run(argv, {.input = input, .max_output = kTextMax, .expected_output = in_base64 + kHeaderMax});
   if (result.output_cut) {
     log_error("jose printed more than %zu bytes\n", kTextMax);
     result.output.clear();
@@ -35,6 +38,10 @@ std::optional<std::string> encrypt_content_api(const char* plaintext) {
     log_error("Jwe encrypt_str is null!\n");
     return std::nullopt;
   }
+  return encrypt_text(plaintext);
+}
+
+std::optional<std::string> encrypt_text(std::string_view plaintext) {
   platform::ProcessResult result =
       run_jose({"jose", "jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c"}, plaintext);
   if (!result.started) {

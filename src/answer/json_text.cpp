@@ -1,6 +1,7 @@
 // Building of JSON texts; json-c does the quoting.
 #include "answer/json_text.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -23,6 +24,14 @@ std::string enclose(char open, std::string inside, char close) {
   inside += ' ';
   inside += close;
   return inside;
+}
+
+// The position behind the string that begins at `at`.
+std::size_t end_of_string(std::string_view text, std::size_t at) {
+  while (++at < text.size() && text[at] != '"') {
+    if (text[at] == '\\') ++at;
+  }
+  return std::min(at + 1, text.size());
 }
 
 }  // namespace
@@ -54,9 +63,25 @@ ListText& ListText::add_raw(std::string_view value) {
 
 std::string ListText::take() { return enclose('[', std::move(elements_), ']'); }
 
-std::string pretty(const std::string& text) {
-  const JsonPtr value(json_tokener_parse(text.c_str()));
-  return json_object_to_json_string_ext(value.get(), JSON_C_TO_STRING_PRETTY);
+std::string pretty(std::string_view text) {
+  std::string pretty;
+  std::size_t level = 0;
+  bool begins_line = false;
+  for (std::size_t at = 0; at < text.size();) {
+    const char token = text[at];
+    const std::size_t end = token == '"' ? end_of_string(text, at) : at + 1;
+    if (token != ' ') {
+      const bool closes = token == '}' || token == ']';
+      if (closes) --level;
+      if (closes || begins_line) pretty.append("\n").append(2 * level, ' ');
+      pretty += text.substr(at, end - at);
+      const bool opens = token == '{' || token == '[';
+      if (opens) ++level;
+      begins_line = opens || token == ',';
+    }
+    at = end;
+  }
+  return pretty;
 }
 
 }  // namespace json

@@ -59,7 +59,7 @@ inline ObjectText result_text(int result) {
   return document;
 }
 
-// `text`, which is JSON, as json-c's JSON_C_TO_STRING_PRETTY writes it: for logs.
-std::string pretty(const std::string& text);
+// What one of the builders above made, as json-c's JSON_C_TO_STRING_PRETTY would write it: for logs.
+std::string pretty(std::string_view text);
 
 }  // namespace json

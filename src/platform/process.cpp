@@ -102,7 +102,9 @@ constexpr std::size_t kMostRead = std::size_t{64} << 20;
 // Where the output of a child goes.
 class Output {
  public:
-  Output(const ProcessOptions& options, ProcessResult& result) : options_(options), result_(result) {}
+  Output(const ProcessOptions& options, ProcessResult& result) : options_(options), result_(result) {
+    result_.output.reserve(options.expected_output);
+  }
 
   // False when no more is wanted.
   bool take(std::string_view piece) {

@@ -30,6 +30,8 @@ struct ProcessOptions {
   // Bytes of output that are kept. What comes beyond them is read and dropped, up to a bound of its own, past which the
   // pipe is closed.
   std::size_t max_output = kOutputMax;
+  // Bytes that room is made for at once: a long output that grows piece by piece stands in memory twice at times.
+  std::size_t expected_output = 0;
   // Given every piece of output as it comes, in place of ProcessResult::output. False ends the reading: the pipe is
   // closed and the child ends as a pipe's writer does.
   std::function<bool(std::string_view piece)> reader = {};

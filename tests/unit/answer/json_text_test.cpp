@@ -41,6 +41,14 @@ TEST(ObjectText, KeepsNulCharacters) {
 
 TEST(Pretty, IsWhatJsonCWrites) {
   EXPECT_EQ(json::pretty(R"({ "a": 1, "b": [ 1 ] })"), "{\n  \"a\":1,\n  \"b\":[\n    1\n  ]\n}");
+  for (const char* text :
+       {"{ }", "[ ]", R"({ "a": { }, "b": [ ], "c": [ { }, [ 1, -2 ], null ] })",
+        R"({ "{ [ , : \" ": "x \/ \" } ] \\\\", "b": "\\\\" })", R"([ "", "日本", { "a": [ [ ] ] } ])"}) {
+    json_object* value = json_tokener_parse(text);
+    ASSERT_NE(value, nullptr) << text;
+    EXPECT_EQ(json::pretty(text), json_object_to_json_string_ext(value, JSON_C_TO_STRING_PRETTY));
+    json_object_put(value);
+  }
 }
 
 TEST(ResultText, HoldsTheResultAlone) { EXPECT_EQ(json::result_text(2).text(), R"({ "result": 2 })"); }
