@@ -63,6 +63,14 @@ TEST_F(Commit, OfNothingLeavesTheFileAsItIs) {
   EXPECT_EQ(get("conf/pkg"), "config thing 's'\n\toption a '1'\n");
 }
 
+TEST_F(Commit, LeavesNoChangesListed) {
+  put("save/pkg", "pkg.s.a='2'\npkg.none.a='2'\n");
+  uci_package* package = look_up("pkg").p;
+  EXPECT_FALSE(uci_list_empty(&package->saved_delta));
+  EXPECT_EQ(uci_commit(context_.get(), &package, false), UCI_OK);
+  EXPECT_TRUE(uci_list_empty(&package->saved_delta));
+}
+
 TEST_F(Commit, ToAFolderThatIsGoneIsReported) {
   uci_package* package = set("pkg.s.a=2");
   fs::remove_all(folder_ / "conf");
