@@ -96,6 +96,17 @@ def test_a_request_prints_its_answer_and_tells_its_result_by_its_status(live):
     assert done.returncode == 2 and done.stderr.startswith("script/request: ")
 
 
+def test_a_reader_that_has_seen_enough_is_no_failure(live):
+    router = live()
+    router.root.write("/var/log/messages.log", "t [a] " + "x" * 200 + "\n" + "t [a] b\n" * 20_000)
+    command = [SOURCES / "script/request", "--port", str(router.port), "GET", "/api/v1/system/log/message"]
+    with subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE) as done:
+        assert done.stdout.read(1) == b"{"
+        done.stdout.close()
+        assert done.stderr.read() == b""
+    assert done.returncode == 0
+
+
 def test_a_request_to_nobody_is_told_in_a_line():
     done = script("request", "--port", simulator.free_port(), "GET", LAN)
     assert done.returncode == 2
