@@ -6,10 +6,10 @@
 #include <cstdlib>
 #include <ctime>
 #include <optional>
+#include <utility>
 
 #include "platform/file.h"
 #include "platform/log.h"
-#include "platform/text.h"
 #include "system/device.h"
 #include "system_helpers.h"
 #include "uci_access.h"
@@ -41,14 +41,12 @@ struct Caller {
   void log_failure(const char* message) const { platform::write_log(LOG_DEBUG, function, line, "%s", message); }
 };
 
-// As much of an option's text as a field of `size` bytes holds with a terminator, in whole characters; empty, and a
-// line in the log, when it cannot be read.
+// An option's text; empty, and a line in the log, when it cannot be read.
 std::string get_option(const char* package, const char* section, const char* option, std::size_t size,
                        Caller caller = {__builtin_FUNCTION(), __builtin_LINE()}) {
-  constexpr std::size_t kBeyond = 4;  // so many bytes more show whether a character ends at the bound
-  const std::optional<std::string> value = uci_read(package, section, option, size + kBeyond);
+  std::optional<std::string> value = uci_read(package, section, option, size);
   if (!value) caller.log_failure("get executed failed.\n");
-  return std::string(platform::cut_utf8(value.value_or(""), size - 1));
+  return std::move(value).value_or("");
 }
 
 // The integer that a status file begins with.
