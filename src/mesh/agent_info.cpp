@@ -12,6 +12,7 @@
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "uci_access.h"
 
 namespace {
@@ -19,6 +20,7 @@ namespace {
 constexpr const char* kModel = "MX-9P300KLD";
 constexpr const char* kLeasesPath = "/tmp/dhcp.leases";
 constexpr std::size_t kLineSize = 1024;
+constexpr std::size_t kHostNameMax = 63;
 
 struct Lease {
   std::string mac;
@@ -34,9 +36,9 @@ std::vector<Lease> parse_leases(std::string_view text) {
   std::vector<Lease> leases;
   for (const std::string& line : platform::split_lines(text, kLineSize)) {
     std::array<char, kMacLength + 1> mac{};
-    std::array<char, 64> host_name{};
-    if (std::sscanf(line.c_str(), "%*s %17s %*s %63s", mac.data(), host_name.data()) < 2) continue;
-    leases.push_back({lower_case(mac.data()), host_name.data()});
+    std::array<char, kLineSize> host_name{};
+    if (std::sscanf(line.c_str(), "%*s %17s %*s %1023s", mac.data(), host_name.data()) < 2) continue;
+    leases.push_back({lower_case(mac.data()), std::string(platform::cut_utf8(host_name.data(), kHostNameMax))});
   }
   return leases;
 }

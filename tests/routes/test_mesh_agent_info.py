@@ -162,6 +162,13 @@ def test_a_lease_names_at_most_63_bytes_and_needs_two_fields(router):
     assert router.get(URI).json["agentInfo"][0]["model"] == "n" * 63
 
 
+def test_a_leases_name_is_cut_at_a_characters_end(router):
+    devices = chain(2)
+    prepare(router, devices)
+    set_leases(router, (devices[1].mac, "1.1.1.1", "é" * 40))
+    assert router.get(URI).json["agentInfo"][0]["model"] == "é" * 31
+
+
 @pytest.mark.parametrize("mode, code", [("0", 2), ("1", 4), ("2", 5), ("3", 5), (None, 5)])
 def test_a_backhaul_that_the_dump_does_not_tell_is_the_mesh_modes(router, mode, code):
     root = controller()
