@@ -34,7 +34,8 @@ class ConsoleServer(socketserver.ThreadingMixIn, socketserver.UnixStreamServer):
     daemon_threads = True
     request_queue_size = 64
 
-    def __init__(self, socket_path: Path, root, about: dict):
+    def __init__(self, socket_path: Path, root, about):
+        """`about()` gives what /console/router.json tells."""
         super().__init__(str(socket_path), _Handler)
         self._about = about
         self._history = History(root)
@@ -56,7 +57,7 @@ class ConsoleServer(socketserver.ThreadingMixIn, socketserver.UnixStreamServer):
         """The JSON text for a path with its query."""
         path, _, query = target.partition("?")
         if path == "/console/router.json":
-            return _json(self._about)
+            return _json(self._about())
         if path == "/console/openapi.json":
             return self.description()
         if path == "/console/trace":

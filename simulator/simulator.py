@@ -115,7 +115,7 @@ class Simulator:
 
     def _about(self) -> dict:
         """What the console has to know; the key is the one that every simulated router shares with its clients."""
-        return {"brand": self.args.brand, "mode": self.args.mode, "port": self.port, "defaultPort": PORT,
+        return {"brand": self.args.brand, "mode": self.mode(), "port": self.port, "defaultPort": PORT,
                 "key": client.key()}
 
     # Start and stop.
@@ -126,7 +126,7 @@ class Simulator:
         self._listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
         self._listener.bind(str(self.directory / "fcgi.sock"))
         self._listener.listen(128)
-        self._console = console_server.ConsoleServer(self.directory / "console.sock", self.root, self._about())
+        self._console = console_server.ConsoleServer(self.directory / "console.sock", self.root, self._about)
         self._start_program()
         for work in (self._keep_log, self._keep_running):
             thread = threading.Thread(target=work, daemon=True)
@@ -253,6 +253,13 @@ class Simulator:
         package, section_name, *option = address.split(".", 2)
         section = uci_text.find(uci_text.parse(self.root.read(f"/etc/config/{package}") or ""), section_name)
         return None if section is None else section.options.get(option[0]) if option else section.type
+
+    def mode(self) -> str:
+        """How the router works now, as --mode says it; a client or a reset may have changed that."""
+        if self.option("button_mesh.easymesh.enable") == "1":
+            return "agent" if self.option("button_mesh.easymesh.role") == "agent" else "controller"
+        working = self.option("system.@system[0].op_mode")
+        return working if working in ("ap", "re") else "router"
 
     def program_pid(self) -> int:
         """The program's process id on the machine."""

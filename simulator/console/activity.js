@@ -92,11 +92,11 @@ export function whatItDid(api, exchange) {
   return element;
 }
 
-function summary(exchange) {
+function summary(api, exchange) {
   return [
     el('span', { class: 'when' }, timeOfDay(exchange.started)),
     el('span', { class: `method ${exchange.method.toLowerCase()}` }, exchange.method),
-    el('code', {}, exchange.uri.replace('/api/v1', '')),
+    el('code', {}, exchange.uri.replace('/api/v1', '')), el('span', { class: 'meaning' }, api.names.get(`${exchange.method} ${exchange.uri}`) ?? ''),
     el('span', { class: `state ${exchange.good ? 'good' : 'bad'}` }, exchange.outcome),
     el('span', { class: 'faint' }, `${seconds(exchange.seconds ?? 0)}, ${counted(exchange.calls.length)}`,
       Object.keys(exchange.packages).length > 0 ? `, changed ${Object.keys(exchange.packages).join(', ')}` : '',
@@ -108,7 +108,7 @@ function summary(exchange) {
 export function recent(api) {
   const list = el('ol', { class: 'requests' });
   const draw = () => {
-    const lines = api.history.slice(0, MOST_RECENT).map((exchange) => el('li', {}, summary(exchange)));
+    const lines = api.history.slice(0, MOST_RECENT).map((exchange) => el('li', {}, summary(api, exchange)));
     list.replaceChildren(...(lines.length > 0 ? lines : [el('li', { class: 'faint' }, 'Nothing yet.')]));
   };
   return {
@@ -156,13 +156,14 @@ export class ActivityPage {
   }
 
   #entry(exchange) {
-    const head = el('summary', {}, summary(exchange));
+    const { api } = this;
+    const head = el('summary', {}, summary(api, exchange));
     const entry = el('details', { class: 'entry card-box' }, head);
     entry.exchange = exchange;
     entry.addEventListener('toggle', () => {
       if (entry.open && entry.children.length === 1) entry.append(this.#details(exchange));
     });
-    this.api.addEventListener('look', ({ detail }) => detail === exchange && head.replaceChildren(...summary(exchange)));
+    api.addEventListener('look', ({ detail }) => detail === exchange && head.replaceChildren(...summary(api, exchange)));
     return entry;
   }
 

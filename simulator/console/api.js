@@ -66,6 +66,7 @@ export class Api extends EventTarget {
     this.current = null;
     this.waiting = [];
     this.measured = {};
+    this.names = new Map(); // "GET /api/v1/lan": what it is for, once that is known
   }
 
   // How many seconds a request usually takes.

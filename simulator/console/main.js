@@ -42,6 +42,29 @@ function show(context, byLink) {
   }
 }
 
+function tellUnit({ brand, mode, port }) {
+  const words = `${brand.charAt(0).toUpperCase()}${brand.slice(1)} · ${ROLES[mode].toLowerCase()} · port ${port}`;
+  document.getElementById('unit').textContent = words;
+}
+
+// A request may have made a mesh, an access point or a factory-new router of it.
+async function lookAgain(about) {
+  try {
+    Object.assign(about, await readJson('/console/router.json'));
+    tellUnit(about);
+  } catch {
+    // what is asked next tells that nobody is there
+  }
+}
+
+// What each request is for, in the description's words, to stand beside it.
+async function nameRoutes(api, context) {
+  const { paths } = await context.description().catch(() => ({ paths: {} }));
+  for (const [uri, methods] of Object.entries(paths)) {
+    for (const [method, { summary }] of Object.entries(methods)) api.names.set(`${method.toUpperCase()} ${uri}`, summary.replace(/\.$/, ''));
+  }
+}
+
 function fail(error) {
   main.replaceChildren(el('div', { class: 'notice bad', role: 'alert' }, el('h1', {}, 'The simulator does not answer'),
     el('p', {}, `${error.message}. Start it with script/run, then load this page again.`)));
@@ -55,10 +78,10 @@ async function start() {
   try {
     const about = await readJson('/console/router.json');
     const api = new Api(about);
-    const brand = about.brand.charAt(0).toUpperCase() + about.brand.slice(1);
-    document.getElementById('unit').textContent = `${brand} · ${ROLES[about.mode].toLowerCase()} · port ${about.port}`;
-    const context = { api, description: () => readJson('/console/openapi.json') };
+    tellUnit(about);
+    const context = { api, description: () => readJson('/console/openapi.json'), lookAgain: () => lookAgain(about) };
     showProgress(api);
+    nameRoutes(api, context);
     addEventListener('hashchange', () => show(context, true));
     show(context, false);
   } catch (error) {

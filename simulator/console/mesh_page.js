@@ -44,8 +44,9 @@ function legend() {
 export class MeshPage {
   title = 'Mesh';
 
-  constructor({ api }) {
+  constructor({ api, lookAgain }) {
     this.api = api;
+    this.lookAgain = lookAgain;
     this.answers = { mode: api.about.mode };
     this.picture = new MeshPicture();
     this.headline = el('h1', {}, 'Looking at the router …');
@@ -97,7 +98,9 @@ export class MeshPage {
   }
 
   async #round(first, signal) {
-    for (const [name, uri, member] of plan(this.answers.mode, first)) {
+    await this.lookAgain();
+    if (this.answers.mode !== this.api.about.mode) this.answers = { mode: this.api.about.mode };
+    for (const [name, uri, member] of plan(this.answers.mode, first || !this.answers.info)) {
       const exchange = await this.api.ask('GET', uri, { byItself: true, signal });
       if (signal.aborted || exchange === null) return;
       this.#take(name, member, exchange);

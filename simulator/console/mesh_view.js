@@ -266,6 +266,7 @@ export class MeshPicture {
     });
     this.tree.addEventListener('focusin', (event) => this.#tell(itemOf(event)));
     this.tree.addEventListener('pointerover', (event) => this.#tell(itemOf(event)));
+    this.drawing.addEventListener('pointerover', (event) => { if (!itemOf(event)) this.tip.hidden = true; });
     this.element.addEventListener('pointerleave', () => { this.tip.hidden = true; });
     this.tree.addEventListener('focusout', () => { this.tip.hidden = true; });
   }

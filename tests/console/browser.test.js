@@ -58,6 +58,22 @@ withPage('the picture of three satellites has the right nodes and links', 'contr
   assert.match(nodes.find(({ id }) => id === 'client 02:00:00:00:01:04').text, /IP 192\.168\.0\.104, MAC 02:00:00:00:01:04, Connected by 2\.4 GHz, RSSI 44/);
 });
 
+withPage('a tooltip tells MAC, IP and RSSI to the pointer and to the keyboard', 'controller', '', async (page) => {
+  await settled(page);
+  const tip = page.getByRole('tooltip');
+  const told = async () => (await tip.locator('dl').innerText()).split(/\s+/).join(' ');
+  await page.locator('[data-id="client 02:00:00:00:01:04"]').hover();
+  assert.equal(await told(), 'IP 192.168.0.104 MAC 02:00:00:00:01:04 Connected by 2.4 GHz RSSI 44');
+  await page.mouse.move(2, 2);
+  await tip.waitFor({ state: 'hidden' });
+  await page.locator('[data-id=router]').focus();
+  await page.keyboard.press('ArrowUp');
+  assert.match(await told(), /IP 203\.0\.113\.10/);
+  assert.notEqual(await page.locator('[data-id=above] .target').evaluate((target) => getComputedStyle(target).stroke), 'rgba(0, 0, 0, 0)');
+  await page.keyboard.press('Escape');
+  await tip.waitFor({ state: 'hidden' });
+});
+
 withPage('clients stand below the satellite that has them, whatever the order of the list', 'wide', '', async (page) => {
   await settled(page);
   const nodes = await nodesOf(page);

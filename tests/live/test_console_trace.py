@@ -120,3 +120,24 @@ def test_who_does_not_finish_asking_does_not_hold_the_others_up(live):
     assert trace(router).keys() == {"next"}
     for connection in connections:
         connection.close()
+
+
+def test_it_tells_how_the_router_works_now(live):
+    router = live(mode="controller", agents=0)
+
+    def mode():
+        return ask(router, "/console/router.json")[1]["mode"]
+
+    assert mode() == "controller"
+    router.root.set_options({"button_mesh.easymesh.role": "agent"})
+    assert mode() == "agent"
+    router.root.set_options({"button_mesh.easymesh.enable": "0"})
+    assert mode() == "router"
+    for other in ("ap", "re"):
+        router.root.set_options({"system.@system[0].op_mode": other})
+        assert mode() == other
+
+
+def test_each_mode_is_told_as_it_was_started(live):
+    for mode in ("router", "ap", "re", "controller", "agent"):
+        assert live(mode=mode).mode() == mode
