@@ -6,6 +6,7 @@
 #include <cstddef>
 
 #include "platform/log.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -88,7 +89,7 @@ std::string_view provider_in_parentheses(std::string_view service) {
   const std::size_t open = service.find('(');
   if (open == std::string_view::npos) return {};
   const std::string_view name = service.substr(open + 1);
-  return name.substr(0, std::min(name.find(')'), kLongestName));
+  return platform::cut_utf8(name.substr(0, name.find(')')), kLongestName);
 }
 
 }  // namespace
@@ -141,11 +142,11 @@ void getWanMethodStr(const std::string& service, std::string& out, std::size_t s
     if (provider.empty()) {
       log_debug("sscanf error.");
     } else {
-      out = provider.substr(0, size - 1);
+      out = platform::cut_utf8(provider, size - 1);
     }
     return;
   }
   const auto row = std::find_if(kProviders.begin(), kProviders.end(),
                                 [&](const ProviderName& r) { return service.starts_with(r.service); });
-  out = (row == kProviders.end() ? std::string_view(service) : row->display).substr(0, size - 1);
+  out = platform::cut_utf8(row == kProviders.end() ? std::string_view(service) : row->display, size - 1);
 }

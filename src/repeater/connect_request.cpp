@@ -3,8 +3,8 @@
 
 #include <optional>
 
-#include "answer/json.h"
 #include "platform/log.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -14,6 +14,7 @@ struct TextKey {
   const char* name_when_too_long;
   std::size_t max_bytes;
   std::string RepeaterConnectInfo::*field;
+  bool (*is_storable)(std::string_view text);
 };
 struct IntKey {
   const char* key;
@@ -21,20 +22,20 @@ struct IntKey {
   int RepeaterConnectInfo::*field;
 };
 
-constexpr TextKey kSsid{"ssid", "ssid", 32, &RepeaterConnectInfo::ssid};
-constexpr TextKey kBssid{"bssid", "bssid", 17, &RepeaterConnectInfo::bssid};
-constexpr TextKey kEncryptKey{"encryptKey", "password", 64, &RepeaterConnectInfo::encrypt_key};
+constexpr TextKey kSsid{"ssid", "ssid", 32, &RepeaterConnectInfo::ssid, platform::is_storable};
+constexpr TextKey kBssid{"bssid", "bssid", 17, &RepeaterConnectInfo::bssid, platform::is_one_line};
+constexpr TextKey kEncryptKey{"encryptKey", "password", 64, &RepeaterConnectInfo::encrypt_key, platform::is_storable};
 constexpr IntKey kFrequency{"frequency", "frequency", &RepeaterConnectInfo::frequency};
 constexpr IntKey kEncryptType{"encryptType", "encryptType", &RepeaterConnectInfo::encrypt_type};
 constexpr IntKey kMultiRu{"multiRuEnable", "multiRuEnable", &RepeaterConnectInfo::multi_ru_enable};
 constexpr IntKey kMultiLink{"multiLinkOperationEnable", "multiLinkOperationEnable",
                             &RepeaterConnectInfo::multi_link_operation_enable};
-// Told in the log under the name of the key before it: those who read the logs know it so.
+// Told in the log under the name of the key before it: kept as it is.
 constexpr IntKey kTryOrSetting{"tryConnectOrSettingRepeater", "multiLinkOperationEnable",
                                &RepeaterConnectInfo::try_connect_or_setting_repeater};
 
-bool read_key(json_object* root, RepeaterConnectInfo& info, const TextKey& text) {
-  const std::optional<std::string> value = json::text_member(root, text.key);
+bool read_key(json::Object root, RepeaterConnectInfo& info, const TextKey& text) {
+  const std::optional<std::string> value = root.text(text.key);
   if (!value) {
     log_error("parse %s json error\n", text.key);
     return false;
@@ -43,12 +44,16 @@ bool read_key(json_object* root, RepeaterConnectInfo& info, const TextKey& text)
     log_error("%s string is too long\n", text.name_when_too_long);
     return false;
   }
+  if (!text.is_storable(*value)) {
+    log_error("%s holds control characters\n", text.key);
+    return false;
+  }
   info.*text.field = *value;
   return true;
 }
 
-bool read_key(json_object* root, RepeaterConnectInfo& info, const IntKey& number) {
-  const std::optional<int> value = json::int_member(root, number.key);
+bool read_key(json::Object root, RepeaterConnectInfo& info, const IntKey& number) {
+  const std::optional<int> value = root.number(number.key);
   if (!value) {
     log_error("parse %s json error\n", number.name_when_missing);
     return false;
@@ -59,7 +64,7 @@ bool read_key(json_object* root, RepeaterConnectInfo& info, const IntKey& number
 
 }  // namespace
 
-int ParseRepeaterJsonData(json_object* root, RepeaterConnectInfo& info) {
+int ParseRepeaterJsonData(json::Object root, RepeaterConnectInfo& info) {
   const bool complete = read_key(root, info, kSsid) && read_key(root, info, kBssid) &&
                         read_key(root, info, kFrequency) && read_key(root, info, kEncryptType) &&
                         read_key(root, info, kEncryptKey) && read_key(root, info, kMultiRu) &&

@@ -3,7 +3,7 @@
 
 #include <string>
 
-struct json_object;
+#include "answer/json_reading.h"
 
 // encryptType; any other value means an open network.
 inline constexpr int kEncryptWpa2 = 1;
@@ -30,5 +30,6 @@ struct RepeaterConnectInfo {
   int try_connect_or_setting_repeater = 0;
 };
 
-// Fills `info` from the request. 0, or 1 at the first key that is missing or too long.
-int ParseRepeaterJsonData(json_object* root, RepeaterConnectInfo& info);
+// Fills `info` from the request. 0, or 1 (logged) at the first key that is missing, too long, or a text that cannot be
+// stored.
+int ParseRepeaterJsonData(json::Object root, RepeaterConnectInfo& info);

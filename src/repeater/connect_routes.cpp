@@ -23,12 +23,12 @@ constexpr std::string_view kAnswerUnusable = R"({"result": 1, "version": 1,    "
 // All int results: 0, or 1 for a failure, which is logged.
 
 int parse_request(const char* body, RepeaterConnectInfo& info) {
-  const json::JsonPtr root = json::parse(body);
-  if (!root) {
+  const json::Document document(body);
+  if (!document) {
     log_error("parse rootJson error\n");
     return 1;
   }
-  if (ParseRepeaterJsonData(root.get(), info) != 0) {
+  if (ParseRepeaterJsonData(document.root(), info) != 0) {
     log_error("parse json data error\n");
     return 1;
   }

@@ -4,14 +4,14 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <optional>
-#include <utility>
+
+#include "platform/text.h"
 
 namespace {
 
 constexpr std::size_t kLineMax = 1023;  // a longer line counts as several
 constexpr std::size_t kBssidMax = 19;
-constexpr std::size_t kSsidTextMax = 127;
+constexpr std::size_t kSsidMax = 127;
 
 struct FrequencyRange {
   float first_mhz;
@@ -168,20 +168,21 @@ void ScanParser::read_line(std::string_view line) {
 void ScanParser::start_block(std::string_view line) {
   seen_block_ = true;
   state_ = {};
-  entry_ = json::new_object();
+  entry_.emplace();
   if (const auto rest = after(line, " ")) {
     const std::size_t parenthesis = rest->find('(');
     const std::string_view bssid = rest->substr(0, parenthesis == std::string_view::npos ? kBssidMax : parenthesis);
-    if (bssid.size() <= kBssidMax) json::add(entry_.get(), "bssid", bssid);
+    if (bssid.size() <= kBssidMax) entry_->set("bssid", std::string(bssid));
   }
-  json::add(entry_.get(), "band", static_cast<int>(band_) + 1);
+  entry_->set("band", static_cast<int>(band_) + 1);
 }
 
 void ScanParser::finish_block() {
-  json::JsonPtr entry = std::move(entry_);
-  if (!entry || !state_.ssid_seen || !state_.signal_seen || !state_.in_band || state_.out_of_band) return;
-  json::add(entry.get(), "security", classify_security(band_, state_.security));
-  json::append(list_, std::move(entry));
+  if (entry_ && state_.ssid_seen && state_.signal_seen && state_.in_band && !state_.out_of_band) {
+    entry_->set("security", classify_security(band_, state_.security));
+    list_.add(entry_->text());
+  }
+  entry_.reset();
 }
 
 void ScanParser::read_attribute(std::string_view line) {
@@ -209,14 +210,14 @@ void ScanParser::read_attribute(std::string_view line) {
 void ScanParser::read_signal(std::string_view value) {
   const std::optional<float> dbm = parse_number(value);
   if (!dbm) return;
-  json::add(entry_.get(), "rssi", scale_rssi(*dbm));
+  entry_->set("rssi", scale_rssi(*dbm));
   state_.signal_seen = true;
 }
 
 void ScanParser::read_frequency(std::string_view value) {
   state_.freq_mhz = parse_number(value).value_or(state_.freq_mhz);
   if (is_in_band(band_, state_.freq_mhz)) {
-    json::add(entry_.get(), "channel", channel_of_frequency(state_.freq_mhz));
+    entry_->set("channel", channel_of_frequency(state_.freq_mhz));
     state_.in_band = true;
   } else {
     state_.out_of_band = true;
@@ -226,16 +227,17 @@ void ScanParser::read_frequency(std::string_view value) {
 // A hidden network has no SSID, or one of zero bytes.
 void ScanParser::read_ssid(std::string_view value) {
   value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
-  std::string ssid = unescape_ssid(value.substr(0, kSsidTextMax));
+  std::string ssid = unescape_ssid(value);
   ssid.resize(std::min(ssid.find('\0'), ssid.size()));
+  ssid.resize(platform::cut_utf8(ssid, kSsidMax).size());
   if (ssid.empty()) return;
-  json::add(entry_.get(), "essid", ssid);
+  entry_->set("essid", std::move(ssid));
   state_.ssid_seen = true;
 }
 
-// The first attribute line of a block decides: clients rely on it.
+// The first attribute line of a block decides.
 void ScanParser::read_product(std::string_view line) {
-  if (json::has_member(entry_.get(), "wirelessProduct")) return;
+  if (entry_->has("wirelessProduct")) return;
   const auto is_announced = [line](const Product& product) { return holds(line, product.mark); };
   const auto product = std::find_if(kProducts.begin(), kProducts.end(), is_announced);
   int generation = 4;
@@ -246,5 +248,5 @@ void ScanParser::read_product(std::string_view line) {
   } else if (state_.freq_mhz >= kWindows[1].first_mhz) {
     generation = 5;
   }
-  json::add(entry_.get(), "wirelessProduct", generation);
+  entry_->set("wirelessProduct", generation);
 }

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
-#include "answer/json.h"
+#include "answer/json_text.h"
+#include "repeater/ordered_members.h"
 
 // Bands are counted from 0 here: 2.4, 5, 6 GHz.
 inline constexpr std::size_t kScanBandCount = 3;
@@ -38,15 +40,16 @@ int scale_rssi(float dbm);
 int channel_of_frequency(float freq_mhz);
 // Whether the repeater can join an access point of this frequency on the band.
 bool is_in_band(std::size_t band, float freq_mhz);
-// Turns "\x20" and the like into bytes; other text stays. `text` is what `iw` prints for an SSID.
+// Turns "\x20" and the like into bytes; other text stays. `text` is what `iw` prints for an SSID: any 32 octets.
 std::string unescape_ssid(std::string_view text);
 
 // Reads the output of one scan, in pieces as they come, and appends an entry for each access point that tells its
-// SSID, its signal and a frequency of the band. Takes any bytes, in time and room linear in their number.
+// SSID, its signal and a frequency of the band. Takes any bytes, in time linear in their number; what it holds beside
+// the list is one line and one entry.
 class ScanParser {
  public:
-  // `list` is a JSON array, a loan.
-  ScanParser(std::size_t band, json_object* list) : band_(band), list_(list) {}
+  // `list` is a loan.
+  ScanParser(std::size_t band, json::ListText& list) : band_(band), list_(list) {}
 
   void feed(std::string_view piece);
   // Ends the last line and the last block.
@@ -76,9 +79,9 @@ class ScanParser {
   void read_product(std::string_view line);
 
   std::size_t band_;
-  json_object* list_;
+  json::ListText& list_;
   std::string line_;
-  json::JsonPtr entry_;
+  std::optional<OrderedMembers> entry_;  // of the block that is read
   State state_;
   bool seen_block_ = false;
 };

@@ -2,6 +2,7 @@
 #include "repeater/site_survey.h"
 
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
 #include "handlers.h"
@@ -17,7 +18,7 @@ constexpr unsigned int kRetrySeconds = 2;
 
 enum class ScanResult { kNotStarted, kNoBlock, kDone };
 
-ScanResult scan_once(const std::string& command, std::size_t band, json_object* list) {
+ScanResult scan_once(const std::string& command, std::size_t band, json::ListText& list) {
   ScanParser parser(band, list);
   const auto feed = [&parser](std::string_view piece) {
     parser.feed(piece);
@@ -30,7 +31,7 @@ ScanResult scan_once(const std::string& command, std::size_t band, json_object* 
 
 }  // namespace
 
-int scan_single_interface(std::size_t band, json_object* list) {
+int scan_single_interface(std::size_t band, json::ListText& list) {
   const std::string command = "iw dev mld" + std::to_string(band + 1) + " scan flush &";
   for (int attempt = 1; attempt <= kAttempts; ++attempt) {
     switch (scan_once(command, band, list)) {
@@ -50,14 +51,11 @@ int scan_single_interface(std::size_t band, json_object* list) {
 }
 
 int handle_get_sitesurvey(FCGX_Request* request) {
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "waitTime", 0);
-  json::JsonPtr list = json::new_array();
+  json::ListText list;
   for (std::size_t band = 0; band < kScanBandCount; ++band) {
-    if (scan_single_interface(band, list.get()) != 0) return answer(request, kResultUnusable);
+    if (scan_single_interface(band, list) != 0) return answer(request, kResultUnusable);
   }
-  json::add(document.get(), "wifiApList", std::move(list));
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("waitTime", 0).add("wifiApList", std::move(list));
+  return answer(request, std::move(document));
 }

@@ -6,9 +6,11 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 
 #include "platform/log.h"
 #include "repeater/bands.h"
+#include "repeater/ordered_members.h"
 #include "repeater/uplink_monitor.h"
 #include "system_helpers.h"
 #include "uci_access.h"
@@ -35,16 +37,13 @@ constexpr BandKeys kLinkKeys{"bssidmlo24g", "bssidmlo5g", "bssidmlo6g"};
 constexpr BandKeys kLinks{"link0", "link1", "link2"};
 
 struct Report {
-  json::JsonPtr root = json::new_object();
+  OrderedMembers members;
   bool failed = false;  // the error mark
   std::string easymesh_enable;
   std::string mlo;
   std::string onboarding_done;
 
-  template <class Value>
-  void add(const char* key, const Value& value) {
-    json::add(root.get(), key, value);
-  }
+  void add(const char* key, OrderedMembers::Value value) { members.set(key, std::move(value)); }
   void add(const BandKeys& keys, const BandTexts& texts) {
     for (std::size_t band = 0; band < kBandCount; ++band) add(keys[band], texts[band]);
   }
@@ -73,7 +72,7 @@ void read_modes(Report& report) {
       report.expect(uci_read("repacd", "MAPConfig", "OnboardingDone", kCodeSize), "get OnboardingDone failed\n");
 }
 
-// What the log says of a station. The texts of one band tell of another: those who read the logs know them so.
+// What the log says of a station. The texts of one band tell of another: kept as they are.
 struct StationMessages {
   const char* mac_failed;
   const char* named_by_encryption;
@@ -267,7 +266,7 @@ void add_settings(Report& report) {
 
 }  // namespace
 
-json::JsonPtr build_connect_report() {
+json::ObjectText build_connect_report() {
   Report report;
   report.add("version", 1);
   read_modes(report);
@@ -275,5 +274,5 @@ json::JsonPtr build_connect_report() {
   add_uplink(report);
   add_settings(report);
   report.add("result", report.failed ? 2 : 0);
-  return std::move(report.root);
+  return report.members.text();
 }

@@ -1,7 +1,7 @@
 // The description of the uplink that GET /repeater/connect answers.
 #pragma once
 
-#include "answer/json.h"
+#include "answer/json_text.h"
 
-// Never null. "result" is 2 when something that always exists could not be read, else 0.
-json::JsonPtr build_connect_report();
+// "result" is 2 when something that always exists could not be read, else 0.
+json::ObjectText build_connect_report();

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
 #include "handlers.h"
@@ -68,12 +69,9 @@ std::optional<int> read_connect_result() {
 int handle_get_repeaterconnect_json(FCGX_Request* request) { return answer(request, build_connect_report()); }
 
 int handle_get_repeaterwifiresult_json(FCGX_Request* request) {
-  json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  if (const std::optional<int> result = read_connect_result()) {
-    json::add(document.get(), "wifiConnectResult", *result);
-  }
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1);
+  if (const std::optional<int> result = read_connect_result()) document.add("wifiConnectResult", *result);
   uci_commit("wireless");
-  return answer(request, document);
+  return answer(request, std::move(document));
 }

@@ -6,10 +6,12 @@
 #include <utility>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "waninfoMethod/wan_link.h"
 
 namespace {
@@ -35,8 +37,8 @@ bool run_probe() {
 }
 
 // What is told of a session that is down by its first error.
-int result_of_error(json_object* error) {
-  const std::optional<std::string> code = json::text_member(error, "code");
+int result_of_error(json::Object error) {
+  const std::optional<std::string> code = error.text("code");
   if (!code) return kConnected;
   log_debug("code %s", code->c_str());
   return *code == "AUTH_TOPEER_FAILED" ? kAuthenticationFailed : kOtherError;
@@ -71,21 +73,21 @@ int get_pppoe_result(int& connect_result) {
     log_error("popen failed.");
     return 1;
   }
-  const json::JsonPtr report = json::parse(tool.output.substr(0, kLongestReport).c_str());
+  const json::Document report(tool.output.substr(0, kLongestReport).c_str());
   if (!report) {
     log_error("Failed to parse JSON.");
     return 1;
   }
-  const bool up = json_object_get_boolean(json::member(report.get(), "up")) != 0;
-  const std::string proto = json::text_member(report.get(), "proto").value_or("").substr(0, kLongestProto);
+  const bool up = report->flag("up").value_or(false);
+  const std::string proto(platform::cut_utf8(report->text("proto").value_or(""), kLongestProto));
   log_debug("up:%d, proto:%s", up ? 1 : 0, proto.c_str());
   if (up) {
     connect_result = proto == "pppoe" ? kConnected : kNotPppoe;
     return 0;
   }
-  json_object* errors = json::array_member(report.get(), "errors");
-  if (proto != "pppoe" || errors == nullptr || json_object_array_length(errors) == 0) return 1;
-  connect_result = result_of_error(json_object_array_get_idx(errors, 0));
+  const json::List errors = report->list("errors");
+  if (proto != "pppoe" || errors.size() == 0) return 1;
+  connect_result = result_of_error(errors.at(0));
   return 0;
 }
 
@@ -121,30 +123,22 @@ int handle_get_pppoe_response(FCGX_Request* request) {
     const int verdict = GetPPPoeChkResult();
     response = verdict == 0 || verdict == -1 ? kNoServer : kServerFound;
   }
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "response", response);
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("response", response);
+  return answer(request, std::move(document));
 }
 
 int handle_get_pppoe_result(FCGX_Request* request) {
   int connect_result = kConnected;
   const int result = get_pppoe_result(connect_result);
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", result);
-  if (result == 0) {
-    json::add(document.get(), "version", 1);
-    json::add(document.get(), "connectResult", connect_result);
-  }
-  return answer(request, document);
+  json::ObjectText document = json::result_text(result);
+  if (result == 0) document.add("version", 1).add("connectResult", connect_result);
+  return answer(request, std::move(document));
 }
 
 int handle_get_inetchk(FCGX_Request* request) {
   const auto [result, reachability] = result_of_reachability(get_ipvalue_address());
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", result);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "inetchk", reachability);
-  return answer(request, document);
+  json::ObjectText document = json::result_text(result);
+  document.add("version", 1).add("inetchk", reachability);
+  return answer(request, std::move(document));
 }

@@ -7,6 +7,7 @@
 
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 
 Ip4orip6Info g_ip4orip6Info;
 
@@ -50,7 +51,7 @@ std::string_view value_behind(const Marker& marker, std::string_view line) {
 }
 
 void append_bounded(std::string& field, std::string_view text, std::size_t size) {
-  field += text.substr(0, size - 1 - field.size());
+  field += platform::cut_utf8(text, size - 1 - field.size());
 }
 
 }  // namespace
@@ -62,7 +63,7 @@ Ip4orip6Info parse_tunnel_status(std::string_view output) {
     const Marker* marker = find_marker(lines[i]);
     if (marker == nullptr) continue;
     std::string& field = info.*(marker->field);
-    field = value_behind(*marker, lines[i]).substr(0, marker->size - 1);
+    field = platform::cut_utf8(value_behind(*marker, lines[i]), marker->size - 1);
     if (is_list_of_ports(*marker)) {
       for (++i; i < lines.size() && !ends_list_of_ports(lines[i]); ++i) append_bounded(field, lines[i], marker->size);
     }

@@ -6,6 +6,8 @@
 #include <array>
 #include <cstddef>
 
+#include "platform/text.h"
+
 namespace {
 
 constexpr std::size_t kLineSize = 128;
@@ -55,17 +57,17 @@ class NameServers {
 
   void add(const std::string& value) {
     if (is_ipv4_address(value, value.size())) {
-      fill(ipv4_, ipv4_count_, value.substr(0, kIpv4Size - 1));
+      fill(ipv4_, ipv4_count_, platform::cut_utf8(value, kIpv4Size - 1));
     } else {
-      fill(ipv6_, ipv6_count_, value.substr(0, kIpv6Size - 1));
+      fill(ipv6_, ipv6_count_, platform::cut_utf8(value, kIpv6Size - 1));
     }
   }
 
  private:
   using Fields = std::array<std::string*, 2>;
 
-  static void fill(const Fields& fields, std::size_t& count, std::string value) {
-    if (count < fields.size()) *fields[count++] = std::move(value);
+  static void fill(const Fields& fields, std::size_t& count, std::string_view value) {
+    if (count < fields.size()) *fields[count++] = value;
   }
 
   Fields ipv4_;
@@ -78,7 +80,7 @@ void fill_address(const AddressLine& line, std::string_view piece, WanAddresses&
   std::string& field = addresses.*(line.field);
   if (line.only_once && field != kNoAddress) return;
   std::string value;
-  if (value_behind(piece, ':', value)) field = value.substr(0, line.size - 1);
+  if (value_behind(piece, ':', value)) field = platform::cut_utf8(value, line.size - 1);
 }
 
 }  // namespace

@@ -2,12 +2,14 @@
 #include <array>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
 #include "domain/wan_modes.h"
 #include "handlers.h"
 #include "platform/file.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "waninfoMethod/tunnel_status.h"
@@ -75,8 +77,7 @@ bool has_needed_sections(bool is_agent) {
 void read_link(WanState& state) {
   if (get_macAddr(kWanInterface, state.wan_mac) != 0) log_error("get wanMac fail!");
   if (get_macAddr("br-lan", state.lan_mac) != 0) log_error("get lanMac fail!");
-  state.wan_mac.resize(std::min(state.wan_mac.size(), kMacSize - 1));
-  state.lan_mac.resize(std::min(state.lan_mac.size(), kMacSize - 1));
+  for (std::string* mac : {&state.wan_mac, &state.lan_mac}) mac->resize(platform::cut_utf8(*mac, kMacSize - 1).size());
   get_wan_link_status(state.link);
 }
 
@@ -111,27 +112,27 @@ int read_ipv6_method() {
   return prefix_delegation == 1 ? 2 : 0;
 }
 
-void add_unless_empty(json_object* config, const char* key, const std::string& value) {
-  if (!value.empty()) json::add(config, key, value);
+void add_unless_empty(json::ObjectText& config, const char* key, const std::string& value) {
+  if (!value.empty()) config.add(key, value);
 }
 
-void add_connection(json_object* config, WanState& state) {
+void add_connection(json::ObjectText& config, WanState& state) {
   const int method = read_method(state);
   const std::string password = read_wan("password", 65);
   const std::string user_name = read_wan("username", 65);
   const std::string mtu = read_wan("mtu", kFlagSize);
-  json::add(config, "lanMacAddress", state.lan_mac);
-  json::add(config, "wanMacAddress", state.wan_mac);
-  json::add(config, "wanLinkStatus", state.link);
-  json::add(config, "wanAutoSelectStatus", std::atoi(state.auto_flag.c_str()));
-  json::add(config, "wanMethod", method);
-  json::add(config, "wanHb46ppMethod", state.hb46pp_method);
-  json::add(config, "wanMethodStr", state.method_display);
-  if (state.has_wan_addresses()) json::add(config, "wanIpv6Method", read_ipv6_method());
-  json::add(config, "vneAutoChangeStatus", 0);
+  config.add("lanMacAddress", state.lan_mac);
+  config.add("wanMacAddress", state.wan_mac);
+  config.add("wanLinkStatus", state.link);
+  config.add("wanAutoSelectStatus", std::atoi(state.auto_flag.c_str()));
+  config.add("wanMethod", method);
+  config.add("wanHb46ppMethod", state.hb46pp_method);
+  config.add("wanMethodStr", state.method_display);
+  if (state.has_wan_addresses()) config.add("wanIpv6Method", read_ipv6_method());
+  config.add("vneAutoChangeStatus", 0);
   add_unless_empty(config, "pppoeUserName", user_name);
   add_unless_empty(config, "pppoePassword", password);
-  json::add(config, "pppoeMtu", mtu.empty() ? kDefaultPppoeMtu : std::atoi(mtu.c_str()) - kPppoeOverhead);
+  config.add("pppoeMtu", mtu.empty() ? kDefaultPppoeMtu : std::atoi(mtu.c_str()) - kPppoeOverhead);
 }
 
 // False when the script ran and left no result: the document then ends here.
@@ -155,22 +156,22 @@ void forget_native_ipv4(WanAddresses& addresses) {
   addresses.ipv4_mask = addresses.ipv4_gateway = addresses.ipv4_dns1 = addresses.ipv4_dns2 = kNoAddress;
 }
 
-bool add_addresses(json_object* config, WanState& state) {
+bool add_addresses(json::ObjectText& config, WanState& state) {
   WanAddresses& addresses = state.addresses;
   if (!read_live_addresses(addresses)) return false;
   if (is_tunnel_mode(state.mode)) forget_native_ipv4(addresses);
-  json::add(config, "wanIpv4Address", addresses.ipv4_address);
-  json::add(config, "wanIpv4SubMask", addresses.ipv4_mask);
-  json::add(config, "wanIpv4Gateway", addresses.ipv4_gateway);
-  json::add(config, "wanIpv4Dns1", addresses.ipv4_dns1);
-  json::add(config, "wanIpv4Dns2", addresses.ipv4_dns2);
-  json::add(config, "wanIpv6GlobalAddress", addresses.ipv6_global);
-  json::add(config, "wanIpv6LocalAddress", addresses.ipv6_local);
-  json::add(config, "wanIpv6CeAddress", state.ce_address.empty() ? kNoAddress : state.ce_address);
-  json::add(config, "wanIpv6Gateway", addresses.ipv6_gateway);
-  json::add(config, "wanIpv6Dns1", addresses.ipv6_dns1);
-  json::add(config, "wanIpv6Dns2", addresses.ipv6_dns2);
-  json::add(config, "wanIpv4AvailablePorts", state.available_ports);
+  config.add("wanIpv4Address", addresses.ipv4_address);
+  config.add("wanIpv4SubMask", addresses.ipv4_mask);
+  config.add("wanIpv4Gateway", addresses.ipv4_gateway);
+  config.add("wanIpv4Dns1", addresses.ipv4_dns1);
+  config.add("wanIpv4Dns2", addresses.ipv4_dns2);
+  config.add("wanIpv6GlobalAddress", addresses.ipv6_global);
+  config.add("wanIpv6LocalAddress", addresses.ipv6_local);
+  config.add("wanIpv6CeAddress", state.ce_address.empty() ? kNoAddress : state.ce_address);
+  config.add("wanIpv6Gateway", addresses.ipv6_gateway);
+  config.add("wanIpv6Dns1", addresses.ipv6_dns1);
+  config.add("wanIpv6Dns2", addresses.ipv6_dns2);
+  config.add("wanIpv4AvailablePorts", state.available_ports);
   return true;
 }
 
@@ -189,11 +190,11 @@ constexpr std::array<IpipOption, 6> kIpipOptions{{
     {"ipipPassword", "ipippasswd", 64},
 }};
 
-void add_tunnel_settings(json_object* config, const std::string& mode) {
-  if (mode.starts_with("DS-Lite")) json::add(config, "aftrAddress", read_wan("aftr", 132));
+void add_tunnel_settings(json::ObjectText& config, const std::string& mode) {
+  if (mode.starts_with("DS-Lite")) config.add("aftrAddress", read_wan("aftr", 132));
   if (!mode.starts_with("IPIP6")) return;
-  json::add(config, "ipipService", getIpipServiceCode(read_wan("v6service", 16)));
-  for (const IpipOption& row : kIpipOptions) json::add(config, row.key, read_wan(row.option, row.size));
+  config.add("ipipService", getIpipServiceCode(read_wan("v6service", 16)));
+  for (const IpipOption& row : kIpipOptions) config.add(row.key, read_wan(row.option, row.size));
 }
 
 int read_acceleration() {
@@ -203,17 +204,17 @@ int read_acceleration() {
   return 1;
 }
 
-void add_switches(json_object* config, const std::string& mode) {
+void add_switches(json::ObjectText& config, const std::string& mode) {
   constexpr std::size_t kHostNameSize = 32;
   const std::string host_name = read_wan("hostname", kHostNameSize);
-  json::add(config, "dhcpcHostName",
-            host_name.empty() ? read_text("network", "backwan", "hostname", kHostNameSize) : host_name);
-  json::add(config, "captivePortalStatus", read_number("system", "easysetup", "http_redirect_enable"));
+  config.add("dhcpcHostName",
+             host_name.empty() ? read_text("network", "backwan", "hostname", kHostNameSize) : host_name);
+  config.add("captivePortalStatus", read_number("system", "easysetup", "http_redirect_enable"));
   add_tunnel_settings(config, mode);
-  json::add(config, "natAccelerationEnable", read_acceleration());
-  json::add(config, "uPnPIGD", read_text("upnpd", "config", "enabled", kFlagSize));  // a text, as clients expect it
+  config.add("natAccelerationEnable", read_acceleration());
+  config.add("uPnPIGD", read_text("upnpd", "config", "enabled", kFlagSize));  // a text, as clients expect it
   const std::string detection = read_wan("qvilas_res", 16);
-  json::add(config, "previousInternetLineAutoResult", getPreviousInternetLineResult(std::atoi(detection.c_str())));
+  config.add("previousInternetLineAutoResult", getPreviousInternetLineResult(std::atoi(detection.c_str())));
 }
 
 WanState gather_state() {
@@ -231,12 +232,10 @@ WanState gather_state() {
 int handle_get_wanInfo_json(FCGX_Request* request) {
   if (!has_needed_sections(is_mesh_agent())) return answer(request, "null");
   WanState state = gather_state();
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "wanConfig", json::new_object());
-  json_object* config = json::member(document.get(), "wanConfig");
+  json::ObjectText config;
   add_connection(config, state);
   if (!state.has_wan_addresses() || add_addresses(config, state)) add_switches(config, state.mode);
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("wanConfig", std::move(config));
+  return answer(request, std::move(document));
 }

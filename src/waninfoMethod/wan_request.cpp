@@ -5,16 +5,41 @@
 #include <string_view>
 
 #include "platform/log.h"
+#include "platform/text.h"
 
 namespace {
 
 constexpr std::int64_t kPppoeOverhead = 8;
 
-std::string value_of(const WanField& row, json_object* config) {
-  if (row.field == &wanInfo::pppoeMtu) {
-    return std::to_string(json::int_member(config, row.key).value_or(0) + kPppoeOverhead);
+// A number's digits; those of a text stay as they are.
+std::optional<std::string> read_code(json::Object config, const char* key) {
+  const std::optional<int> number = config.number(key);
+  if (!number) return std::nullopt;
+  std::optional<std::string> text = config.text(key);
+  int same = 0;
+  return text && platform::parse_decimal(*text, same) ? text : std::to_string(*number);
+}
+
+std::optional<std::string> read_mtu(json::Object config, const char* key) {
+  const std::optional<int> mtu = config.number(key);
+  return mtu ? std::optional(std::to_string(*mtu + kPppoeOverhead)) : std::nullopt;
+}
+
+std::optional<std::string> read_value(json::Object config, const WanField& row) {
+  switch (row.kind) {
+    case WanKind::kCode:
+      return read_code(config, row.key);
+    case WanKind::kMtu:
+      return read_mtu(config, row.key);
+    case WanKind::kLine:
+    case WanKind::kSecret:
+      break;
   }
-  return json::text_member(config, row.key).value_or("");
+  return config.text(row.key);
+}
+
+bool is_storable(const std::string& value, WanKind kind) {
+  return kind == WanKind::kSecret ? platform::is_storable(value) : platform::is_one_line(value);
 }
 
 // A complete UTF-8 sequence can only be found where that character stands, so no locale has a say.
@@ -25,13 +50,19 @@ bool has_forbidden_character(std::string_view text) {
 
 }  // namespace
 
-wanInfo read_wan_info(json_object* config) {
+std::optional<wanInfo> read_wan_info(json::Object config) {
   wanInfo info;
   for (const WanField& row : kWanFields) {
-    if (json::has_member(config, row.key)) {
-      info.*(row.field) = value_of(row, config).substr(0, row.size - 1);
-    } else {
+    const std::optional<std::string> value = read_value(config, row);
+    if (!value) {
       log_error("%s is not found.", row.key);
+      continue;
+    }
+    std::string& field = info.*(row.field);
+    field = platform::cut_utf8(*value, row.size - 1);
+    if (!is_storable(field, row.kind)) {
+      log_error("%s holds control characters.", row.key);
+      return std::nullopt;
     }
   }
   return info;

@@ -3,9 +3,10 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <string>
 
-#include "answer/json.h"
+#include "answer/json_reading.h"
 
 // Every value is a text, numbers too; a missing one is empty, which reads as 0. Bounds: kWanFields.
 struct wanInfo {
@@ -35,43 +36,53 @@ struct wanInfo {
   std::string ipipPassword;
 };
 
+// What a field is in the request.
+enum class WanKind {
+  kCode,    // an integer
+  kMtu,     // an integer, to which the overhead of the Ethernet link is added
+  kLine,    // a text of one line
+  kSecret,  // a text that may hold line ends
+};
+
 struct WanField {
   const char* key;
   std::string wanInfo::*field;
-  std::size_t size;  // bytes, with the terminating NUL; a longer value is cut
+  std::size_t size;  // bytes, with the terminating NUL; a longer value is cut, but never inside a character
+  WanKind kind;
 };
 
 // In the order in which they are read. The keys `wanIPv6Method` and `wanIpv4subMask` differ from those of the GET
-// answer: clients of this route know them so.
+// answer: kept as they are.
 inline constexpr std::array<WanField, 24> kWanFields{{
-    {"wanAutoSelectStatus", &wanInfo::wanAutoSelectStatus, 8},
-    {"wanMethod", &wanInfo::wanMethod, 8},
-    {"wanIPv6Method", &wanInfo::wanIPv6Method, 8},
-    {"vneAutoChangeStatus", &wanInfo::vneAutoChangeStatus, 8},
-    {"pppoeMtu", &wanInfo::pppoeMtu, 12},
-    {"captivePortalStatus", &wanInfo::captivePortalStatus, 8},
-    {"natAccelerationEnable", &wanInfo::natAccelerationEnable, 8},
-    {"uPnPIGD", &wanInfo::uPnPIGD, 8},
-    {"pppoeUserName", &wanInfo::pppoeUserName, 65},
-    {"pppoePassword", &wanInfo::pppoePassword, 65},
-    {"dhcpcHostName", &wanInfo::dhcpcHostName, 32},
-    {"wanIpv4Address", &wanInfo::wanIpv4Address, 16},
-    {"wanIpv4subMask", &wanInfo::wanIpv4subMask, 16},
-    {"wanIpv4Gateway", &wanInfo::wanIpv4Gateway, 16},
-    {"wanIpv4Dns1", &wanInfo::wanIpv4Dns1, 16},
-    {"wanIpv4Dns2", &wanInfo::wanIpv4Dns2, 16},
-    {"aftrAddress", &wanInfo::aftrAddress, 132},
-    {"ipipService", &wanInfo::ipipService, 8},
-    {"ipipV4Address", &wanInfo::ipipV4Address, 16},
-    {"ipipBrAddress", &wanInfo::ipipBrAddress, 64},
-    {"ipipInterfaceId", &wanInfo::ipipInterfaceId, 32},
-    {"ipipResettingUrl", &wanInfo::ipipResettingUrl, 64},
-    {"ipipUserId", &wanInfo::ipipUserId, 32},
-    {"ipipPassword", &wanInfo::ipipPassword, 32},
+    {"wanAutoSelectStatus", &wanInfo::wanAutoSelectStatus, 8, WanKind::kCode},
+    {"wanMethod", &wanInfo::wanMethod, 8, WanKind::kCode},
+    {"wanIPv6Method", &wanInfo::wanIPv6Method, 8, WanKind::kCode},
+    {"vneAutoChangeStatus", &wanInfo::vneAutoChangeStatus, 8, WanKind::kCode},
+    {"pppoeMtu", &wanInfo::pppoeMtu, 12, WanKind::kMtu},
+    {"captivePortalStatus", &wanInfo::captivePortalStatus, 8, WanKind::kCode},
+    {"natAccelerationEnable", &wanInfo::natAccelerationEnable, 8, WanKind::kCode},
+    {"uPnPIGD", &wanInfo::uPnPIGD, 8, WanKind::kCode},
+    {"pppoeUserName", &wanInfo::pppoeUserName, 65, WanKind::kLine},
+    {"pppoePassword", &wanInfo::pppoePassword, 65, WanKind::kSecret},
+    {"dhcpcHostName", &wanInfo::dhcpcHostName, 32, WanKind::kLine},
+    {"wanIpv4Address", &wanInfo::wanIpv4Address, 16, WanKind::kLine},
+    {"wanIpv4subMask", &wanInfo::wanIpv4subMask, 16, WanKind::kLine},
+    {"wanIpv4Gateway", &wanInfo::wanIpv4Gateway, 16, WanKind::kLine},
+    {"wanIpv4Dns1", &wanInfo::wanIpv4Dns1, 16, WanKind::kLine},
+    {"wanIpv4Dns2", &wanInfo::wanIpv4Dns2, 16, WanKind::kLine},
+    {"aftrAddress", &wanInfo::aftrAddress, 132, WanKind::kLine},
+    {"ipipService", &wanInfo::ipipService, 8, WanKind::kCode},
+    {"ipipV4Address", &wanInfo::ipipV4Address, 16, WanKind::kLine},
+    {"ipipBrAddress", &wanInfo::ipipBrAddress, 64, WanKind::kLine},
+    {"ipipInterfaceId", &wanInfo::ipipInterfaceId, 32, WanKind::kLine},
+    {"ipipResettingUrl", &wanInfo::ipipResettingUrl, 64, WanKind::kLine},
+    {"ipipUserId", &wanInfo::ipipUserId, 32, WanKind::kLine},
+    {"ipipPassword", &wanInfo::ipipPassword, 32, WanKind::kSecret},
 }};
 
-// Reads all fields. `config` is a loan; a missing key is logged by its name.
-wanInfo read_wan_info(json_object* config);
+// Reads all fields; a missing key is logged by its name. nullopt (logged) when a text cannot be stored as it is: it
+// holds control characters, or line ends where there is but one line.
+std::optional<wanInfo> read_wan_info(json::Object config);
 
 // 1 when both texts hold a character that PPPoE credentials must not have (one of the two alone passes), else 0. The
 // characters: " ' , < > \ ^ ` | and the full-width yen sign, in UTF-8. nullptr: "Invalid parameter" and 0.

@@ -46,12 +46,14 @@ bool needs_long_wait(const wanInfo& info, const std::string& new_key) {
 }
 
 std::string_view apply_wan_info(const char* body) {
-  const json::JsonPtr document = json::parse(body);
+  const json::Document document(body);
   if (body != nullptr && !document) log_error("jsonObj is NULL.");
-  json_object* config = json::member(document.get(), "wanConfig");
-  if (!json_object_is_type(config, json_type_object)) return kResultUnusable;
+  const json::Object config = document->object("wanConfig");
+  if (!config) return kResultUnusable;
 
-  const wanInfo info = read_wan_info(config);
+  const std::optional<wanInfo> request = read_wan_info(config);
+  if (!request) return kResultUnusable;
+  const wanInfo& info = *request;
   log_debug("pppoeUserNameValue = %s, pppoePasswordValue = %s", info.pppoeUserName.c_str(), info.pppoePassword.c_str());
   if (checkPPPoeUsernameAndPassword(info.pppoeUserName.c_str(), info.pppoePassword.c_str()) != 0) {
     log_error("Invalid PPPOE userName and passWord.");

@@ -9,7 +9,7 @@ import pytest
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 
 from kit.hostile import HOSTILE
-from repeater_setup import (APS, BRIDGE_MAC, CONNECT, MLD_MAC, OK, STATIONS, UNUSABLE, commands, finished_commands, follow,
+from repeater_setup import (APS, BRIDGE_MAC, CONNECT, MLD_MAC, OK, PACKAGES, STATIONS, UNUSABLE, commands, finished_commands, follow,
                             ifconfig, request, storing_unit, unit)  # noqa: F401 (fixtures)
 
 FLAG_SETS = [(0, 0, 0), (1, 0, 0), (0, 1, 0), (0, 0, 1), (1, 1, 1)]
@@ -495,7 +495,13 @@ def test_a_body_that_is_not_json_is_refused(unit, body):
     unit.assert_calls()
 
 
-@pytest.mark.parametrize("body", ["[]", "42", '"text"', "{}", '{"ssid": "a"}'])
+@pytest.mark.parametrize("body", ["[]", "42", '"text"', "null", "true", "[{}]"])
+def test_a_document_that_is_no_object_is_none(unit, body):
+    assert_refused(unit, unit.post(CONNECT, body), "parse rootJson error")
+    unit.assert_calls()
+
+
+@pytest.mark.parametrize("body", ["{}", '{"ssid": "a"}'])
 def test_a_body_that_is_no_request_is_refused(unit, body):
     assert_refused(unit, unit.post(CONNECT, body), "parse json data error")
     unit.assert_calls()
@@ -507,6 +513,41 @@ def test_every_key_is_needed(unit, key):
     del body[key]
     told = "multiLinkOperationEnable" if key == "tryConnectOrSettingRepeater" else key
     assert_refused(unit, unit.post(CONNECT, body), f"parse {told} json error", "parse json data error")
+    unit.assert_calls()
+
+
+TEXT_KEYS = ("ssid", "bssid", "encryptKey")
+
+
+def test_a_document_of_nulls_leaves_the_uplink_as_it_is(storing_unit):
+    for section in (*STATIONS, "mld7"):
+        storing_unit.set(f"wireless.{section}", "wifi-iface")
+    before = {package: storing_unit.read(f"/etc/config/{package}") for package in PACKAGES}
+    for value in (None, [], {}):
+        assert_refused(storing_unit, storing_unit.post(CONNECT, dict.fromkeys(request(), value)), "parse ssid json error")
+    assert {package: storing_unit.read(f"/etc/config/{package}") for package in PACKAGES} == before
+    storing_unit.assert_calls()
+
+
+@pytest.mark.parametrize("key", list(request()))
+def test_a_member_of_another_kind_is_a_missing_one(unit, key):
+    told = "multiLinkOperationEnable" if key == "tryConnectOrSettingRepeater" else key
+    kinds = [None, [], {}, [1]] + ([True] if key in TEXT_KEYS else ["", "abc", "1x", 0.5])
+    for value in kinds:
+        assert_refused(unit, unit.post(CONNECT, request(**{key: value})), f"parse {told} json error")
+    unit.assert_calls()
+
+
+@pytest.mark.parametrize("key", TEXT_KEYS)
+def test_a_text_that_cannot_be_stored_is_refused_before_the_last_connection_is_cleared(unit, key):
+    for section in (*STATIONS, "mld7"):
+        unit.set(f"wireless.{section}", "wifi-iface")
+    before = unit.read("/etc/config/wireless")
+    texts = ["\x01", "a\x1b[31m"] + (["00:11\n", "\r", "a\tb"] if key == "bssid" else [])
+    for text, mlo in itertools.product(texts, (0, 3)):
+        a = unit.post(CONNECT, request(**{key: text}, multiLinkOperationEnable=mlo))
+        assert_refused(unit, a, f"{key} holds control characters", "parse json data error")
+    assert unit.read("/etc/config/wireless") == before
     unit.assert_calls()
 
 
@@ -543,7 +584,7 @@ def test_a_request_is_told_in_the_log(unit):
 # Texts of the client.
 
 SHORT = {name: text for name, text in HOSTILE.items()
-         if 0 < len(text.encode("utf-8", "surrogateescape")) <= 64 and "\0" not in text}
+         if 0 < len(text.encode("utf-8", "surrogateescape")) <= 64 and name != "control"}
 
 
 @pytest.mark.parametrize("name", SHORT)
@@ -551,7 +592,7 @@ def test_hostile_texts_arrive_whole_and_do_nothing_else(unit, name):
     text = SHORT[name]
     follow(unit, (1, 1, 1))
     length = len(text.encode("utf-8", "surrogateescape"))
-    ssid, bssid = text if length <= 32 else "Upstream", text if length <= 17 else ""
+    ssid, bssid = text if length <= 32 else "Upstream", text if length <= 17 and "\n" not in text else ""
     assert unit.post(CONNECT, request(ssid=ssid, bssid=bssid, encryptKey=text)).text == OK
     unit.wait_for_call("/sbin/wifi", "up")
     arguments = [call.args for call in unit.calls("uci")]

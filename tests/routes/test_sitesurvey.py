@@ -112,8 +112,22 @@ def test_a_6g_network_with_a_pre_shared_key_only_is_reported_as_open(router):
 def test_what_an_access_point_calls_itself_is_only_a_name(router, name):
     text = HOSTILE[name]
     scans(router, bss(0, text), bss(1), bss(2))
-    assert router.get(SURVEY).json["wifiApList"][0]["essid"] == text
+    assert router.get(SURVEY).json["wifiApList"][0]["essid"] == text.encode("utf-8", "surrogateescape").decode("utf-8", "replace")
     router.assert_nothing_ran()
+
+
+@pytest.mark.parametrize("octets", [bytes(range(224, 256)), "日本語ワイファイあ".encode() + b"\xe6\x97", "🛜".encode() * 8, b"\x01\x1b\n\r" * 8,
+                                    b"\xed\xa0\x80\xc0\xaf" + b"\xf5" * 27], ids=repr)
+def test_32_octets_of_anything_are_shown_as_a_text(router, octets):
+    scans(router, bss(0, "".join(f"\\x{octet:02x}" for octet in octets)), bss(1), bss(2))
+    a = router.get(SURVEY)
+    a.text.encode()  # valid UTF-8
+    assert a.json["wifiApList"][0]["essid"] == octets.decode("utf-8", "replace")
+
+
+def test_a_name_is_cut_to_127_bytes_of_whole_characters(router):
+    scans(router, bss(0, "あ" * 50), bss(1, "x" + "\\xe3\\x81\\x82" * 50), bss(2, "y" * 200))
+    assert [e["essid"] for e in router.get(SURVEY).json["wifiApList"]] == ["あ" * 42, "x" + "あ" * 42, "y" * 127]
 
 
 def test_garbage_is_no_scan(router):

@@ -157,8 +157,26 @@ def wait_for_reload(router):
 
 
 def cut(text, size):
-    """What a buffer of `size` bytes keeps of a text."""
-    return text.encode("utf-8", "surrogateescape")[:size - 1].decode("utf-8", "surrogateescape")
+    """What a buffer of `size` bytes keeps of a text: whole characters."""
+    data = text.encode("utf-8", "surrogateescape")
+    end = size - 1
+    for begin in range(max(0, end - 3), end if len(data) > end else 0):
+        if any(is_character(data[begin:behind]) for behind in range(end + 1, begin + 5)):
+            end = begin
+            break
+    return data[:end].decode("utf-8", "surrogateescape")
+
+
+def is_character(data):
+    try:
+        return len(data.decode()) == 1
+    except UnicodeDecodeError:
+        return False
+
+
+def shown(text):
+    """How an answer shows a text: what is no UTF-8 as U+FFFD."""
+    return text.encode("utf-8", "surrogateescape").decode("utf-8", "replace")
 
 
 def told(router, text):

@@ -10,15 +10,15 @@
 namespace {
 
 std::string parse_in_pieces(std::size_t band, std::string_view text, std::size_t piece_size) {
-  const json::JsonPtr list = json::new_array();
-  ScanParser parser(band, list.get());
+  json::ListText list;
+  ScanParser parser(band, list);
   while (!text.empty()) {
     const std::string_view piece = text.substr(0, piece_size);
     parser.feed(piece);
     text.remove_prefix(piece.size());
   }
   parser.finish();
-  return json::to_text(list.get());
+  return std::move(list).text();
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 #include <limits>
 
 #include <gtest/gtest.h>
+#include <json-c/json.h>
 
+#include "answer/json_reading.h"
 #include "platform/file.h"
 
 namespace {
@@ -13,19 +15,22 @@ std::string fixture(const std::string& name) {
   return platform::read_file((std::string(UNIT_FIXTURES "/") + name).c_str()).value();
 }
 
-json::JsonPtr parse_scan(std::size_t band, std::string_view text, std::size_t piece_size = 65536) {
-  json::JsonPtr list = json::new_array();
-  ScanParser parser(band, list.get());
+// The list as it is answered.
+std::string survey(std::size_t band, std::string_view text, std::size_t piece_size = 65536) {
+  json::ListText list;
+  ScanParser parser(band, list);
   while (!text.empty()) {
     const std::string_view piece = text.substr(0, piece_size);
     parser.feed(piece);
     text.remove_prefix(piece.size());
   }
   parser.finish();
-  return list;
+  return std::move(list).text();
 }
 
-std::string survey(std::size_t band, std::string_view text) { return json::to_text(parse_scan(band, text).get()); }
+json::Document as_document(const std::string& list) { return json::Document(("{\"list\":" + list + "}").c_str()); }
+
+json::Document scan(std::size_t band, std::string_view text) { return as_document(survey(band, text)); }
 
 // One access point on 2.4 GHz that is shown, with more lines of its own.
 std::string with_lines(std::string_view lines) {
@@ -39,9 +44,17 @@ std::string shown_with(std::string_view changes) {
 }
 
 std::string essid_of(std::string_view ssid_text) {
-  const json::JsonPtr list = parse_scan(
+  const json::Document shown = scan(
       0, "BSS 00:11:22:33:44:55(on mld1)\n\tfreq: 2412\n\tsignal: -60 dBm\n\tSSID:" + std::string(ssid_text) + "\n");
-  return json::text_member(json_object_array_get_idx(list.get(), 0), "essid").value_or("<not shown>");
+  return shown->list("list").at(0).text("essid").value_or("<not shown>");
+}
+
+// Of two JSON texts, whatever the order of the keys.
+bool are_equal(const std::string& left, const std::string& right) {
+  json_object* const values[] = {json_tokener_parse(left.c_str()), json_tokener_parse(right.c_str())};
+  const bool equal = json_object_equal(values[0], values[1]) != 0;
+  for (json_object* value : values) json_object_put(value);
+  return equal;
 }
 
 struct Fixture {
@@ -53,24 +66,19 @@ constexpr Fixture kFixtures[] = {{"2g", 0, 100}, {"5g", 1, 100}, {"6g", 2, 80}};
 
 TEST(ScanParser, ReadsFullScansOfEachBand) {
   for (const Fixture& row : kFixtures) {
-    const json::JsonPtr expected = json::parse(fixture(std::string("scan_") + row.name + ".json").c_str());
-    const json::JsonPtr list = parse_scan(row.band, fixture(std::string("scan_") + row.name + ".txt"));
-    ASSERT_GT(json_object_array_length(expected.get()), row.shown);
-    ASSERT_EQ(json_object_array_length(list.get()), json_object_array_length(expected.get())) << row.name;
-    for (std::size_t i = 0; i < json_object_array_length(list.get()); ++i) {
-      EXPECT_TRUE(
-          json_object_equal(json_object_array_get_idx(list.get(), i), json_object_array_get_idx(expected.get(), i)))
-          << row.name << ' ' << json::to_text(json_object_array_get_idx(list.get(), i));
-    }
+    const std::string expected = fixture(std::string("scan_") + row.name + ".json");
+    ASSERT_GT(as_document(expected)->list("list").size(), row.shown);
+    const std::string list = survey(row.band, fixture(std::string("scan_") + row.name + ".txt"));
+    EXPECT_TRUE(are_equal(list, expected)) << row.name;
   }
 }
 
 TEST(ScanParser, DoesNotDependOnHowTheTextComes) {
   for (const Fixture& row : kFixtures) {
     const std::string text = fixture(std::string("scan_") + row.name + ".txt").substr(0, 60000);
-    const std::string whole = json::to_text(parse_scan(row.band, text, text.size()).get());
+    const std::string whole = survey(row.band, text, text.size());
     for (const std::size_t piece_size : {1U, 7U, 1022U, 1023U, 1024U, 4096U}) {
-      EXPECT_EQ(json::to_text(parse_scan(row.band, text, piece_size).get()), whole) << piece_size;
+      EXPECT_EQ(survey(row.band, text, piece_size), whole) << piece_size;
     }
   }
 }
@@ -119,11 +127,9 @@ TEST(ScanParser, DropsAnAccessPointHeardOutsideTheBandEntirely) {
 TEST(ScanParser, StartsEachBlockWithoutWhatTheLastOneTold) {
   const std::string first = with_lines("\tRSN:\t * Version: 1\n\t\t * Authentication suites: PSK SAE\n");
   const std::string text = first + "BSS 66:55:44:33:22:11(on mld1)\n\tfreq: 2437\n\tsignal: -90 dBm\n\tSSID: b\n";
-  const json::JsonPtr list = parse_scan(0, text);
-  ASSERT_EQ(json_object_array_length(list.get()), 2U);
   EXPECT_EQ(
-      json::to_text(json_object_array_get_idx(list.get(), 1)),
-      R"({ "bssid": "66:55:44:33:22:11", "band": 1, "channel": 6, "wirelessProduct": 4, "rssi": 0, "essid": "b", "security": 1 })");
+      survey(0, text),
+      R"([ { "bssid": "00:11:22:33:44:55", "band": 1, "wirelessProduct": 4, "channel": 1, "rssi": 50, "essid": "net", "security": 8 }, { "bssid": "66:55:44:33:22:11", "band": 1, "channel": 6, "wirelessProduct": 4, "rssi": 0, "essid": "b", "security": 1 } ])");
 }
 
 struct BlockStart {
@@ -145,10 +151,9 @@ TEST(ScanParser, ReadsTheBssidUpToTheParenthesis) {
       {"BSS ", ""},
   };
   for (const BlockStart& row : rows) {
-    const json::JsonPtr list =
-        parse_scan(0, std::string(row.line) + "\n\tfreq: 2412\n\tsignal: -60 dBm\n\tSSID: net\n");
-    ASSERT_EQ(json_object_array_length(list.get()), 1U) << row.line;
-    const auto bssid = json::text_member(json_object_array_get_idx(list.get(), 0), "bssid");
+    const json::Document shown = scan(0, std::string(row.line) + "\n\tfreq: 2412\n\tsignal: -60 dBm\n\tSSID: net\n");
+    ASSERT_EQ(shown->list("list").size(), 1U) << row.line;
+    const auto bssid = shown->list("list").at(0).text("bssid");
     EXPECT_EQ(bssid.has_value(), row.bssid != nullptr) << row.line;
     if (row.bssid != nullptr) {
       EXPECT_EQ(bssid.value_or("?"), row.bssid);
@@ -167,7 +172,7 @@ TEST(ScanParser, ReadsTheSsidAsIwPrintsIt) {
   EXPECT_EQ(essid_of(" RSN: signal"), "RSN: signal");
   EXPECT_EQ(essid_of(" freq: 1"), "<not shown>");  // the earlier rule takes the line, and the frequency with it
   EXPECT_EQ(essid_of(" " + std::string(200, 'a')), std::string(127, 'a'));
-  EXPECT_EQ(essid_of(" " + std::string(126, 'a') + "\\x41"), std::string(126, 'a') + "\\");
+  EXPECT_EQ(essid_of(" " + std::string(126, 'a') + "\\x41"), std::string(126, 'a') + "A");
 }
 
 TEST(ScanParser, CutsALineThatIsTooLong) {
@@ -180,13 +185,13 @@ TEST(ScanParser, CutsALineThatIsTooLong) {
 
 // Quadratic work would run into the time limit of the test program.
 TEST(ScanParser, TakesLongTextsInTheTimeTheyTake) {
-  constexpr std::size_t kLong = 16 << 20;
+  constexpr std::size_t kLong = 4 << 20;
   EXPECT_EQ(survey(0, std::string(kLong, 'x')), "[ ]");
   EXPECT_EQ(essid_of(" " + std::string(kLong, 'a')), std::string(127, 'a'));
-  constexpr std::size_t kBlocks = 50000;
+  constexpr std::size_t kBlocks = 10000;
   std::string text;
   for (std::size_t i = 0; i < kBlocks; ++i) text += with_lines("");
-  EXPECT_EQ(json_object_array_length(parse_scan(0, text).get()), kBlocks);
+  EXPECT_EQ(scan(0, text)->list("list").size(), kBlocks);
 }
 
 TEST(ScanParser, EndsALineAtAZeroByte) {
@@ -208,19 +213,18 @@ TEST(ScanParser, LetsTheFirstAttributeLineDecideTheProduct) {
       {"\tHT operation:", 4},  {"\tfreq: 2412", 4},    {"", 4},
   };
   for (const ProductCase& row : rows) {
-    const json::JsonPtr list =
-        parse_scan(0, std::string("BSS 1(on mld1)\n") + row.first_line +
-                          "\n\tfreq: 2412\n\tsignal: -60 dBm\n\tSSID: net\n\tEHT Operation:\n\tHE Operation:\n");
-    EXPECT_EQ(json::int_member(json_object_array_get_idx(list.get(), 0), "wirelessProduct"), row.product)
-        << row.first_line;
+    const json::Document shown =
+        scan(0, std::string("BSS 1(on mld1)\n") + row.first_line +
+                    "\n\tfreq: 2412\n\tsignal: -60 dBm\n\tSSID: net\n\tEHT Operation:\n\tHE Operation:\n");
+    EXPECT_EQ(shown->list("list").at(0).number("wirelessProduct"), row.product) << row.first_line;
   }
 }
 
 TEST(ScanParser, TellsTheProductByTheFrequencyWhereThatComesFirst) {
   const auto product_at = [](std::size_t band, const char* freq) {
-    const json::JsonPtr list =
-        parse_scan(band, std::string("BSS 1(on mld1)\n\tfreq: ") + freq + "\n\tsignal: -60 dBm\n\tSSID: net\n");
-    return json::int_member(json_object_array_get_idx(list.get(), 0), "wirelessProduct");
+    const json::Document shown =
+        scan(band, std::string("BSS 1(on mld1)\n\tfreq: ") + freq + "\n\tsignal: -60 dBm\n\tSSID: net\n");
+    return shown->list("list").at(0).number("wirelessProduct");
   };
   EXPECT_EQ(product_at(0, "2412"), 4);
   EXPECT_EQ(product_at(1, "5180.0"), 5);
@@ -255,11 +259,9 @@ TEST(ScanParser, ClassifiesWhatTheElementsTell) {
   for (const SecurityCase& row : rows) {
     for (const std::size_t band : {0U, 1U, 2U}) {
       const char* freq = band == 0 ? "2412" : band == 1 ? "5180" : "5955";
-      const json::JsonPtr list = parse_scan(
-          band, std::string("BSS 1(on mld1)\n\tfreq: ") + freq + "\n\tsignal: -60 dBm\n\tSSID: net\n" + row.lines);
-      EXPECT_EQ(json::int_member(json_object_array_get_idx(list.get(), 0), "security"),
-                band == 2 ? row.on_6g : row.on_2g)
-          << band << row.lines;
+      const json::Document shown =
+          scan(band, std::string("BSS 1(on mld1)\n\tfreq: ") + freq + "\n\tsignal: -60 dBm\n\tSSID: net\n" + row.lines);
+      EXPECT_EQ(shown->list("list").at(0).number("security"), band == 2 ? row.on_6g : row.on_2g) << band << row.lines;
     }
   }
 }
@@ -353,8 +355,8 @@ TEST(UnescapeSsid, TurnsEscapesIntoBytes) {
 }
 
 TEST(ScanParser, TellsWhetherABlockBegan) {
-  const json::JsonPtr list = json::new_array();
-  ScanParser parser(0, list.get());
+  json::ListText list;
+  ScanParser parser(0, list);
   parser.feed("nothing\n");
   EXPECT_FALSE(parser.seen_block());
   parser.feed("BSS");
