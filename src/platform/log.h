@@ -20,5 +20,8 @@ int fork_with_log_idle();
 // Failures (syslog priority 3) and traces (priority 7).
 #define log_error(...) ::platform::write_log(LOG_ERR, __func__, __LINE__, __VA_ARGS__)
 #define log_debug(...) ::platform::write_log(LOG_DEBUG, __func__, __LINE__, __VA_ARGS__)
+// The same, of a helper whose messages are known by the name of the function that it works for.
+#define log_error_as(function, ...) ::platform::write_log(LOG_ERR, function, __LINE__, __VA_ARGS__)
+#define log_debug_as(function, ...) ::platform::write_log(LOG_DEBUG, function, __LINE__, __VA_ARGS__)
 // "\033[1;32m %s\033[0m \033[1;36m[%s:%d]\033[0m \033[1;31m ...\033[0m" with source path, function and line.
 #define trace_stderr(...) ::platform::write_trace(__FILE__, __func__, __LINE__, __VA_ARGS__)

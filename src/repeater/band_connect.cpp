@@ -10,18 +10,22 @@
 
 namespace {
 
+// The messages of the helpers are known by the name of the function that they work for.
+constexpr const char* kConnect = "SetWifiConnectInfoByBand";
+
 // What the configuration of one band has beyond the others.
 struct BandConfig {
   int (*set_config)(const RepeaterConnectInfo& info, const FollowFlags& flags);
   const char* extra_radio_command;    // nullptr: none
   const char* extra_station_command;  // nullptr: none
   const char* name_in_log;
+  const char* function;  // that the messages are known by
 };
 
 constexpr std::array<BandConfig, kBandCount> kBandConfigs{{
-    {SetConfig24G, nullptr, nullptr, "24g"},
-    {SetConfig5G, "set wireless.ath1.cactimeout=0", nullptr, "5g"},
-    {SetConfig6G, nullptr, "set wireless.ath23.en_6g_sec_comp=0", "6g"},
+    {SetConfig24G, nullptr, nullptr, "24g", "SetConfig24G"},
+    {SetConfig5G, "set wireless.ath1.cactimeout=0", nullptr, "5g", "SetConfig5G"},
+    {SetConfig6G, nullptr, "set wireless.ath23.en_6g_sec_comp=0", "6g", "SetConfig6G"},
 }};
 
 void set_option(const char* section, const char* option, const char* value) {
@@ -46,12 +50,13 @@ void attach_interfaces(const Band& band, const BandConfig& config) {
 
 int set_band_config(std::size_t index, const RepeaterConnectInfo& info, const FollowFlags& flags) {
   const Band& band = kBands[index];
-  set_radio(band, kBandConfigs[index]);
-  if (set_security_of_following_aps(info.encrypt_type, flags) != 0) return 1;
-  if (set_security(band.station, info.encrypt_type) != 0) return 1;
-  if (set_ssid_and_key_of_aps(info, flags) != 0) return 1;
-  if (set_ssid_and_key(band.station, info, flags) != 0) return 1;
-  attach_interfaces(band, kBandConfigs[index]);
+  const BandConfig& config = kBandConfigs[index];
+  set_radio(band, config);
+  if (set_security_of_following_aps(info.encrypt_type, flags, config.function) != 0) return 1;
+  if (set_security(band.station, info.encrypt_type, config.function) != 0) return 1;
+  if (set_ssid_and_key_of_aps(info, flags, config.function) != 0) return 1;
+  if (set_ssid_and_key(band.station, info, flags, config.function) != 0) return 1;
+  attach_interfaces(band, config);
   return 0;
 }
 
@@ -66,17 +71,17 @@ int set_bands_of_frequency(const RepeaterConnectInfo& info, const FollowFlags& f
     record_select_band(info.frequency);
     int result = 0;
     for (const BandConfig& config : kBandConfigs) result |= config.set_config(info, flags);
-    if (result != 0) log_error("set wifi param error\n");
+    if (result != 0) log_error_as(kConnect, "set wifi param error\n");
     return result;
   }
   if (info.frequency < 0 || info.frequency > static_cast<int>(kBandCount)) {
-    log_error("set  wifi frequency param error\n");
+    log_error_as(kConnect, "set  wifi frequency param error\n");
     return 1;
   }
   record_select_band(info.frequency);
   const BandConfig& config = kBandConfigs[static_cast<std::size_t>(info.frequency - 1)];
   if (config.set_config(info, flags) == 0) return 0;
-  log_error("set %s wifi param error\n", config.name_in_log);
+  log_error_as(kConnect, "set %s wifi param error\n", config.name_in_log);
   return 1;
 }
 
@@ -96,7 +101,7 @@ void ClearLastConnect() {
 int SetWifiConnectInfoByBand(const RepeaterConnectInfo& info) {
   ClearLastConnect();
   uci_command("set repeater.repeater_band.mlo=0");
-  const std::optional<FollowFlags> flags = read_follow_flags();
+  const std::optional<FollowFlags> flags = read_follow_flags(__func__);
   if (!flags) return 1;
   if (set_bands_of_frequency(info, *flags) != 0) return 1;
   if (SetNetworkParamInfoToConnect() != 0) {

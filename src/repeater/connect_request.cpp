@@ -8,6 +8,9 @@
 
 namespace {
 
+// The messages of the helpers are known by the name of the function that they work for.
+constexpr const char* kParser = "ParseRepeaterJsonData";
+
 // One key of the request and the field that it fills. The texts are what the log names the key by.
 struct TextKey {
   const char* key;
@@ -37,15 +40,15 @@ constexpr IntKey kTryOrSetting{"tryConnectOrSettingRepeater", "multiLinkOperatio
 bool read_key(json::Object root, RepeaterConnectInfo& info, const TextKey& text) {
   const std::optional<std::string> value = root.text(text.key);
   if (!value) {
-    log_error("parse %s json error\n", text.key);
+    log_error_as(kParser, "parse %s json error\n", text.key);
     return false;
   }
   if (value->size() > text.max_bytes) {
-    log_error("%s string is too long\n", text.name_when_too_long);
+    log_error_as(kParser, "%s string is too long\n", text.name_when_too_long);
     return false;
   }
   if (!text.is_storable(*value)) {
-    log_error("%s holds control characters\n", text.key);
+    log_error_as(kParser, "%s holds control characters\n", text.key);
     return false;
   }
   info.*text.field = *value;
@@ -55,7 +58,7 @@ bool read_key(json::Object root, RepeaterConnectInfo& info, const TextKey& text)
 bool read_key(json::Object root, RepeaterConnectInfo& info, const IntKey& number) {
   const std::optional<int> value = root.number(number.key);
   if (!value) {
-    log_error("parse %s json error\n", number.name_when_missing);
+    log_error_as(kParser, "parse %s json error\n", number.name_when_missing);
     return false;
   }
   info.*number.field = *value;

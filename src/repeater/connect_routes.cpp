@@ -16,6 +16,9 @@
 
 namespace {
 
+// The messages of this file are known by the name of their route's handler.
+constexpr const char* kHandler = "handle_repeater_connect";
+
 // Spaced as the clients know them.
 constexpr std::string_view kAnswerOk = "{\"result\": 0, \"version\": 1, \t\"waitTime\": 80}";
 constexpr std::string_view kAnswerUnusable = R"({"result": 1, "version": 1,    "waitTime": 20})";
@@ -25,24 +28,24 @@ constexpr std::string_view kAnswerUnusable = R"({"result": 1, "version": 1,    "
 int parse_request(const char* body, RepeaterConnectInfo& info) {
   const json::Document document(body);
   if (!document) {
-    log_error("parse rootJson error\n");
+    log_error_as(kHandler, "parse rootJson error\n");
     return 1;
   }
   if (ParseRepeaterJsonData(document.root(), info) != 0) {
-    log_error("parse json data error\n");
+    log_error_as(kHandler, "parse json data error\n");
     return 1;
   }
-  log_debug("ssid=%s,bssid=%s\n", info.ssid.c_str(), info.bssid.c_str());
-  log_debug("frequency=%d,encryptType=%d\n", info.frequency, info.encrypt_type);
-  log_debug("encryptKey=%s,multiRuEnable=%d\n", info.encrypt_key.c_str(), info.multi_ru_enable);
-  log_debug("multiLinkOperationEnable=%d,tryConnectOrSettingRepeater=%d\n", info.multi_link_operation_enable,
-            info.try_connect_or_setting_repeater);
+  log_debug_as(kHandler, "ssid=%s,bssid=%s\n", info.ssid.c_str(), info.bssid.c_str());
+  log_debug_as(kHandler, "frequency=%d,encryptType=%d\n", info.frequency, info.encrypt_type);
+  log_debug_as(kHandler, "encryptKey=%s,multiRuEnable=%d\n", info.encrypt_key.c_str(), info.multi_ru_enable);
+  log_debug_as(kHandler, "multiLinkOperationEnable=%d,tryConnectOrSettingRepeater=%d\n",
+               info.multi_link_operation_enable, info.try_connect_or_setting_repeater);
   return 0;
 }
 
 int set_multi_ru(int enable) {
   if (enable != 0 && enable != 1) {
-    log_error("multiRuEnable error\n");
+    log_error_as(kHandler, "multiRuEnable error\n");
     return 1;
   }
   uci_command(enable == 1 ? "set wireless.wifi1.dfs_puncture_en=1" : "set wireless.wifi1.dfs_puncture_en=0");
@@ -60,11 +63,11 @@ void set_extra_aps_disabled(const char* disabled) {
 int try_connect(const RepeaterConnectInfo& info) {
   if (info.multi_link_operation_enable == kMloOff) {
     if (SetWifiConnectInfoByBand(info) != 0) {
-      log_error("SetWifiConnectInfoByBand error\n");
+      log_error_as(kHandler, "SetWifiConnectInfoByBand error\n");
       return 1;
     }
   } else if (SetWifiConnectInfoByMlo(info) != 0) {
-    log_error("SetWifiConnectInfoByMlo error\n");
+    log_error_as(kHandler, "SetWifiConnectInfoByMlo error\n");
     return 1;
   }
   set_aps_disabled("1");
@@ -102,7 +105,7 @@ int apply_setting(const RepeaterConnectInfo& info) {
   constexpr std::size_t kStatusSize = 8;
   const std::optional<std::string> status = uci_read("repeater", "repeater_band", "status", kStatusSize);
   if (!status) {
-    log_error("get repeater result error\n");
+    log_error_as(kHandler, "get repeater result error\n");
     return 1;
   }
   if (*status != "success") {
@@ -110,25 +113,25 @@ int apply_setting(const RepeaterConnectInfo& info) {
     return 0;
   }
   if (StartDhcpServerAfterConnectedSucc() != 0) {
-    log_error("StartDhcpServerAfterConnect error\n");
+    log_error_as(kHandler, "StartDhcpServerAfterConnect error\n");
     return 1;
   }
   enable_aps();
   reload_network(info.multi_link_operation_enable);
-  if (CheckWifiConnectStatus() != 0) log_error("Wifi monitoring init failed");
+  if (CheckWifiConnectStatus() != 0) log_error_as(kHandler, "Wifi monitoring init failed");
   return 0;
 }
 
 int connect_repeater(const char* body) {
   if (body == nullptr) {
-    log_error("request_body is null\n");
+    log_error_as(kHandler, "request_body is null\n");
     return 1;
   }
   if (stop_uplink_monitor()) platform::sleep_seconds(1);
   RepeaterConnectInfo info;
   if (parse_request(body, info) != 0) return 1;
   if (set_multi_ru(info.multi_ru_enable) != 0) return 1;
-  read_compati_mode();  // only told in the log: every mode gets the same answer
+  read_compati_mode(kHandler);  // only told in the log: every mode gets the same answer
   if (info.try_connect_or_setting_repeater == kTryConnect) return try_connect(info);
   if (info.try_connect_or_setting_repeater == kApplySetting) return apply_setting(info);
   return 0;

@@ -59,7 +59,7 @@ bool reads_one(const char* ifname, const char* option) {
   return uci_read_or("wireless", ifname, option, kSwitchSize, "") == "1";
 }
 
-// A station's key is written only where the access point of its band follows: the settings page counts on it.
+// A station's key is written only where the access point of its band follows: kept as it is.
 void set_keys(std::string_view ifname, const char* key, const FollowFlags& flags) {
   for (std::size_t band = 0; band < kBandCount; ++band) {
     if (flags[band] == 0) continue;
@@ -76,14 +76,14 @@ void set_station(std::string_view ifname, const char* ssid, int compati_mode) {
 
 }  // namespace
 
-std::optional<FollowFlags> read_follow_flags() {
+std::optional<FollowFlags> read_follow_flags(const char* caller) {
   constexpr std::size_t kFlagSize = 4;
   constexpr int kDecimal = 10;
   FollowFlags flags{};
   for (std::size_t band = 0; band < kBandCount; ++band) {
     const std::optional<std::string> value = uci_read("wireless", kBands[band].ap, "ssid_change", kFlagSize);
     if (!value) {
-      log_error("get %s ssid_change error\n", kBands[band].ap);
+      log_error_as(caller, "get %s ssid_change error\n", kBands[band].ap);
       return std::nullopt;
     }
     flags[band] = static_cast<int>(std::strtol(value->c_str(), nullptr, kDecimal));
@@ -125,7 +125,7 @@ int SetWifiBasicPara(const char* ifname, const char* ssid, const char* key, cons
   }
   if (key != nullptr) set_keys(name, key, flags);
 
-  const int compati_mode = read_compati_mode();
+  const int compati_mode = read_compati_mode(__func__);
   const auto is_station = [name](const Band& band) { return name == band.station; };
   if (std::any_of(kBands.begin(), kBands.end(), is_station)) {
     set_station(name, ssid, compati_mode);
@@ -139,28 +139,29 @@ int SetWifiBasicPara(const char* ifname, const char* ssid, const char* key, cons
   return 1;
 }
 
-int set_security(const char* ifname, int encrypt_type) {
+int set_security(const char* ifname, int encrypt_type, const char* caller) {
   if (SetWifiParaByEncrypt(ifname, encrypt_type) == 0) return 0;
-  log_error("%s set enc error\n", ifname);
+  log_error_as(caller, "%s set enc error\n", ifname);
   return 1;
 }
 
-int set_security_of_following_aps(int encrypt_type, const FollowFlags& flags) {
+int set_security_of_following_aps(int encrypt_type, const FollowFlags& flags, const char* caller) {
   for (std::size_t band = 0; band < kBandCount; ++band) {
-    if (flags[band] != 0 && set_security(kBands[band].ap, encrypt_type) != 0) return 1;
+    if (flags[band] != 0 && set_security(kBands[band].ap, encrypt_type, caller) != 0) return 1;
   }
   return 0;
 }
 
-int set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags) {
+int set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags,
+                     const char* caller) {
   if (SetWifiBasicPara(ifname, info.ssid.c_str(), info.encrypt_key.c_str(), flags) == 0) return 0;
-  log_error("set %s ssid key error\n", ifname);
+  log_error_as(caller, "set %s ssid key error\n", ifname);
   return 1;
 }
 
-int set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags) {
+int set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller) {
   for (const Band& band : kBands) {
-    if (set_ssid_and_key(band.ap, info, flags) != 0) return 1;
+    if (set_ssid_and_key(band.ap, info, flags, caller) != 0) return 1;
   }
   return 0;
 }

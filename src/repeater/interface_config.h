@@ -10,9 +10,6 @@
 // Whether the local access point of a band takes over the upstream SSID, key and security (non-zero), by band.
 using FollowFlags = std::array<int, kBandCount>;
 
-// Reads the three flags from wireless.<ap>.ssid_change; nullopt when one cannot be read.
-std::optional<FollowFlags> read_follow_flags();
-
 // Makes `ifname` (ath02 ... ath23) a wifi-iface with the security of `encrypt_type`. 0, or 1 without an interface.
 int SetWifiParaByEncrypt(const char* ifname, int encrypt_type);
 
@@ -20,10 +17,15 @@ int SetWifiParaByEncrypt(const char* ifname, int encrypt_type);
 // `key` may be nullptr. 0, or 1 for a missing or unknown interface, or a missing SSID.
 int SetWifiBasicPara(const char* ifname, const char* ssid, const char* key, const FollowFlags& flags);
 
+// What follows logs under `caller`, the function that the messages are known by.
+
+// Reads the three flags from wireless.<ap>.ssid_change; nullopt when one cannot be read.
+std::optional<FollowFlags> read_follow_flags(const char* caller);
+
 // SetWifiParaByEncrypt of every access point that follows. 0 or 1, logged.
-int set_security_of_following_aps(int encrypt_type, const FollowFlags& flags);
+int set_security_of_following_aps(int encrypt_type, const FollowFlags& flags, const char* caller);
 // SetWifiParaByEncrypt and SetWifiBasicPara of one interface. 0 or 1, logged.
-int set_security(const char* ifname, int encrypt_type);
-int set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags);
+int set_security(const char* ifname, int encrypt_type, const char* caller);
+int set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller);
 // set_ssid_and_key of the three access points.
-int set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags);
+int set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller);

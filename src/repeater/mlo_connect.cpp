@@ -15,6 +15,9 @@
 
 namespace {
 
+// The messages of the helpers are known by the name of the function that they work for.
+constexpr const char* kConnect = "SetWifiConnectInfoByMlo";
+
 // When the 6 GHz station learns that it accepts any security.
 enum class SecurityCheckOff { kNever, kLast, kAfterAccessPoints };
 
@@ -77,12 +80,13 @@ constexpr std::array<MloVariant, 3> kVariants{{
 }};
 
 int set_security_and_ssids(const MloVariant& variant, const RepeaterConnectInfo& info) {
-  const std::optional<FollowFlags> flags = read_follow_flags();
+  const char* caller = variant.name_in_log;
+  const std::optional<FollowFlags> flags = read_follow_flags(caller);
   if (!flags) return 1;
-  if (set_security_of_following_aps(info.encrypt_type, *flags) != 0) return 1;
-  if (set_ssid_and_key_of_aps(info, *flags) != 0) return 1;
+  if (set_security_of_following_aps(info.encrypt_type, *flags, caller) != 0) return 1;
+  if (set_ssid_and_key_of_aps(info, *flags, caller) != 0) return 1;
   for (const std::size_t station : variant.stations) {
-    if (set_security(kBands[station].station, info.encrypt_type) != 0) return 1;
+    if (set_security(kBands[station].station, info.encrypt_type, caller) != 0) return 1;
   }
   return 0;
 }
@@ -113,7 +117,7 @@ void delete_option_of_all_stations(const char* option) {
 }
 
 void set_bridging(const MloVariant& variant) {
-  const int compati_mode = read_compati_mode();
+  const int compati_mode = read_compati_mode(variant.name_in_log);
   delete_option_of_all_stations("extap");
   delete_option_of_all_stations("wds");
   set_station_option(variant, compati_mode == kStationUsesExtap ? "extap" : "wds", "1");
@@ -155,11 +159,11 @@ std::optional<std::string> read_bridge_mac() {
   constexpr std::size_t kMacMax = 17;
   const platform::ProcessResult result = platform::run_shell(R"(ifconfig br-lan | grep 'HWaddr' | awk '{print $5}')");
   if (!result.started) {
-    log_error("popen error\n");
+    log_error_as(kConnect, "popen error\n");
     return std::nullopt;
   }
   if (result.output.empty()) {
-    log_error("get br_lan mac error\n");
+    log_error_as(kConnect, "get br_lan mac error\n");
     return std::nullopt;
   }
   return platform::split_lines(result.output, kMacMax + 1).front();
@@ -172,7 +176,7 @@ int set_variant(const RepeaterConnectInfo& info, std::string_view previous_mlo, 
   if (number < 1 || number > static_cast<int>(kVariants.size())) return 0;
   const MloVariant& variant = kVariants[static_cast<std::size_t>(number - 1)];
   if (variant.set_info(info, previous_mlo, mld_mac) == 0) return 0;
-  log_error("%s error\n", variant.name_in_log);
+  log_error_as(kConnect, "%s error\n", variant.name_in_log);
   return 1;
 }
 

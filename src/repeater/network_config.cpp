@@ -16,6 +16,9 @@
 
 namespace {
 
+// The messages of the helpers are known by the name of the function that they work for.
+constexpr const char* kStart = "StartDhcpServerAfterConnectedSucc";
+
 constexpr std::size_t kAddressMax = 15;
 constexpr std::size_t kMloSize = 4;
 constexpr std::size_t kBandNameSize = 8;
@@ -32,13 +35,13 @@ std::span<const std::size_t> find_stations(std::string_view mlo, std::string_vie
   if (mlo == "2") return kMlo56;
   if (mlo == "3") return kMlo256;
   if (mlo != "0") {
-    log_error("get mlo band error\n");
+    log_error_as(kStart, "get mlo band error\n");
     return {};
   }
   const auto is_named = [band_name](const Band& band) { return band_name == band.name; };
   const auto band = std::find_if(kBands.begin(), kBands.end(), is_named);
   if (band == kBands.end()) {
-    log_error("repeater band error\n");
+    log_error_as(kStart, "repeater band error\n");
     return {};
   }
   return std::span(kSingleBands).subspan(static_cast<std::size_t>(band - kBands.begin()), 1);
@@ -47,12 +50,12 @@ std::span<const std::size_t> find_stations(std::string_view mlo, std::string_vie
 int attach_stations() {
   const std::optional<std::string> band = uci_read("repeater", "repeater_band", "repeater_select_band", kBandNameSize);
   if (!band) {
-    log_error("get repeater band error\n");
+    log_error_as(kStart, "get repeater band error\n");
     return 1;
   }
   const std::optional<std::string> mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
   if (!mlo) {
-    log_error("get mlo band error\n");
+    log_error_as(kStart, "get mlo band error\n");
     return 1;
   }
   const std::span<const std::size_t> stations = find_stations(*mlo, *band);
@@ -106,7 +109,7 @@ int SetNetworkParamInfoToConnect() {
 
   std::string prefix;
   if (GetLanIpaddrPrefix(address, prefix) != 0) return 1;
-  uci_set_value("dhcp.lan.start", prefix + ".204");  // a whole address: the platform's dnsmasq script wants it so
+  uci_set_value("dhcp.lan.start", prefix + ".204");  // a whole address: kept as it is
   os_system("/etc/init.d/dnsmasq restart");
   return 0;
 }

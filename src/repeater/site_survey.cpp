@@ -15,14 +15,17 @@ namespace {
 
 constexpr int kAttempts = 15;
 constexpr unsigned int kRetrySeconds = 2;
+constexpr std::size_t kOutputMax = std::size_t{64} << 20;  // of one scan; a busy band tells some 4 MB
 
 enum class ScanResult { kNotStarted, kNoBlock, kDone };
 
 ScanResult scan_once(const std::string& command, std::size_t band, json::ListText& list) {
   ScanParser parser(band, list);
-  const auto feed = [&parser](std::string_view piece) {
+  std::size_t read = 0;
+  const auto feed = [&](std::string_view piece) {
     parser.feed(piece);
-    return true;
+    read += piece.size();
+    return read < kOutputMax;
   };
   if (!platform::run_shell(command, {.reader = feed}).started) return ScanResult::kNotStarted;
   parser.finish();

@@ -18,6 +18,9 @@
 
 namespace {
 
+// The messages of this file are known by the name of their route's handler.
+constexpr const char* kHandler = "handle_get_repeaterconnect_json";
+
 constexpr const char* kNoMac = "000000000000";
 constexpr const char* kMainMld = "mld0";
 constexpr std::size_t kCodeSize = 4;
@@ -50,7 +53,7 @@ struct Report {
   // The value of a read, or an empty text, a message and the error mark for a failed one.
   std::string expect(const std::optional<std::string>& value, const std::string& message) {
     if (!value) {
-      log_error("%s", message.c_str());
+      log_error_as(kHandler, "%s", message.c_str());
       failed = true;
     }
     return value.value_or("");
@@ -85,7 +88,8 @@ constexpr std::array<StationMessages, kBandCount> kStationMessages{{
 
 std::string read_station_mac(std::size_t band) {
   std::array<char, 18> mac{};
-  if (get_interface_macaddr(kBands[band].station, mac.data()) != 0) log_error("%s", kStationMessages[band].mac_failed);
+  if (get_interface_macaddr(kBands[band].station, mac.data()) != 0)
+    log_error_as(kHandler, "%s", kStationMessages[band].mac_failed);
   return mac.data();
 }
 
@@ -96,7 +100,7 @@ BandTexts read_links(Report& report, const char* mld, std::span<const std::size_
   for (const std::size_t band : bands) {
     std::array<char, 18> mac{};
     if (get_mld_link_macaddr(kLinks[band], mac.data(), mld) != 0) {
-      log_error(band == k24g ? "get link0macaddr failed\n" : "get link1macaddr failed\n");
+      log_error_as(kHandler, band == k24g ? "get link0macaddr failed\n" : "get link1macaddr failed\n");
       report.failed = true;
     }
     texts[band] = mac.data();
@@ -219,7 +223,7 @@ void add_easymesh(Report& report) {
   std::string ssid;
   std::string key;
   if (get_agent_backhul_info(ssid, key) != 0) {
-    log_error("get agent backhaul info failed\n");
+    log_error_as(kHandler, "get agent backhaul info failed\n");
     report.failed = true;
   }
   const bool onboarded = report.onboarding_done != "0";
@@ -249,7 +253,7 @@ void add_optional(Report& report, const char* key, const std::optional<std::stri
   if (value) {
     report.add(key, std::atoi(value->c_str()));
   } else {
-    log_error("%s", message);
+    log_error_as(kHandler, "%s", message);
   }
 }
 

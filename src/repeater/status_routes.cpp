@@ -15,6 +15,9 @@
 
 namespace {
 
+// The messages of this file are known by the name of their route's handler.
+constexpr const char* kHandler = "handle_get_repeaterwifiresult_json";
+
 constexpr int kConnected = 0;
 constexpr int kNotConnected = 2;
 
@@ -35,15 +38,15 @@ void record_status(const char* status) {
 int check_connection(const char* station) {
   const std::optional<bool> connected = read_station_connected(station);
   if (!connected) {
-    log_error("get popen error\n");
+    log_error_as(kHandler, "get popen error\n");
     return kNotConnected;
   }
   record_status(*connected ? "success" : "fail");
   if (*connected) {
-    log_debug("mlo connect success\n");
+    log_debug_as(kHandler, "mlo connect success\n");
     return kConnected;
   }
-  log_error(station == std::string_view(kStationMld) ? "mlo connect fail\n" : "slo connect fail\n");
+  log_error_as(kHandler, station == std::string_view(kStationMld) ? "mlo connect fail\n" : "slo connect fail\n");
   return kNotConnected;
 }
 
@@ -52,10 +55,10 @@ std::optional<int> read_connect_result() {
   constexpr std::size_t kBandNameSize = 8;
   constexpr std::size_t kMloSize = 4;
   const std::optional<std::string> band = uci_read("repeater", "repeater_band", "repeater_select_band", kBandNameSize);
-  if (!band) log_error("get repeater_band failed.\r\n");
+  if (!band) log_error_as(kHandler, "get repeater_band failed.\r\n");
   const std::optional<std::string> mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
   if (!mlo) {
-    log_error("get repeater_band mlo band failed.\n");
+    log_error_as(kHandler, "get repeater_band mlo band failed.\n");
     for (const Band& row : kBands) uci_command(std::string("set wireless.") + row.ap + ".disabled=1");
     return kNotConnected;
   }

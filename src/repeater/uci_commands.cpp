@@ -22,9 +22,9 @@ void delete_wireless_option(const char* section, const char* option) {
   UciDelOption(nullptr, "wireless", section, option);
 }
 
-int read_compati_mode() {
+int read_compati_mode(const char* caller) {
   constexpr std::size_t kValueSize = 4;
   const std::optional<std::string> value = uci_read("repeater", "compatiMode", "value", kValueSize);
-  if (!value) log_error("get compatiModevalue error\n");
+  if (!value) log_error_as(caller, "get compatiModevalue error\n");
   return value ? std::atoi(value->c_str()) : 0;
 }

@@ -20,6 +20,7 @@ void uci_commit(const Package*... packages) {
 void set_wireless_option(const char* section, const char* option, const char* value);
 void delete_wireless_option(const char* section, const char* option);
 
-// repeater.compatiMode.value as a number: kStationUsesExtap, or any other value for a station that uses WDS.
+// repeater.compatiMode.value as a number: kStationUsesExtap, or any other value for a station that uses WDS. A failure
+// counts as 0 and is logged under `caller`.
 inline constexpr int kStationUsesExtap = 1;
-int read_compati_mode();
+int read_compati_mode(const char* caller);

@@ -102,6 +102,7 @@ void SetRepeaterApState(int down) {
 
 void CheckWifiConnection() {
   log_debug("check wifi connect status");
+  read_compati_mode(__func__);  // only told in the log: every mode waits the same time
   monitor().wait_seconds(kSettleSeconds);
   int down = 1;
   while (monitor().wait_seconds(kRoundSeconds)) {

@@ -30,9 +30,9 @@ constexpr int kAuthenticationFailed = 1;
 constexpr int kOtherError = 2;
 constexpr int kNotPppoe = 3;
 
-bool run_probe() {
+bool run_probe(const char* caller) {
   const platform::ProcessResult script = platform::run_shell(kProbeScript, {.capture_output = false});
-  if (!script.started) log_error("system failed.");
+  if (!script.started) log_error_as(caller, "system failed.");
   return script.succeeded();
 }
 
@@ -40,7 +40,7 @@ bool run_probe() {
 int result_of_error(json::Object error) {
   const std::optional<std::string> code = error.text("code");
   if (!code) return kConnected;
-  log_debug("code %s", code->c_str());
+  log_debug_as("get_pppoe_result", "code %s", code->c_str());
   return *code == "AUTH_TOPEER_FAILED" ? kAuthenticationFailed : kOtherError;
 }
 
@@ -55,7 +55,7 @@ std::pair<int, int> result_of_reachability(int status) {
 
 int GetPPPoeChkResult() {
   constexpr std::size_t kPieceSize = 8;
-  run_probe();
+  run_probe(__func__);
   const std::optional<std::string> content = platform::read_file(kProbeResult);
   if (!content) {
     log_error("open pppoechkresult.txt failed.");
@@ -112,7 +112,7 @@ int get_ipvalue_address() {
 }
 
 int handle_pppoe_config(FCGX_Request* request, const char* /*body*/) {
-  return answer(request, run_probe() ? kResultOkWait20 : kResultUnusable);
+  return answer(request, run_probe(__func__) ? kResultOkWait20 : kResultUnusable);
 }
 
 int handle_get_pppoe_response(FCGX_Request* request) {

@@ -67,7 +67,7 @@ Ip4orip6Info parse_tunnel_status(std::string_view output) {
     if (is_list_of_ports(*marker)) {
       for (++i; i < lines.size() && !ends_list_of_ports(lines[i]); ++i) append_bounded(field, lines[i], marker->size);
     }
-    log_debug("g_ip4orip6Info.%s is [%s]", marker->name, field.c_str());
+    log_debug_as("Ip4ov6jp_InfoCmd", "g_ip4orip6Info.%s is [%s]", marker->name, field.c_str());
   }
   return info;
 }

@@ -17,6 +17,9 @@
 
 namespace {
 
+// The messages of the helpers are known by the name of the function that they work for.
+constexpr const char* kWriter = "set_wanInfoConfig";
+
 constexpr std::size_t kAddressSize = 16;
 constexpr std::size_t kMostNameServers = 8;
 
@@ -71,7 +74,7 @@ void write_ranged(const wanInfo& info, const RangedField& row) {
   const std::string& text = info.*(row.field);
   const int value = std::atoi(text.c_str());
   if (value < 0 || value > row.largest) {
-    log_error("Invalid %s parameter, waninfo->%s = %d", row.name, row.name, value);
+    log_error_as(kWriter, "Invalid %s parameter, waninfo->%s = %d", row.name, row.name, value);
     return;
   }
   UciSetOption(nullptr, row.package, row.section, row.option, text.c_str());
@@ -104,7 +107,7 @@ void write_ipv6_method(int method) {
       set_wan("slaac", "0");
       break;
     default:
-      log_error("Invalid wanIPv6Method parameter, waninfo->wanIPv6Method = %d", method);
+      log_error_as(kWriter, "Invalid wanIPv6Method parameter, waninfo->wanIPv6Method = %d", method);
   }
 }
 
@@ -120,8 +123,8 @@ struct LastSettings {
 LastSettings read_last_settings() {
   LastSettings last{read_wan("mode", kWanModeSize), read_wan("ipaddr", kAddressSize), read_wan("netmask", kAddressSize),
                     read_wan("gateway", kAddressSize)};
-  log_debug("lastMode[%s],lastipaddr[%s],lastnetmask[%s],lastgateway[%s]", last.mode.c_str(), last.address.c_str(),
-            last.mask.c_str(), last.gateway.c_str());
+  log_debug_as(kWriter, "lastMode[%s],lastipaddr[%s],lastnetmask[%s],lastgateway[%s]", last.mode.c_str(),
+               last.address.c_str(), last.mask.c_str(), last.gateway.c_str());
   return last;
 }
 
@@ -164,13 +167,13 @@ void flush_when_address_changes(const wanInfo& info, const LastSettings& last) {
   if (info.wanIpv4Address == last.address && info.wanIpv4subMask == last.mask && info.wanIpv4Gateway == last.gateway) {
     return;
   }
-  log_debug("wan need flush!!!");
+  log_debug_as(kWriter, "wan need flush!!!");
   flush_wan();
 }
 
 void replace_name_servers(const wanInfo& info) {
   const std::vector<std::string> servers = read_name_servers();
-  log_debug("dnsListNum = %d", static_cast<int>(servers.size()));
+  log_debug_as(kWriter, "dnsListNum = %d", static_cast<int>(servers.size()));
   std::for_each(servers.begin(), servers.end(), delete_name_server);
   for (const std::string& server : {info.wanIpv4Dns1, info.wanIpv4Dns2}) {
     if (!server.empty()) UciAddList(nullptr, "network", "wan", "dns", server.c_str());
@@ -181,7 +184,7 @@ void set_op_mode(const char* mode) { UciSetOption(nullptr, "system", "@system[0]
 
 void write_ipip6_service(const wanInfo& info) {
   const char* service = v6ServerMode(std::atoi(info.ipipService.c_str()));
-  log_debug("v6ServerMode = %s", service);
+  log_debug_as(kWriter, "v6ServerMode = %s", service);
   set_wan("v6service", service);
 }
 
@@ -196,7 +199,7 @@ void write_method(const wanInfo& info, const LastSettings& last) {
   const int code = std::atoi(info.wanMethod.c_str());
   if (code == kWanAp) return write_access_point();
   if (code < kWanDhcp || code > kWanAp) {
-    log_error("Invalid wanMethod parameter, waninfo->wanMethod = %d", code);
+    log_error_as(kWriter, "Invalid wanMethod parameter, waninfo->wanMethod = %d", code);
     return;
   }
   if (code == kWanStatic) flush_when_address_changes(info, last);
@@ -216,7 +219,7 @@ void write_method(const wanInfo& info, const LastSettings& last) {
 }
 
 void report_missing_section(const char* package, const char* section) {
-  if (UciCheckSection(nullptr, package, section) != 0) log_error("create wan failed.");
+  if (UciCheckSection(nullptr, package, section) != 0) log_error_as(kWriter, "create wan failed.");
 }
 
 }  // namespace

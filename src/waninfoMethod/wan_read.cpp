@@ -18,6 +18,9 @@
 
 namespace {
 
+// The messages of this file are known by the name of their route's handler.
+constexpr const char* kHandler = "handle_get_wanInfo_json";
+
 constexpr const char* kAddressScript = "/etc/getIpAddr.sh";
 constexpr const char* kAddressResult = "/tmp/ipAddrResult";
 constexpr std::size_t kFlagSize = 8;
@@ -37,7 +40,7 @@ struct WanState {
   int hb46pp_method = 0;
   std::string method_display;
   std::string ce_address;
-  std::string available_ports = "none";  // lower case, unlike the addresses: clients compare it
+  std::string available_ports = "none";  // lower case, unlike the addresses: kept as it is
   WanAddresses addresses;
 
   // A router that holds the WAN's addresses itself.
@@ -64,19 +67,19 @@ bool is_mesh_agent() {
 // What the packages must hold for the document to mean anything; a satellite has no WAN of its own.
 bool has_needed_sections(bool is_agent) {
   if (UciCheckSection(nullptr, "system", "@system[0]") != 0) {
-    log_error("Invalid system.system section.");
+    log_error_as(kHandler, "Invalid system.system section.");
     return false;
   }
   if (UciCheckSection(nullptr, "network", "wan") != 0 && !is_agent) {
-    log_error("Invalid network.wan section.");
+    log_error_as(kHandler, "Invalid network.wan section.");
     return false;
   }
   return true;
 }
 
 void read_link(WanState& state) {
-  if (get_macAddr(kWanInterface, state.wan_mac) != 0) log_error("get wanMac fail!");
-  if (get_macAddr("br-lan", state.lan_mac) != 0) log_error("get lanMac fail!");
+  if (get_macAddr(kWanInterface, state.wan_mac) != 0) log_error_as(kHandler, "get wanMac fail!");
+  if (get_macAddr("br-lan", state.lan_mac) != 0) log_error_as(kHandler, "get lanMac fail!");
   for (std::string* mac : {&state.wan_mac, &state.lan_mac}) mac->resize(platform::cut_utf8(*mac, kMacSize - 1).size());
   get_wan_link_status(state.link);
 }
@@ -91,17 +94,17 @@ void read_tunnel(WanState& state) {
   if (!info.ipv4.empty()) state.addresses.ipv4_address = info.ipv4;
   if (!info.port.empty()) state.available_ports = info.port;
   if (!info.wan_global_addr.empty()) state.addresses.ipv6_global = info.wan_global_addr + "/64";
-  log_debug("wanHb46ppMethod = %d", state.hb46pp_method);
-  log_debug("wanMethodStr = %s", state.method_display.c_str());
-  log_debug("wanIpv6CeAddress = %s", state.ce_address.c_str());
-  log_debug("wanIpv4Address = %s", state.addresses.ipv4_address.c_str());
-  log_debug("wanIpv4AvailablePorts = %s", state.available_ports.c_str());
-  log_debug("wanIpv6GlobalAddress = %s", state.addresses.ipv6_global.c_str());
+  log_debug_as(kHandler, "wanHb46ppMethod = %d", state.hb46pp_method);
+  log_debug_as(kHandler, "wanMethodStr = %s", state.method_display.c_str());
+  log_debug_as(kHandler, "wanIpv6CeAddress = %s", state.ce_address.c_str());
+  log_debug_as(kHandler, "wanIpv4Address = %s", state.addresses.ipv4_address.c_str());
+  log_debug_as(kHandler, "wanIpv4AvailablePorts = %s", state.available_ports.c_str());
+  log_debug_as(kHandler, "wanIpv6GlobalAddress = %s", state.addresses.ipv6_global.c_str());
 }
 
 int read_method(WanState& state) {
   const WanMethod method = find_wan_method(state.mode, state.button_mode);
-  if (!method.known) log_error("Invalid mode, modeValue = %s.", state.mode.c_str());
+  if (!method.known) log_error_as(kHandler, "Invalid mode, modeValue = %s.", state.mode.c_str());
   if (!method.display.empty()) state.method_display = method.display;
   return method.code;
 }
@@ -138,13 +141,13 @@ void add_connection(json::ObjectText& config, WanState& state) {
 // False when the script ran and left no result: the document then ends here.
 bool read_live_addresses(WanAddresses& addresses) {
   if (!platform::file_exists(kAddressScript)) {
-    log_error("The getIpAddr.sh file does not exist.");
+    log_error_as(kHandler, "The getIpAddr.sh file does not exist.");
     return true;
   }
   os_system(kAddressScript);
   const std::optional<std::string> content = platform::read_file(kAddressResult);
   if (!content) {
-    log_error("open /tmp/ipAddrResult fail.");
+    log_error_as(kHandler, "open /tmp/ipAddrResult fail.");
     return false;
   }
   read_address_lines(*content, addresses);
@@ -200,7 +203,7 @@ void add_tunnel_settings(json::ObjectText& config, const std::string& mode) {
 int read_acceleration() {
   const std::string acceleration = read_text("ecm", "global", "acceleration", kFlagSize);
   if (!acceleration.empty()) return std::atoi(acceleration.c_str());
-  log_error("Not found ecm.global.acceleration ,use default 1.");
+  log_error_as(kHandler, "Not found ecm.global.acceleration ,use default 1.");
   return 1;
 }
 
@@ -212,13 +215,14 @@ void add_switches(json::ObjectText& config, const std::string& mode) {
   config.add("captivePortalStatus", read_number("system", "easysetup", "http_redirect_enable"));
   add_tunnel_settings(config, mode);
   config.add("natAccelerationEnable", read_acceleration());
-  config.add("uPnPIGD", read_text("upnpd", "config", "enabled", kFlagSize));  // a text, as clients expect it
+  config.add("uPnPIGD", read_text("upnpd", "config", "enabled", kFlagSize));  // a text: kept as it is
   const std::string detection = read_wan("qvilas_res", 16);
   config.add("previousInternetLineAutoResult", getPreviousInternetLineResult(std::atoi(detection.c_str())));
 }
 
 WanState gather_state() {
   WanState state;
+  read_text("system", "@system[0]", "op_mode", kFlagSize);  // only told in the log, where it is missing
   state.button_mode = read_text("system", "@system[0]", "button_mode", 12);
   state.mode = read_wan("mode", kWanModeSize);
   state.auto_flag = read_wan("autoflag", kFlagSize);

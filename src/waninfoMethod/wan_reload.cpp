@@ -41,7 +41,7 @@ ReloadFlags reload_flags;
 
 platform::ReadyWork prepare_network_reload() {
   platform::ReadyWork reload = platform::ready_daemon(reload_network);
-  if (!reload) log_error("Fork failed!");
+  if (!reload) log_error_as("safe_execute_network_reload", "Fork failed!");
   return reload;
 }
 

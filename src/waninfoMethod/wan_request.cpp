@@ -9,6 +9,9 @@
 
 namespace {
 
+// Messages of reading are known by the name of the handler that reads.
+constexpr const char* kHandler = "handle_set_wanInfo_json";
+
 constexpr std::int64_t kPppoeOverhead = 8;
 
 // A number's digits; those of a text stay as they are.
@@ -55,13 +58,13 @@ std::optional<wanInfo> read_wan_info(json::Object config) {
   for (const WanField& row : kWanFields) {
     const std::optional<std::string> value = read_value(config, row);
     if (!value) {
-      log_error("%s is not found.", row.key);
+      log_error_as(kHandler, "%s is not found.", row.key);
       continue;
     }
     std::string& field = info.*(row.field);
     field = platform::cut_utf8(*value, row.size - 1);
     if (!is_storable(field, row.kind)) {
-      log_error("%s holds control characters.", row.key);
+      log_error_as(kHandler, "%s holds control characters.", row.key);
       return std::nullopt;
     }
   }

@@ -17,6 +17,10 @@
 
 namespace {
 
+// The messages of this file are known by the names of the routes' handlers.
+constexpr const char* kSetHandler = "handle_set_wanInfo_json";
+constexpr const char* kInitHandler = "handle_initWanConfig";
+
 constexpr std::string_view kWait90 = R"({"result": 0, "version": 1, "waitTime": 90})";
 constexpr std::string_view kWait300 = R"({"result": 0, "version": 1, "waitTime": 300})";
 constexpr std::string_view kWait420 = R"({"result": 0, "version": 1, "waitTime": 420})";
@@ -39,28 +43,29 @@ bool needs_long_wait(const wanInfo& info, const std::string& new_key) {
   const int new_code = std::atoi(info.wanMethod.c_str());
   const char old_type = get_wan_mode_type(old_code);
   const char new_type = get_wan_mode_type(new_code);
-  log_debug("cur_wan_mode is [%s],id is [%d],type is [%c]", stored_mode.c_str(), old_code, old_type);
-  log_debug("set_wan_mode is [%s],id is [%d],type is [%c]", info.wanMethod.c_str(), new_code, new_type);
-  if (old_type != new_type) return true;
-  return new_type == 'B' && uci_read_or("network", "backwan", "waninfobak", 32, "") != new_key;
+  log_debug_as(kSetHandler, "cur_wan_mode is [%s],id is [%d],type is [%c]", stored_mode.c_str(), old_code, old_type);
+  log_debug_as(kSetHandler, "set_wan_mode is [%s],id is [%d],type is [%c]", info.wanMethod.c_str(), new_code, new_type);
+  const std::string old_key = uci_read_or("network", "backwan", "waninfobak", 32, "");
+  return old_type != new_type || (new_type == 'B' && old_key != new_key);
 }
 
 std::string_view apply_wan_info(const char* body) {
   const json::Document document(body);
-  if (body != nullptr && !document) log_error("jsonObj is NULL.");
+  if (body != nullptr && !document) log_error_as(kSetHandler, "jsonObj is NULL.");
   const json::Object config = document->object("wanConfig");
   if (!config) return kResultUnusable;
 
   const std::optional<wanInfo> request = read_wan_info(config);
   if (!request) return kResultUnusable;
   const wanInfo& info = *request;
-  log_debug("pppoeUserNameValue = %s, pppoePasswordValue = %s", info.pppoeUserName.c_str(), info.pppoePassword.c_str());
+  log_debug_as(kSetHandler, "pppoeUserNameValue = %s, pppoePasswordValue = %s", info.pppoeUserName.c_str(),
+               info.pppoePassword.c_str());
   if (checkPPPoeUsernameAndPassword(info.pppoeUserName.c_str(), info.pppoePassword.c_str()) != 0) {
-    log_error("Invalid PPPOE userName and passWord.");
+    log_error_as(kSetHandler, "Invalid PPPOE userName and passWord.");
     return kResultUnusable;
   }
   plan_reload(info);
-  log_debug("%s", describe(info).c_str());
+  log_debug_as(kSetHandler, "%s", describe(info).c_str());
   const std::string key = backup_key(info);
   const bool long_wait = needs_long_wait(info, key);
   UciSetOption(nullptr, "network", "backwan", "waninfobak", key.c_str());
@@ -93,7 +98,8 @@ void write_first_wan() {
 bool reset_wan() {
   const std::optional<std::string> mode = uci_read("network", "wan", "mode", kWanModeSize);
   if (!mode) return false;
-  log_debug("currentModeValue = %s, strlen(currentModeValue) = %d", mode->c_str(), static_cast<int>(mode->size()));
+  log_debug_as(kInitHandler, "currentModeValue = %s, strlen(currentModeValue) = %d", mode->c_str(),
+               static_cast<int>(mode->size()));
   if (delLastModePara(mode->c_str(), mode->size()) != 0) return false;
   write_first_wan();
   return true;

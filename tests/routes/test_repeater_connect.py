@@ -581,6 +581,21 @@ def test_a_request_is_told_in_the_log(unit):
         assert unit.logged(line, priority=7)
 
 
+@pytest.mark.parametrize("body, message, function", [
+    ("hello", "parse rootJson error", "handle_repeater_connect"),
+    ({"ssid": "a"}, "parse bssid json error", "ParseRepeaterJsonData"),
+    (request(multiRuEnable=2), "multiRuEnable error", "handle_repeater_connect"),
+    (request(frequency=4), "set  wifi frequency param error", "SetWifiConnectInfoByBand"),
+    (request(), "get ath02 ssid_change error", "SetWifiConnectInfoByBand"),
+    (request(multiLinkOperationEnable=2), "get ath02 ssid_change error", "SetMlo56GInfo"),
+    (request(multiLinkOperationEnable=2), "SetMlo56GInfo error", "SetWifiConnectInfoByMlo"),
+    (request(multiLinkOperationEnable=2), "SetWifiConnectInfoByMlo error", "handle_repeater_connect")])
+def test_messages_stand_under_the_names_of_the_functions_they_tell_of(unit, body, message, function):
+    follow(unit, (0, 0, 0) if "frequency" in message else (None, 0, 0))
+    unit.post(CONNECT, body)
+    assert [line.function for line in unit.log() if message in line.text] == [function]
+
+
 # Texts of the client.
 
 SHORT = {name: text for name, text in HOSTILE.items()

@@ -135,6 +135,13 @@ def test_a_monitor_that_cannot_be_started_changes_no_answer(unit):
     assert unit.logged("Wifi monitoring init failed", priority=3)
 
 
+def test_the_monitor_tells_of_a_missing_compatibility_mode(unit):
+    unit.set("repeater.compatiMode.value", None)
+    assert unit.post(CONNECT, setting()).text == OK
+    unit.wait_until(lambda: {line.function for line in unit.log() if "get compatiModevalue error" in line.text} == {
+        "handle_repeater_connect", "CheckWifiConnection"}, "both readings")
+
+
 @pytest.mark.parametrize("tool", ["ubus", "/sbin/wifi", "uci"])
 def test_a_dead_tool_changes_no_answer(quiet_unit, tool):
     quiet_unit.tool(tool, missing=True)

@@ -681,3 +681,25 @@ def test_every_default_of_an_empty_router(bare_router):
         "wanIpv4AvailablePorts": "none", "dhcpcHostName": "", "captivePortalStatus": 0, "natAccelerationEnable": 1,
         "uPnPIGD": "", "previousInternetLineAutoResult": 0}
     assert told(bare_router, "Not found ecm.global.acceleration ,use default 1.")
+
+
+# The log.
+
+def functions(router, text):
+    """The functions under whose name a message is logged."""
+    return {line.function for line in router.log() if text in line.text}
+
+
+def test_a_unit_without_an_operating_mode_is_told_in_the_log(wan):
+    wan.set("system.@system[0].op_mode", None)
+    assert wan.get(URI).json["result"] == 0
+    assert wan.logged("find tuple system.@system[0].op_mode failed.", priority=3)
+
+
+def test_messages_stand_under_the_name_of_the_handler(wan):
+    set_wan(wan, mode="other")
+    wan.set("ecm.global.acceleration", None)
+    wan.tool(ADDRESS_SCRIPT, missing=True)
+    wan.get(URI)
+    for text in ("Invalid mode, modeValue", "Not found ecm.global.acceleration", "get lanMac fail!"):
+        assert functions(wan, text) == {"handle_get_wanInfo_json"}, text

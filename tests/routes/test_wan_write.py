@@ -518,3 +518,20 @@ def test_the_last_settings_are_traced(wan):
     apply(wan)
     assert told(wan, "lastMode[STATIC],lastipaddr[203.0.113.10],lastnetmask[255.255.255.0],lastgateway[203.0.113.200]")
     assert told(wan, "globalIp = 123")
+
+
+# The log.
+
+def test_the_key_of_the_last_change_is_read_whatever_the_methods(wan):
+    wan.set("network.backwan.waninfobak", None)
+    assert apply(wan, wanMethod=0).text == SHORT_WAIT
+    assert wan.logged("find tuple network.backwan.waninfobak failed.", priority=3)
+
+
+def test_messages_stand_under_the_names_of_the_functions_they_tell_of(wan):
+    apply(wan, wanMethod=9, uPnPIGD=7, dhcpcHostName=None)
+    apply(wan, b"hello")
+    for text, function in (("dhcpcHostName is not found.", "handle_set_wanInfo_json"), ("jsonObj is NULL.", "handle_set_wanInfo_json"),
+                           ("cur_wan_mode is", "handle_set_wanInfo_json"), ("Invalid wanMethod parameter", "set_wanInfoConfig"),
+                           ("Invalid uPnPIGD parameter", "set_wanInfoConfig"), ("lastMode[", "set_wanInfoConfig")):
+        assert {line.function for line in wan.log() if text in line.text} == {function}, text
