@@ -216,8 +216,8 @@ int uci_add_delta_path(struct uci_context* ctx, const char* dir);
 /* Takes staged changes back. */
 int uci_revert(struct uci_context* ctx, struct uci_ptr* ptr);
 
-/* The next word of a line read from the stream, "" at its end. *str NULL reads a new line. The word is the context's and
- * lives until the next call on it: copy it at once. */
+/* The next word of a line read from the stream, "" at its end. *str NULL reads a new line. The word is the context's
+ * and lives until the next call on it: copy it at once. */
 int uci_parse_argument(struct uci_context* ctx, FILE* stream, char** str, char** result);
 int uci_set_backend(struct uci_context* ctx, const char* name);
 /* No control characters but tab, line feed and carriage return. */
