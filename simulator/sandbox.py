@@ -290,6 +290,12 @@ def machine_programs(*names: str) -> dict[str, str]:
     return {name: "/machine" + os.path.realpath(program) for name, program in found.items() if program}
 
 
+def emulator() -> list[str]:
+    """What runs a program of another processor in a root: ROUTER_API_EMULATOR names the machine's qemu. Else nothing."""
+    program = os.environ.get("ROUTER_API_EMULATOR")
+    return ["/machine" + os.path.realpath(program)] if program else []
+
+
 @functools.cache
 def lent_tools() -> dict[str, str]:
     """Name and target of the links in the router's /usr/bin."""

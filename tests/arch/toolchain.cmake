@@ -1,4 +1,4 @@
-# Cross builds with Debian's compilers: -DROUTER_API_TRIPLET=aarch64-linux-gnu or arm-linux-gnueabihf. script/test --arch.
+# Cross builds with Debian's compilers: -DROUTER_API_TRIPLET=aarch64-linux-gnu. script/test --arch.
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ROUTER_API_TRIPLET)
 set(CMAKE_SYSTEM_NAME Linux)
 string(REGEX MATCH "^[^-]+" CMAKE_SYSTEM_PROCESSOR ${ROUTER_API_TRIPLET})

@@ -283,8 +283,15 @@ class Router:
         if loaded:
             environment["LD_PRELOAD"] = ":".join(f"/router/{shim.name}" for shim in loaded)
         with open(self.directory / "stderr", "ab") as stderr:
-            self._process = subprocess.Popen(self.root.command(["/usr/sbin/router-api"], environment),
+            self._process = subprocess.Popen(self.root.command(self._program_command(environment), environment),
                                              stdin=self._listener, stdout=stderr, stderr=stderr)
+
+    def _program_command(self, environment: dict[str, str]) -> list[str]:
+        """Under an emulator, what is preloaded is the program's, not the emulator's."""
+        emulator = sandbox.emulator()
+        if emulator and (preload := environment.pop("LD_PRELOAD", None)):
+            emulator += ["-E", f"LD_PRELOAD={preload}"]
+        return [*emulator, "/usr/sbin/router-api"]
 
     def run(self, *argv: str, input: str | bytes = "", environment: dict[str, str] | None = None) -> subprocess.CompletedProcess:
         """Runs a command of the router to its end: run("uci", "get", "network.lan.ipaddr").stdout. Output that is not
