@@ -1,7 +1,6 @@
 // Loading, staging and committing of packages, all under the locks that the platform's other tools take.
 #include "package_file.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -11,7 +10,7 @@
 #include <vector>
 
 #include "context.h"
-#include "delta.h"
+#include "delta_files.h"
 #include "locked_file.h"
 #include "package_parser.h"
 #include "package_text.h"
@@ -24,8 +23,6 @@ struct FreePackage {
   void operator()(uci_package* package) const noexcept { free_package(package); }
 };
 using PackagePtr = std::unique_ptr<uci_package, FreePackage>;
-
-constexpr mode_t kPermissions = 0777;
 
 bool is_path(std::string_view name) { return name.starts_with('/') || name.starts_with("./"); }
 
@@ -56,10 +53,6 @@ void require_readable(const LockedFile& file) {
   if (!file.is_regular()) throw Failure{UCI_ERR_NOTFOUND};
 }
 
-std::string delta_path(std::string_view directory, const uci_package& package) {
-  return std::string(directory) + "/" + package.e.name;
-}
-
 PackagePtr parse_file(uci_context& context, const Location& location, const LockedFile& file) {
   PackagePtr package(new_package(context, location.name));
   const std::string text = file.read();
@@ -71,45 +64,6 @@ PackagePtr parse_file(uci_context& context, const Location& location, const Lock
   return package;
 }
 
-int apply_delta_file(const LockedFile& file, uci_package& package) {
-  if (!file.is_regular()) return 0;
-  return apply_records(file.read(), package);
-}
-
-struct DeltaFile {
-  std::string path;
-  FileId id;
-};
-
-// The delta files that there are, in the order in which they apply. A file that is met under several names applies
-// once, in its last place, and the package file, whose lock is held and would be waited for, is none.
-std::vector<DeltaFile> find_delta_files(const uci_context& context, const uci_package& package, FileId package_file) {
-  std::vector<DeltaFile> files;
-  for (const uci_list* node = context.delta_path.prev; node != &context.delta_path; node = node->prev) {
-    std::string path = delta_path(list_to_element(node)->name, package);
-    const FileId id = id_of(path);
-    const bool is_met = std::ranges::find(files, id, &DeltaFile::id) != files.end();
-    if (id.exists() && id != package_file && !is_met) files.push_back({std::move(path), id});
-  }
-  std::ranges::reverse(files);
-  return files;
-}
-
-// Applies the delta files of all folders in their order. The one of the savedir is given when it is locked already.
-int apply_delta_files(uci_context& context, uci_package& package, const LockedFile& package_file,
-                      const LockedFile* savedir_file) {
-  const FileId locked = savedir_file != nullptr ? savedir_file->id() : FileId{};
-  int count = 0;
-  for (const DeltaFile& file : find_delta_files(context, package, package_file.id())) {
-    if (file.id == locked) {
-      count += apply_delta_file(*savedir_file, package);
-    } else {
-      count += apply_delta_file(LockedFile(file.path, Lock::kShared), package);
-    }
-  }
-  return count;
-}
-
 // The package as it stands in its file, with what is staged for it; in no context yet.
 PackagePtr read_package(uci_context& context, const Location& location) {
   const LockedFile file(location.path, Lock::kShared);
@@ -117,41 +71,6 @@ PackagePtr read_package(uci_context& context, const Location& location) {
   PackagePtr package = parse_file(context, location, file);
   if (package->has_delta) apply_delta_files(context, *package, file, nullptr);
   return package;
-}
-
-// The savedir is made when it is missing, with the mode of the package folder.
-void make_savedir(const uci_context& context) {
-  struct stat status {};
-  if (stat(context.savedir, &status) == 0) return;
-  const mode_t mode = stat(context.confdir, &status) == 0 ? status.st_mode & kPermissions : mode_t{UCI_DIRMODE};
-  mkdir(context.savedir, mode);
-}
-
-// The delta file of the savedir, made when there is something to put into it. Not open when there is none.
-LockedFile open_delta_file(const uci_context& context, const uci_package& package) {
-  const std::string path = delta_path(context.savedir, package);
-  // A savedir that is the package folder: no changes into the package file, no waiting for the own lock.
-  const FileId package_file = id_of(package.path);
-  LockedFile standing(path, Lock::kExclusive, package_file);
-  // What is staged there and cannot be read must not be passed over.
-  if (!standing.is_missing() && !standing.is_regular()) throw Failure{UCI_ERR_IO};
-  if (standing.is_open() || uci_list_empty(&package.delta)) return standing;
-  make_savedir(context);
-  struct stat status {};
-  const std::string config = std::string(context.confdir) + "/" + package.e.name;
-  const mode_t mode = stat(config.c_str(), &status) == 0 ? status.st_mode & kPermissions : mode_t{UCI_FILEMODE};
-  LockedFile file = LockedFile::make(path, mode, package_file);
-  if (!file.is_regular()) throw Failure{UCI_ERR_IO};
-  return file;
-}
-
-void append_pending(LockedFile& delta_file, uci_package& package) {
-  std::string text;
-  uci_element* element = nullptr;
-  uci_foreach_element(&package.delta, element) text += format_record(package.e.name, record_of(*uci_to_delta(element)));
-  if (text.empty()) return;
-  delta_file.append_lines(text);
-  free_deltas(package.delta);
 }
 
 void link_package(uci_context& context, PackagePtr& package) { list_add_tail(context.root, package.release()->e.list); }
@@ -241,25 +160,6 @@ void commit(uci_context& context, uci_package*& handle, bool overwrite) {
   } else {
     commit_with_delta(context, handle);
   }
-}
-
-bool is_reverted(const Record& record, const uci_ptr& ptr) {
-  if (ptr.section == nullptr) return true;
-  if (std::strcmp(record.section, ptr.section) != 0) return false;
-  return ptr.option == nullptr || (record.option != nullptr && std::strcmp(record.option, ptr.option) == 0);
-}
-
-// Keeps the records that are not reverted. What else stands in the file could never apply, and goes.
-void filter_delta_file(uci_context& context, const uci_package& package, const uci_ptr& ptr) {
-  const std::string path = delta_path(context.savedir, package);
-  const LockedFile file(path, Lock::kExclusive);
-  if (file.is_missing()) return;
-  if (!file.is_regular()) throw Failure{UCI_ERR_IO};
-  std::string kept;
-  read_records(file.read(), package.e.name, [&](const Record& record) {
-    if (!is_reverted(record, ptr)) kept += format_record(package.e.name, record);
-  });
-  if (!file.is_empty()) replace_file(path, kept, file);
 }
 
 void revert(uci_context& context, uci_ptr& ptr) {
