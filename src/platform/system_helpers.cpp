@@ -11,6 +11,7 @@
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ std::string joined(const std::vector<std::string>& words) {
 // The first line of a tool's output as fgets would give it to a buffer of `size` bytes; nullopt for no output.
 std::optional<std::string> first_line(const std::string& output, std::size_t size) {
   if (output.empty()) return std::nullopt;
-  const std::string_view piece = std::string_view(output).substr(0, size - 1);
+  const std::string_view piece = platform::cut_utf8(output, size - 1);
   return std::string(piece.substr(0, piece.find('\n')));
 }
 

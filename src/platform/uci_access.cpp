@@ -32,7 +32,7 @@ struct Address {
       shown += text_or_empty(word);
     }
     if (value != nullptr) (shown += '=') += value;
-    if (shown.size() > kUciAddressMax) shown.resize(kUciAddressMax);
+    shown.resize(platform::cut_utf8(shown, kUciAddressMax).size());
     text = shown;
   }
   std::string shown;

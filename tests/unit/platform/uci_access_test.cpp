@@ -66,6 +66,12 @@ TEST_F(UciAccess, SetCutsTheAddressAt254Bytes) {
   EXPECT_EQ(get("s", "b"), std::string(kUciAddressMax - head.size(), 'v'));
 }
 
+TEST_F(UciAccess, SetCutsNoCharacterInTwo) {
+  const std::string fitting(kUciAddressMax - std::strlen("pkg.s.b=") - 2, 'v');
+  EXPECT_EQ(UciSetOption(dir(), "pkg", "s", "b", (fitting + "日").c_str()), 0U);
+  EXPECT_EQ(get("s", "b"), fitting);
+}
+
 TEST_F(UciAccess, ListCopiesUpToTheMaximumCount) {
   std::array<std::array<char, 4>, 4> slots{};
   std::size_t count = 0;
