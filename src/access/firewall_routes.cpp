@@ -1,7 +1,11 @@
 // GET and POST /api/v1/security/passthrough and /api/v1/security/protect.
+#include <optional>
+#include <utility>
+
 #include "access/firewall.h"
 #include "access/switches.h"
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/background.h"
 
@@ -16,16 +20,13 @@ constexpr SwitchOption kSpiChanged{"", "security", "security", "autoflag"};
 
 // `first` is reported first and read last.
 int answer_switches(FCGX_Request* request, const SwitchOption& first, const SwitchOption& second) {
-  const std::optional<int> second_value = stored_switch(second);
+  const std::optional<bool> second_value = stored_switch(second);
   if (!second_value) return answer(request, kResultUnusable);
-  const std::optional<int> first_value = stored_switch(first);
+  const std::optional<bool> first_value = stored_switch(first);
   if (!first_value) return answer(request, kResultUnusable);
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), first.key, *first_value);
-  json::add(document.get(), second.key, *second_value);
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add(first.key, int{*first_value}).add(second.key, int{*second_value});
+  return answer(request, std::move(document));
 }
 
 int answer_and_reload(FCGX_Request* request, int result) {
@@ -35,16 +36,16 @@ int answer_and_reload(FCGX_Request* request, int result) {
 }
 
 // The `result` to answer; what was written before a failure stays.
-int apply_passthrough(const json::JsonPtr& json) {
-  const int result = apply_switch(json, kPptp);
-  return result != 0 ? result : apply_switch(json, kIpsec);
+int apply_passthrough(const json::Object& asked) {
+  const int result = apply_switch(asked, kPptp);
+  return result != 0 ? result : apply_switch(asked, kIpsec);
 }
 
-int apply_protect(const json::JsonPtr& json) {
-  if (const int result = apply_switch(json, kDos); result != 0) return result;
-  const std::optional<int> old_spi = stored_switch(kSpi);
-  if (const int result = apply_switch(json, kSpi); result != 0) return result;
-  if (old_spi != read_switch(json, kSpi.key)) set_switch(kSpiChanged, 1);
+int apply_protect(const json::Object& asked) {
+  if (const int result = apply_switch(asked, kDos); result != 0) return result;
+  const std::optional<bool> old_spi = stored_switch(kSpi);
+  if (const int result = apply_switch(asked, kSpi); result != 0) return result;
+  if (old_spi != asked.flag(kSpi.key)) set_switch(kSpiChanged, true);
   return 0;
 }
 
@@ -54,9 +55,9 @@ int handle_get_security_passthrough(FCGX_Request* request) { return answer_switc
 int handle_get_security_protect(FCGX_Request* request) { return answer_switches(request, kDos, kSpi); }
 
 int handle_set_security_passthrough(FCGX_Request* request, const char* body) {
-  return answer_and_reload(request, apply_passthrough(json::parse(body)));
+  return answer_and_reload(request, apply_passthrough(json::Document(body).root()));
 }
 
 int handle_set_security_protect(FCGX_Request* request, const char* body) {
-  return answer_and_reload(request, apply_protect(json::parse(body)));
+  return answer_and_reload(request, apply_protect(json::Document(body).root()));
 }

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <span>
 
-#include <json-c/json.h>
+#include "answer/json_text.h"
 
 namespace mac_filter {
 
@@ -38,9 +38,9 @@ bool is_mesh_on();
 // 1 when macfilter.macfilter.enable is exactly "1", else 0, also when it cannot be read. Always 0.
 int get_mac_filter_status(int& out);
 
-// Appends the entries of the section 'ath0' of a macfilter package at `path` to the JSON array `table`, at most
-// kTableMax, and counts them. Entry i pairs description i with address i.
-int parse_mac_filter_table(const char* path, json_object* table, int& count);
+// Appends the entries of the section 'ath0' of a macfilter package at `path` to `table`, at most kTableMax, and
+// counts them. Entry i pairs description i with address i.
+int parse_mac_filter_table(const char* path, json::ListText& table, int& count);
 
 // `uci delete` of an interface's address lists, and of its descriptions. Fail when the command could not be started.
 int execute_uci_del_list(const char* ifname);

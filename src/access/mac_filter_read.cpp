@@ -4,7 +4,7 @@
 
 #include "access/mac_filter.h"
 #include "access/mac_filter_lists.h"
-#include "answer/json.h"
+#include "answer/json_text.h"
 #include "platform/file.h"
 #include "platform/log.h"
 #include "uci_access.h"
@@ -13,12 +13,10 @@
 namespace {
 
 constexpr std::size_t kEnableSize = 4;
-json::JsonPtr entry(const std::string& description, const std::string& mac) {
-  json::JsonPtr object = json::new_object();
-  json::add(object.get(), "description", description);
-  json::add(object.get(), "macAddress", mac);
-  json::add(object.get(), "enableTime", 0);
-  json::add(object.get(), "remainTime", 0);
+
+json::ObjectText entry(const std::string& description, const std::string& mac) {
+  json::ObjectText object;
+  object.add("description", description).add("macAddress", mac).add("enableTime", 0).add("remainTime", 0);
   return object;
 }
 
@@ -37,7 +35,7 @@ int get_mac_filter_status(int& out) {
   return 0;
 }
 
-int parse_mac_filter_table(const char* path, json_object* table, int& count) {
+int parse_mac_filter_table(const char* path, json::ListText& table, int& count) {
   count = 0;
   const auto text = platform::read_file(path);
   if (!text) {
@@ -46,7 +44,7 @@ int parse_mac_filter_table(const char* path, json_object* table, int& count) {
   }
   const mac_filter::Lists lists = mac_filter::parse_lists(*text);
   const std::size_t pairs = std::min(lists.names.size(), lists.macs.size());
-  for (std::size_t i = 0; i < pairs; ++i) json::append(table, entry(lists.names[i], lists.macs[i]));
+  for (std::size_t i = 0; i < pairs; ++i) table.add(entry(lists.names[i], lists.macs[i]));
   count = static_cast<int>(pairs);
   return 0;
 }

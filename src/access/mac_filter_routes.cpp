@@ -2,11 +2,14 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "access/mac_filter.h"
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "uci_access.h"
 #include "wireless.h"
 
@@ -17,6 +20,7 @@ constexpr std::string_view kOkWait100 = R"({"result": 0, "version": 1, "waitTime
 constexpr std::size_t kOpModeSize = 12;
 constexpr std::size_t kPbcSize = 4;
 constexpr int kDecimal = 10;
+constexpr std::size_t kDescriptionMax = 255;  // bytes; each one is stored fifteen times
 
 // The stored push-button flags of the two main SSIDs with WPS.
 struct Pbc {
@@ -62,44 +66,52 @@ int switch_filter(int status, const Pbc& pbc) {
   return 0;
 }
 
-int add_entry(json_object* entry) {
-  const char* description = json_object_get_string(json::member(entry, "description"));
-  if (description == nullptr) return fail("Failed to get description");
-  const char* mac = json_object_get_string(json::member(entry, "macAddress"));
-  if (mac == nullptr) return fail("Failed to get macAddress");
-  if (set_namelist_policy(description) != 0) return fail("Failed to set namelist policy");
-  if (set_maclist_policy(mac) != 0) return fail("Failed to set maclist policy");
+// What an entry can be refused for, told before anything is written.
+int check_entry(const json::Object& entry) {
+  if (!entry) return 1;
+  const std::optional<std::string> description = entry.text("description");
+  if (!description) return fail("Failed to get description");
+  const std::optional<std::string> mac = entry.text("macAddress");
+  if (!mac) return fail("Failed to get macAddress");
+  const bool is_description_storable = description->size() <= kDescriptionMax && platform::is_storable(*description);
+  if (!is_description_storable) return fail("Failed to set namelist policy");
+  if (!platform::is_one_line(*mac)) return fail("Failed to set maclist policy");
   return 0;
 }
 
-int replace_table(json_object* table) {
+int check_table(const json::Object& asked) {
+  const json::List table = asked.list("macFilterTable");
+  if (!table && asked.has_any("macFilterTable")) return 1;
+  for (const json::Object entry : table) {
+    if (check_entry(entry) != 0) return 1;
+  }
+  return 0;
+}
+
+int add_entry(const json::Object& entry) {
+  const std::string description = entry.text("description").value_or("");
+  const std::string mac = entry.text("macAddress").value_or("");
+  if (set_namelist_policy(description.c_str()) != 0) return fail("Failed to set namelist policy");
+  if (set_maclist_policy(mac.c_str()) != 0) return fail("Failed to set maclist policy");
+  return 0;
+}
+
+int replace_table(const json::List& table) {
   if (set_macfilter_cleanup() != 0) return fail("set_macfilter_cleanup error");
-  const std::size_t size = table == nullptr ? 0 : json_object_array_length(table);
-  for (std::size_t i = 0; i < size; ++i) {
-    if (add_entry(json_object_array_get_idx(table, i)) != 0) return 1;
+  for (const json::Object entry : table) {
+    if (add_entry(entry) != 0) return 1;
   }
   return 0;
-}
-
-// No table at all, or an array of objects: told before anything is changed.
-bool is_table_well_formed(json_object* json) {
-  if (!json::has_member(json, "macFilterTable")) return true;
-  json_object* table = json::array_member(json, "macFilterTable");
-  if (table == nullptr) return false;
-  for (std::size_t i = 0; i < json_object_array_length(table); ++i) {
-    if (!json_object_is_type(json_object_array_get_idx(table, i), json_type_object)) return false;
-  }
-  return true;
 }
 
 int apply_mac_filter(const char* body) {
   if (!uci_read("system", "@system[0]", "op_mode", kOpModeSize)) return fail("Failed to get opmode");
   const Pbc pbc{read_pbc("ath0", "Failed to get wps_pbc"), read_pbc("ath1", "Failed to get wps_state")};
-  const json::JsonPtr json = json::parse_object(body);
-  if (!json || !is_table_well_formed(json.get())) return 1;
-  const auto status = json::int_member(json.get(), "macFilterStatus");
+  const json::Document document(body);
+  if (!document || check_table(document.root()) != 0) return 1;
+  const std::optional<int> status = document->number("macFilterStatus");
   if (status && switch_filter(*status, pbc) != 0) return 1;
-  if (replace_table(json::array_member(json.get(), "macFilterTable")) != 0) return 1;
+  if (replace_table(document->list("macFilterTable")) != 0) return 1;
   wifi_reload();
   return 0;
 }
@@ -110,20 +122,15 @@ int handle_get_mac_filter(FCGX_Request* request) {
   int status = 0;
   get_mac_filter_status(status);
   int count = 0;
-  json::JsonPtr table = json::new_array();
-  if (parse_mac_filter_table(kPackageFile, table.get(), count) != 0) {
+  json::ListText table;
+  if (parse_mac_filter_table(kPackageFile, table, count) != 0) {
     log_error("Failed to parse mac filter table");
     return refuse(request);
   }
-  const json::JsonPtr document = json::new_object();
-  json_object* root = document.get();
-  json::add(root, "result", 0);
-  json::add(root, "version", 1);
-  json::add(root, "macFilterStatus", status);
-  json::add(root, "numOfmacFilterTable", count);
-  json::add(root, "max", mac_filter::kTableMax);
-  json::add(root, "macFilterTable", std::move(table));
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("macFilterStatus", status).add("numOfmacFilterTable", count);
+  document.add("max", mac_filter::kTableMax).add("macFilterTable", std::move(table));
+  return answer(request, std::move(document));
 }
 
 int handle_set_mac_filter(FCGX_Request* request, const char* body) {

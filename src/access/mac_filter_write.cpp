@@ -30,14 +30,10 @@ int delete_list(const char* ifname, const char* list) {
   return run_uci("delete", list_address(ifname, list)) ? 0 : 1;
 }
 
-// Whether the interface took the description. One that is too long for an argument goes to the same place without one.
+// Whether the interface took the description.
 bool add_name(const char* ifname, const std::string& description) {
-  const std::string address = list_address(ifname, "namelist=") + description;
-  if (address.size() > platform::argument_max()) {
-    return uci_stage_list_element("macfilter", ifname, "namelist", description) == 0;
-  }
   int exit_status = -1;
-  run_uci("add_list", address, &exit_status);
+  run_uci("add_list", list_address(ifname, "namelist=") + description, &exit_status);
   return exit_status == 0;
 }
 

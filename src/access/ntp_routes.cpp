@@ -2,10 +2,13 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 
@@ -13,13 +16,6 @@ namespace {
 
 constexpr const char* kConfdir = "/etc/config";
 constexpr std::size_t kTextSize = 256;
-
-// The switch as any number; a null, an array or an object is none.
-std::optional<int> read_enable(const json::JsonPtr& json) {
-  const json_type type = json_object_get_type(json::member(json.get(), "enable"));
-  if (type == json_type_array || type == json_type_object || type == json_type_null) return std::nullopt;
-  return json::int_member(json.get(), "enable");
-}
 
 // Each answers its part of the result: 0 applied, 1 missing, 2 failed.
 
@@ -31,14 +27,14 @@ int apply_enable(const std::optional<int>& enable) {
   return 2;
 }
 
-int apply_server(const std::optional<std::string>& server) {
-  if (!server) return 1;
+int apply_server(const std::string& server) {
+  if (server.empty()) return 1;
   int result = 0;
   if (UciDelOption(kConfdir, "system", "ntp", "server") != 0) {
     log_error("fail to del system.ntp.server by uci api");
     result = 2;
   }
-  if (UciAddList(kConfdir, "system", "ntp", "server", server->c_str()) != 0) {
+  if (UciAddList(kConfdir, "system", "ntp", "server", server.c_str()) != 0) {
     log_error("fail to set system.ntp.server by uci api");
     result = 2;
   }
@@ -58,28 +54,28 @@ int handle_get_ntp_server(FCGX_Request* request) {
     log_error("Fail to get system.ntp.server value by uci api");
     return answer(request, kResultUnusable);
   }
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "enable", std::atoi(enabled->c_str()));
-  json::add(document.get(), "server", servers->empty() ? std::string() : servers->front());
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("enable", std::atoi(enabled->c_str()));
+  document.add("server", servers->empty() ? std::string() : servers->front());
+  return answer(request, std::move(document));
 }
 
-// Failures are answered in plain text: the page reads them before it decrypts.
+// Failures are answered in plain text: kept as it is.
 int handle_set_ntp_config(FCGX_Request* request, const char* body) {
   if (body == nullptr || *body == '\0') {
     log_error("empty request_body is passed on seting dhcp config");
     return answer_plain(request, kResultUnusable);
   }
-  const json::JsonPtr json = json::parse(body);
-  if (!json) {
+  const json::Document document(body);
+  if (!document) {
     log_error("can't parse request_body to json format.");
     return answer_plain(request, kResultUnusable);
   }
-  const std::optional<int> enable = read_enable(json);
+  const std::optional<int> enable = document->number("enable");
+  const std::string server = document->text("server").value_or("");
+  if (!platform::is_one_line(server)) return answer_plain(request, kResultUnusable);
   const int enable_result = apply_enable(enable);
-  const int server_result = apply_server(json::text_member(json.get(), "server"));
+  const int server_result = apply_server(server);
   const int result = server_result != 0 ? server_result : enable_result;  // the later step decides
   if (result != 0) return answer_plain(request, result == 1 ? kResultUnusable : kResultFailed);
   os_system(*enable != 0 ? "/etc/init.d/sysntpd restart &" : "/etc/init.d/sysntpd stop &");

@@ -1,13 +1,19 @@
 // GET and POST /api/v1/parental-control, POST /api/v1/parental-control/delete.
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "access/firewall.h"
 #include "access/rule_list.h"
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "uci_access.h"
 
 namespace {
@@ -22,39 +28,34 @@ constexpr std::string_view kResultOkWait10 = R"({"result": 0, "version": 1, "wai
 struct Field {
   const char* key;
   const char* option;
+  bool is_free_text;  // may be empty, and of several lines
 };
 // The explanation stands under the option name "enable": the firewall scripts know it there.
 constexpr std::array<Field, 4> kFields{{
-    {"explain", "enable"},
-    {"macAddress", "macaddr"},
-    {"startTime", "timeon"},
-    {"endTime", "timeoff"},
+    {"explain", "enable", true},
+    {"macAddress", "macaddr", false},
+    {"startTime", "timeon", false},
+    {"endTime", "timeoff", false},
 }};
 
-json::JsonPtr result_document(int result) {
-  json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", result);
-  return document;
-}
-
-// A field of an entry. An empty text is stored as an absent option, which therefore reads as empty. nullopt when the
-// entry itself cannot be read, or a list stands in the option's place.
-std::optional<std::string> read_field(const std::string& section, const char* option) {
-  if (auto text = uci_read(kPackage, section.c_str(), option, kValueSize)) return text;
-  const bool is_absent = UciCheckSection(nullptr, kPackage, section.c_str()) == 0 &&
-                         !uci_read_list(kPackage, section.c_str(), option, kValueSize, 1);
+// A field of an entry. An empty explanation is stored as an absent option, which therefore reads as empty. nullopt when
+// another field is absent, the entry itself cannot be read, or a list stands in the option's place.
+std::optional<std::string> read_field(const std::string& section, const Field& field) {
+  if (auto text = uci_read(kPackage, section.c_str(), field.option, kValueSize)) return text;
+  const bool is_absent = field.is_free_text && UciCheckSection(nullptr, kPackage, section.c_str()) == 0 &&
+                         !uci_read_list(kPackage, section.c_str(), field.option, kValueSize, 1);
   return is_absent ? std::optional<std::string>("") : std::nullopt;
 }
 
-// Null when a field cannot be read.
-json::JsonPtr read_entry(int index) {
+// nullopt when a field cannot be read.
+std::optional<json::ObjectText> read_entry(int index) {
   const std::string section = position_of(kType, index);
-  json::JsonPtr entry = json::new_object();
-  json::add(entry.get(), "id", index);
+  json::ObjectText entry;
+  entry.add("id", index);
   for (const Field& field : kFields) {
-    const std::optional<std::string> text = read_field(section, field.option);
-    if (!text) return nullptr;
-    json::add(entry.get(), field.key, *text);
+    const std::optional<std::string> text = read_field(section, field);
+    if (!text) return std::nullopt;
+    entry.add(field.key, *text);
   }
   return entry;
 }
@@ -66,55 +67,71 @@ int count_entries() {
     log_debug("get mia.macbind count error \n");
     return 0;
   }
-  if (read_field(position_of(kType, -1), "macaddr")) return count;
+  if (uci_read(kPackage, position_of(kType, -1).c_str(), "macaddr", kValueSize)) return count;
   log_debug("get mia.macbind macaddr error \n");
   return 0;
 }
 
-// Null when an entry cannot be read.
-json::JsonPtr read_entries() {
-  json::JsonPtr entries = json::new_array();
+// nullopt when an entry cannot be read.
+std::optional<json::ListText> read_entries() {
+  json::ListText entries;
   const int count = count_entries();
   for (int index = 0; index < count; ++index) {
-    json::JsonPtr entry = read_entry(index);
-    if (!entry) return nullptr;
-    json::append(entries.get(), std::move(entry));
+    std::optional<json::ObjectText> entry = read_entry(index);
+    if (!entry) return std::nullopt;
+    entries.add(*std::move(entry));
   }
   return entries;
 }
 
-// The list of the request; nullptr, logged, when there is none.
-json_object* list_of(const char* body, const json::JsonPtr& json) {
+// The list of the request; none, logged, when there is none.
+json::List list_of(const char* body, const json::Document& document) {
+  const json::List list = document->list("parentalControls");
   if (body == nullptr) {
     log_error("data is NULL\n");
-  } else if (!json) {
+  } else if (!document) {
     log_error("jsonObj is NULL\n");
-  } else if (json::member(json.get(), "parentalControls") == nullptr) {
+  } else if (!list) {
     log_error("parentalControls is NULL\n");
   }
-  return json::array_member(json.get(), "parentalControls");
+  return list;
 }
 
-bool has_all_fields(json_object* element) {
-  for (const Field& field : kFields) {
-    if (!json::has_member(element, field.key)) return false;
+// What is there can be stored and read again; whether anything is missing is told when the entry is written.
+bool is_storable(const json::Object& entry) {
+  return std::ranges::all_of(kFields, [&entry](const Field& field) {
+    const std::optional<std::string> text = entry.text(field.key);
+    if (!text) return true;
+    return field.is_free_text ? platform::is_storable(*text) : !text->empty() && platform::is_one_line(*text);
+  });
+}
+
+// Every element is an entry that can be stored.
+bool is_storable(const json::List& list) {
+  for (const json::Object entry : list) {
+    if (!entry || !is_storable(entry)) return false;
   }
   return true;
 }
 
-bool add_entry(json_object* element) {
-  if (!has_all_fields(element)) return false;
-  for (const Field& field : kFields) {
-    log_debug("%s: %s", field.key, json::text_member(element, field.key).value_or("").c_str());
+bool add_entry(const json::Object& element) {
+  std::array<std::string, kFields.size()> texts;
+  for (std::size_t index = 0; index < kFields.size(); ++index) {
+    const std::optional<std::string> text = element.text(kFields[index].key);
+    if (!text) return false;
+    texts[index] = *text;
+  }
+  for (std::size_t index = 0; index < kFields.size(); ++index) {
+    log_debug("%s: %s", kFields[index].key, texts[index].c_str());
   }
   if (UciCreateAnonymousSection(kConfdir, kPackage, kType) != 0) {
     log_error("Failed to create section %s.%s\n", kPackage, kType);
     return false;
   }
-  for (const Field& field : kFields) {
-    const std::string value = json::text_member(element, field.key).value_or("");
-    if (UciSetOption(kConfdir, kPackage, "@macbind[-1]", field.option, value.c_str()) != 0) {
-      log_error("Failed to set %s\n", field.option);
+  for (std::size_t index = 0; index < kFields.size(); ++index) {
+    const char* option = kFields[index].option;
+    if (UciSetOption(kConfdir, kPackage, "@macbind[-1]", option, texts[index].c_str()) != 0) {
+      log_error("Failed to set %s\n", option);
       return false;
     }
   }
@@ -123,30 +140,30 @@ bool add_entry(json_object* element) {
 
 // 0, or 1 on failure; what was written until then stays.
 int parental_control_set_from_json(const char* body) {
-  const json::JsonPtr json = json::parse(body);
-  json_object* list = list_of(body, json);
-  if (list == nullptr) return 1;
-  if (json::member(json.get(), "enable") == nullptr) {
+  const json::Document document(body);
+  const json::List list = list_of(body, document);
+  if (!list) return 1;
+  const std::optional<std::string> enable = document->text("enable");
+  if (!enable || enable->empty()) {
     log_error("enable is NULL\n");
     return 1;
   }
-  const std::string enable = json::text_member(json.get(), "enable").value_or("");
+  if (!platform::is_storable(*enable) || !is_storable(list)) return 1;
   if (!delete_all(kConfdir, kPackage, kType)) return 1;
-  if (UciSetOption(kConfdir, kPackage, "@basic[0]", "enable", enable.c_str()) != 0) {
+  if (UciSetOption(kConfdir, kPackage, "@basic[0]", "enable", enable->c_str()) != 0) {
     log_error("Failed to set enable\n");
     return 1;
   }
-  for (std::size_t index = 0; index < json_object_array_length(list); ++index) {
-    if (!add_entry(json_object_array_get_idx(list, index))) return 1;
+  for (const json::Object entry : list) {
+    if (!add_entry(entry)) return 1;
   }
   return 0;
 }
 
 int parental_control_delete_from_json(const char* body) {
-  const json::JsonPtr json = json::parse(body);
-  json_object* list = list_of(body, json);
-  if (list == nullptr) return 1;
-  const std::optional<std::vector<int>> ids = read_ids(list, kMostIds);
+  const json::Document document(body);
+  const json::List list = list_of(body, document);
+  const std::optional<std::vector<int>> ids = list ? read_ids(list, kMostIds) : std::nullopt;
   return ids && delete_positions(kPackage, kType, *ids) ? 0 : 1;
 }
 
@@ -161,15 +178,13 @@ int answer_change(FCGX_Request* request, int result) {
 
 int handle_get_parental_control_info(FCGX_Request* request) {
   const std::optional<std::string> enable = uci_read(kPackage, "@basic[0]", "enable", kValueSize);
-  if (!enable) return answer(request, result_document(1));
+  if (!enable) return answer(request, json::result_text(1));
   const int is_on = std::atoi(enable->c_str());
-  json::JsonPtr entries = is_on == 1 ? read_entries() : json::new_array();
-  if (!entries) return answer(request, result_document(2));
-  const json::JsonPtr document = result_document(0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "enable", is_on);
-  json::add(document.get(), "parentalControls", std::move(entries));
-  return answer(request, document);
+  std::optional<json::ListText> entries = is_on == 1 ? read_entries() : json::ListText();
+  if (!entries) return answer(request, json::result_text(2));
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("enable", is_on).add("parentalControls", *std::move(entries));
+  return answer(request, std::move(document));
 }
 
 int handle_set_parental_control(FCGX_Request* request, const char* body) {

@@ -1,13 +1,18 @@
 // GET and POST /api/v1/port-open, POST /api/v1/delete-port.
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "access/firewall.h"
 #include "access/rule_list.h"
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 
@@ -31,33 +36,32 @@ std::string get_rule_option(int index, const char* option, std::size_t size) {
   std::array<char, 64> text{};
   const std::string section = position_of(kType, index);
   get_uci_option_value(kPackage, section.c_str(), option, text.data(), text.size());
-  return std::string(text.data()).substr(0, size - 1);
+  return std::string(platform::cut_utf8(text.data(), size - 1));
 }
 
-void add_protocol(json_object* entry, const std::string& protocol) {
-  if (protocol.empty()) json::add(entry, "protocol", 0);
-  if (protocol == "tcp") json::add(entry, "protocol", kTcp);
-  if (protocol == "udp") json::add(entry, "protocol", kUdp);
+void add_protocol(json::ObjectText& rule, const std::string& protocol) {
+  if (protocol.empty()) rule.add("protocol", 0);
+  if (protocol == "tcp") rule.add("protocol", kTcp);
+  if (protocol == "udp") rule.add("protocol", kUdp);
 }
 
-void add_port(json_object* entry, const char* key, const char* option, const std::string& port) {
+void add_port(json::ObjectText& rule, const char* key, const char* option, const std::string& port) {
   if (port.empty()) return;
   const int number = std::atoi(port.c_str());
   log_debug("%s: %d\n", option, number);
-  json::add(entry, key, number);
+  rule.add(key, number);
 }
 
-json::JsonPtr read_rule(int index) {
-  json::JsonPtr entry = json::new_object();
-  json::add(entry.get(), "id", index);
-  json::add(entry.get(), "settingName", get_rule_option(index, "name", kNameSize));
+json::ObjectText read_rule(int index) {
+  json::ObjectText rule;
+  rule.add("id", index).add("settingName", get_rule_option(index, "name", kNameSize));
   const std::string address = get_rule_option(index, "dest_ip", kAddressSize);
   log_debug("dest_ip: %s\n", address.c_str());
-  json::add(entry.get(), "ipAddress", address);
-  add_protocol(entry.get(), get_rule_option(index, "proto", kProtocolSize));
-  add_port(entry.get(), "lanPortNum", "dest_port", get_rule_option(index, "dest_port", kPortSize));
-  add_port(entry.get(), "wanPortNum", "src_dport", get_rule_option(index, "src_dport", kPortSize));
-  return entry;
+  rule.add("ipAddress", address);
+  add_protocol(rule, get_rule_option(index, "proto", kProtocolSize));
+  add_port(rule, "lanPortNum", "dest_port", get_rule_option(index, "dest_port", kPortSize));
+  add_port(rule, "wanPortNum", "src_dport", get_rule_option(index, "src_dport", kPortSize));
+  return rule;
 }
 
 struct Setting {
@@ -72,11 +76,21 @@ bool set_rule(const std::vector<Setting>& settings) {
   return true;
 }
 
-bool add_rule(json_object* element) {
-  const auto text = [element](const char* key) { return json::text_member(element, key).value_or(""); };
-  const auto port = [element](const char* key) {
+// Every element is a rule that can be stored. One without a destination would open the router itself.
+bool is_storable(const json::List& list) {
+  for (const json::Object rule : list) {
+    const std::string address = rule.text("ipAddress").value_or("");
+    if (address.empty() || !platform::is_one_line(address)) return false;
+    if (!platform::is_storable(rule.text("settingName").value_or(""))) return false;
+  }
+  return true;
+}
+
+bool add_rule(const json::Object& element) {
+  const auto text = [&element](const char* key) { return element.text(key).value_or(""); };
+  const auto port = [&element](const char* key) {
     constexpr std::size_t kDigits = 7;
-    return std::to_string(json::int_member(element, key).value_or(0)).substr(0, kDigits);
+    return std::to_string(element.number(key).value_or(0)).substr(0, kDigits);
   };
   if (UciCreateAnonymousSection(kConfdir, kPackage, kType) != 0) return false;
   std::vector<Setting> settings{
@@ -88,51 +102,47 @@ bool add_rule(json_object* element) {
       {"dest_ip", text("ipAddress")},
       {"dest", "lan"},
   };
-  const int protocol = json::int_member(element, "protocol").value_or(0);
+  const int protocol = element.number("protocol").value_or(0);
   if (protocol == kTcp) settings.push_back({"proto", "tcp"});
   if (protocol == kUdp) settings.push_back({"proto", "udp"});
   return set_rule(settings);
 }
 
-// The body as JSON; null, logged, when there is none.
-json::JsonPtr parse_body(const char* body) {
+// The request as an object; none, logged, when there is none.
+json::Document parse_body(const char* body) {
+  json::Document document(body);
   if (body == nullptr) {
     log_error("data is NULL\n");
-    return nullptr;
+  } else if (!document) {
+    log_error("jsonObj is NULL\n");
   }
-  json::JsonPtr json = json::parse(body);
-  if (!json) log_error("jsonObj is NULL\n");
-  return json;
+  return document;
 }
 
-bool is_list_of_another_type(const json::JsonPtr& json) {
-  return json::has_member(json.get(), "portOpenSettings") &&
-         json::array_member(json.get(), "portOpenSettings") == nullptr;
+json::List list_of(const json::Document& document) {
+  const json::List list = document->list("portOpenSettings");
+  if (!list) log_error("portOpenSettings is NULL\n");
+  return list;
 }
 
-json_object* list_of(const json::JsonPtr& json) {
-  if (json::member(json.get(), "portOpenSettings") == nullptr) log_error("portOpenSettings is NULL\n");
-  return json::array_member(json.get(), "portOpenSettings");
-}
-
-// 0, or 1 on failure. The old rules are gone even when the request names no new ones.
+// 0, or 1 on failure. The old rules are gone even when the request names no list: kept as it is.
 int set_rules(const char* body) {
-  const json::JsonPtr json = parse_body(body);
-  if (!json || is_list_of_another_type(json) || !delete_all(kConfdir, kPackage, kType)) return 1;
-  json_object* list = list_of(json);
-  if (list == nullptr) return 1;
-  for (std::size_t index = 0; index < json_object_array_length(list); ++index) {
-    json_object* element = json_object_array_get_idx(list, index);
-    if (element != nullptr && !add_rule(element)) return 1;
+  const json::Document document = parse_body(body);
+  if (!document) return 1;
+  const json::List list = document->list("portOpenSettings");
+  if (!list && document->has_any("portOpenSettings")) return 1;
+  if (!is_storable(list) || !delete_all(kConfdir, kPackage, kType)) return 1;
+  if (!list_of(document)) return 1;
+  for (const json::Object rule : list) {
+    if (!add_rule(rule)) return 1;
   }
   return 0;
 }
 
 int port_mapping_delete_from_json(const char* body) {
-  const json::JsonPtr json = parse_body(body);
-  json_object* list = json ? list_of(json) : nullptr;
-  if (list == nullptr) return 1;
-  const std::optional<std::vector<int>> ids = read_ids(list, kMostIds);
+  const json::Document document = parse_body(body);
+  const json::List list = document ? list_of(document) : json::List();
+  const std::optional<std::vector<int>> ids = list ? read_ids(list, kMostIds) : std::nullopt;
   return ids && delete_positions(kPackage, kType, *ids) ? 0 : 1;
 }
 
@@ -146,14 +156,12 @@ int answer_change(FCGX_Request* request, int result) {
 
 int handle_get_portopen_json(FCGX_Request* request) {
   const int count = uci_count_sections(kPackage, kType);
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", count < 0 ? 1 : 0);
-  if (count < 0) return answer(request, document);
-  json::JsonPtr rules = json::new_array();
-  for (int index = 0; index < count; ++index) json::append(rules.get(), read_rule(index));
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "portOpenSettings", std::move(rules));
-  return answer(request, document);
+  if (count < 0) return answer(request, json::result_text(1));
+  json::ListText rules;
+  for (int index = 0; index < count; ++index) rules.add(read_rule(index));
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("portOpenSettings", std::move(rules));
+  return answer(request, std::move(document));
 }
 
 int handle_set_portopen(FCGX_Request* request, const char* body) { return answer_change(request, set_rules(body)); }

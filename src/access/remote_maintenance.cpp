@@ -6,6 +6,7 @@
 
 #include "access/switches.h"
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "system_helpers.h"
 #include "uci_access.h"
@@ -25,28 +26,21 @@ std::optional<Device> read_device() {
   return text.starts_with("0121") ? Device::kTesmir : Device::kOther;
 }
 
-json::JsonPtr result_document(int result) {
-  json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", result);
-  return document;
-}
-
-json::JsonPtr read_state() {
+json::ObjectText read_state() {
   constexpr std::size_t kNumberSize = 8;
   const std::optional<Device> device = read_device();
-  if (!device) return result_document(1);
+  if (!device) return json::result_text(1);
   const std::optional<int> running = count_lines("ps | grep '/usr/sbin/hotacron' | grep -v 'grep' | wc -l");
-  if (!running) return result_document(1);
-  if (*running != 0) return result_document(2);
-  const std::optional<int> enable = stored_switch(kUpdates);
-  if (!enable) return result_document(1);
-  json::JsonPtr document = result_document(0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), kUpdates.key, *enable);
+  if (!running) return json::result_text(1);
+  if (*running != 0) return json::result_text(2);
+  const std::optional<bool> enable = stored_switch(kUpdates);
+  if (!enable) return json::result_text(1);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add(kUpdates.key, int{*enable});
   if (*device != Device::kOrvane) return document;
   const std::optional<std::string> detail = uci_read(kDetails.package, kDetails.section, kDetails.option, kNumberSize);
-  if (!detail) return result_document(1);
-  json::add(document.get(), kDetails.key, std::atoi(detail->c_str()));
+  if (!detail) return json::result_text(1);
+  document.add(kDetails.key, std::atoi(detail->c_str()));
   return document;
 }
 
@@ -67,13 +61,14 @@ int apply_agents(bool enable) {
 }
 
 // The `result` to answer.
-int apply_state(const json::JsonPtr& json) {
-  if (const int result = apply_switch(json, kUpdates); result != 0) return result;
+int apply_state(const json::Object& asked) {
   const std::optional<Device> device = read_device();
-  if (!device) return 1;
-  if (*device == Device::kTesmir) return os_system("/usr/sbin/hotacron") == 1 ? 0 : 2;
-  if (const int result = apply_switch(json, kDetails); result != 0) return result;
-  return apply_agents(read_switch(json, kUpdates.key) == 1);
+  const bool has_agents = device != Device::kTesmir;
+  if (!asked.flag(kUpdates.key) || !device || (has_agents && !asked.flag(kDetails.key))) return 1;
+  if (const int result = apply_switch(asked, kUpdates); result != 0) return result;
+  if (!has_agents) return os_system("/usr/sbin/hotacron") == 1 ? 0 : 2;
+  if (const int result = apply_switch(asked, kDetails); result != 0) return result;
+  return apply_agents(asked.flag(kUpdates.key) == true);
 }
 
 }  // namespace
@@ -81,5 +76,5 @@ int apply_state(const json::JsonPtr& json) {
 int handle_get_remote_maintenance(FCGX_Request* request) { return answer(request, read_state()); }
 
 int handle_set_remote_maintenance(FCGX_Request* request, const char* body) {
-  return answer_result(request, apply_state(json::parse(body)));
+  return answer_result(request, apply_state(json::Document(body).root()));
 }

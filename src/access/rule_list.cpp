@@ -2,8 +2,10 @@
 #include "access/rule_list.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
 #include <functional>
+#include <limits>
+#include <string_view>
 
 #include "platform/log.h"
 #include "uci_access.h"
@@ -16,28 +18,41 @@ bool delete_section(const char* confdir, const char* package, const std::string&
   return false;
 }
 
+// A position by its whole number, or else by the digits that its text begins with. No section has the highest number,
+// which stands for all that lies beyond it.
+std::optional<int> read_id(const json::Object& element, std::string_view text) {
+  if (text.empty() || text.front() < '0' || text.front() > '9') return std::nullopt;
+  std::optional<int> id = element.number("id");
+  if (!id) {
+    id = std::numeric_limits<int>::max();
+    std::from_chars(text.data(), text.data() + text.size(), *id);
+  }
+  return *id < std::numeric_limits<int>::max() ? id : std::nullopt;
+}
+
 }  // namespace
 
 std::string position_of(const char* type, int index) {
   return std::string("@") + type + "[" + std::to_string(index) + "]";
 }
 
-std::optional<std::vector<int>> read_ids(json_object* array, std::size_t most) {
-  const std::size_t count = json_object_array_length(array);
-  if (count > most) return std::nullopt;
+std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most) {
+  if (elements.size() > most) return std::nullopt;
   std::vector<int> ids;
-  for (std::size_t index = 0; index < count; ++index) {
-    json_object* element = json_object_array_get_idx(array, index);
-    if (json::member(element, "id") == nullptr) return std::nullopt;  // a null is no position, not position 0
-    const std::string id = json::text_member(element, "id").value_or("");
-    log_error("id: %s\n", id.c_str());
-    ids.push_back(std::atoi(id.c_str()));
+  for (const json::Object element : elements) {
+    const std::optional<std::string> text = element.text("id");
+    if (text) log_error("id: %s\n", text->c_str());
+    const std::optional<int> id = read_id(element, text.value_or(""));
+    if (!id) return std::nullopt;
+    ids.push_back(*id);
   }
   return ids;
 }
 
 bool delete_positions(const char* package, const char* type, std::vector<int> ids) {
   std::ranges::sort(ids, std::greater<>());
+  const auto repeated = std::ranges::unique(ids);
+  ids.erase(repeated.begin(), repeated.end());
   return std::ranges::all_of(ids,
                              [&](int id) { return delete_section("/etc/config/", package, position_of(type, id)); });
 }

@@ -6,17 +6,17 @@
 #include <string>
 #include <vector>
 
-#include "answer/json.h"
+#include "answer/json_reading.h"
 
 // "@type[index]"
 std::string position_of(const char* type, int index);
 
-// The `id` of every element, as atoi reads its text. nullopt when an element or id is missing, or there are more than
-// `most` of them.
-std::optional<std::vector<int>> read_ids(json_object* array, std::size_t most);
+// The `id` of every element: a number from 0, or the digits that its text begins with. nullopt when an element has
+// none, or there are more than `most` elements.
+std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most);
 
-// Deletes the sections of these positions, the last one first, so that no deletion moves one that is still to come.
-// False at the first failure (logged).
+// Deletes the sections of these positions, each once and the last one first, so that no deletion moves one that is
+// still to come. False at the first failure (logged).
 bool delete_positions(const char* package, const char* type, std::vector<int> ids);
 
 // Deletes the first section of that type, as often as there are some. False at the first failure (logged), or when the

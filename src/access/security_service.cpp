@@ -5,8 +5,10 @@
 
 #include "access/switches.h"
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/file.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 
@@ -21,32 +23,21 @@ bool is_service_device() {
   return getDeviceId(id.data(), id.size()) == 0 && std::strncmp(id.data(), "0121", 4) == 0;
 }
 
-json::JsonPtr result_document(int result) {
-  json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", result);
-  if (result == 0) json::add(document.get(), "version", 1);
-  return document;
-}
-
-json::JsonPtr read_service() {
+json::ObjectText read_service() {
   constexpr std::size_t kVersionMax = 15;
-  if (!is_service_device()) return result_document(1);
+  if (!is_service_device()) return json::result_text(1);
   // While its script runs, the service is starting or stopping.
   const std::optional<int> scripts = count_lines("ps | grep '/opt/sense/bin/sense_init.sh' | grep -v 'grep' | wc -l");
-  if (!scripts) return result_document(1);
-  if (*scripts != 0) return result_document(2);
-  if (!platform::file_exists(kVersionPath)) {
-    json::JsonPtr document = result_document(0);
-    json::add(document.get(), "enable", kNotInstalled);
-    return document;
-  }
-  const std::optional<int> disabled = stored_switch(kDisabled);
-  const std::optional<std::string> version = platform::read_file(kVersionPath, kVersionMax);
-  if (!disabled || !version || version->empty()) return result_document(1);
-  json::JsonPtr document = result_document(0);
-  json::add(document.get(), "enable", *disabled == 0 ? 1 : 0);
-  json::add(document.get(), "sense_ver", without_line_end(*version));
-  return document;
+  if (!scripts) return json::result_text(1);
+  if (*scripts != 0) return json::result_text(2);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1);
+  if (!platform::file_exists(kVersionPath)) return document.add("enable", kNotInstalled);
+  const std::optional<bool> disabled = stored_switch(kDisabled);
+  const std::optional<std::string> version = platform::read_file(kVersionPath, kVersionMax + 1);
+  if (!disabled || !version || version->empty()) return json::result_text(1);
+  return document.add("enable", *disabled ? 0 : 1)
+      .add("sense_ver", without_line_end(platform::cut_utf8(*version, kVersionMax)));
 }
 
 }  // namespace
@@ -55,11 +46,10 @@ int handle_get_fsecure_sense(FCGX_Request* request) { return answer(request, rea
 
 int handle_set_fsecure_sense(FCGX_Request* request, const char* body) {
   constexpr std::size_t kOpModeSize = 16;
-  const json::JsonPtr json = json::parse(body);
-  const std::optional<int> enable = read_switch(json, "enable");
+  const std::optional<bool> enable = json::Document(body)->flag("enable");
   const bool is_router = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "") == "router";
   if (!is_service_device() || !is_router || !enable) return answer(request, kResultUnusable);
-  if (!set_switch(kDisabled, 1 - *enable)) return answer(request, kResultFailed);
-  os_system(*enable == 1 ? "/opt/sense/bin/sense_init.sh start &" : "/opt/sense/bin/sense_init.sh stop &");
+  if (!set_switch(kDisabled, !*enable)) return answer(request, kResultFailed);
+  os_system(*enable ? "/opt/sense/bin/sense_init.sh start &" : "/opt/sense/bin/sense_init.sh stop &");
   return answer(request, kResultOkWait20);
 }

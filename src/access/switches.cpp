@@ -4,39 +4,24 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <string_view>
+#include <string>
 
 #include "answer/answer.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 
-namespace {
-
-std::optional<int> if_switch(std::string_view text) {
-  if (text == "0") return 0;
-  return text == "1" ? std::optional(1) : std::nullopt;
-}
-
-}  // namespace
-
-std::optional<int> read_switch(const json::JsonPtr& json, const char* key) {
-  json_object* value = json::member(json.get(), key);
-  if (json_object_is_type(value, json_type_boolean)) return json_object_get_boolean(value);
-  return value == nullptr ? std::nullopt : if_switch(json_object_get_string(value));
-}
-
-std::optional<int> stored_switch(const SwitchOption& which) {
+std::optional<bool> stored_switch(const SwitchOption& which) {
   constexpr std::size_t kSwitchSize = 8;
   const std::optional<std::string> text = uci_read(which.package, which.section, which.option, kSwitchSize);
-  return text ? if_switch(*text) : std::nullopt;
+  return text == "0" || text == "1" ? std::optional(text == "1") : std::nullopt;
 }
 
-bool set_switch(const SwitchOption& which, int value) {
-  return UciSetOption("/etc/config", which.package, which.section, which.option, value == 1 ? "1" : "0") == 0;
+bool set_switch(const SwitchOption& which, bool value) {
+  return UciSetOption("/etc/config", which.package, which.section, which.option, value ? "1" : "0") == 0;
 }
 
-int apply_switch(const json::JsonPtr& json, const SwitchOption& which) {
-  const std::optional<int> value = read_switch(json, which.key);
+int apply_switch(const json::Object& asked, const SwitchOption& which) {
+  const std::optional<bool> value = asked.flag(which.key);
   if (!value) return 1;
   return set_switch(which, *value) ? 0 : 2;
 }

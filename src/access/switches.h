@@ -2,11 +2,10 @@
 #pragma once
 
 #include <optional>
-#include <string>
 
 #include <fcgiapp.h>
 
-#include "answer/json.h"
+#include "answer/json_reading.h"
 
 // Where a switch stands in requests and answers, and where it is stored.
 struct SwitchOption {
@@ -16,17 +15,14 @@ struct SwitchOption {
   const char* option;
 };
 
-// The member when it is 0 or 1: a number, a text or a truth value.
-std::optional<int> read_switch(const json::JsonPtr& json, const char* key);
-
 // The stored option when it is "0" or "1".
-std::optional<int> stored_switch(const SwitchOption& which);
+std::optional<bool> stored_switch(const SwitchOption& which);
 
 // Stores "0" or "1". False on failure.
-bool set_switch(const SwitchOption& which, int value);
+bool set_switch(const SwitchOption& which, bool value);
 
-// Stores what the request says. The `result` to answer: 1 when it is missing or wrong, 2 when it cannot be stored.
-int apply_switch(const json::JsonPtr& json, const SwitchOption& which);
+// Stores what the document says. The `result` to answer: 1 when it is neither 0 nor 1, 2 when it cannot be stored.
+int apply_switch(const json::Object& asked, const SwitchOption& which);
 
 // Answers a change: `result` 0 with the time to wait, 1 or 2.
 int answer_result(FCGX_Request* request, int result);

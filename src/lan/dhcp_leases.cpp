@@ -2,31 +2,41 @@
 #include "lan/dhcp_leases.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
+#include <optional>
+#include <string>
 #include <sys/sysinfo.h>
+#include <utility>
 
 #include "answer/answer.h"
 #include "handlers.h"
 #include "platform/log.h"
 #include "platform/process.h"
-#include "system_helpers.h"
+#include "platform/text.h"
 
 namespace {
 
-constexpr std::size_t kLineSize = 256;
+constexpr std::size_t kLineMax = 255;
 constexpr std::size_t kTextMax = 31;
+constexpr std::size_t kFieldCount = 3;
 
-std::vector<std::string> split_at_commas(std::string_view line) {
-  std::vector<std::string> fields;
+// The fields of a line, empty ones left out; nullopt when they are not three.
+std::optional<std::array<std::string_view, kFieldCount>> split_at_commas(std::string_view line) {
+  std::array<std::string_view, kFieldCount> fields;
+  std::size_t count = 0;
   while (!line.empty()) {
     const std::size_t comma = line.find(',');
-    if (comma != 0) fields.emplace_back(line.substr(0, comma).substr(0, kTextMax));
+    if (comma != 0) {
+      if (count == kFieldCount) return std::nullopt;
+      fields[count++] = platform::cut_utf8(line.substr(0, comma), kTextMax);
+    }
     line.remove_prefix(comma == std::string_view::npos ? line.size() : comma + 1);
   }
-  return fields;
+  return count == kFieldCount ? std::optional(fields) : std::nullopt;
 }
 
 // What awk makes of the lease file; nullopt, logged, when no command can be run.
@@ -38,18 +48,6 @@ std::optional<std::string> read_lease_lines() {
   return std::nullopt;
 }
 
-json::JsonPtr build_list(const std::vector<Lease>& leases) {
-  json::JsonPtr list = json::new_array();
-  for (const Lease& lease : leases) {
-    json::JsonPtr entry = json::new_object();
-    json::add(entry.get(), "ipAddress", lease.ip);
-    json::add(entry.get(), "macAddress", lease.mac);
-    json::add(entry.get(), "remainTime", lease.remain_time);
-    json::append(list.get(), std::move(entry));
-  }
-  return list;
-}
-
 }  // namespace
 
 long get_uptime_seconds() {
@@ -57,17 +55,18 @@ long get_uptime_seconds() {
   return sysinfo(&info) == 0 ? info.uptime : std::time(nullptr);
 }
 
-std::vector<Lease> parse_leases(std::string_view lines, long now_s) {
-  std::vector<Lease> leases;
-  for (const std::string& line : platform::split_lines(lines, kLineSize)) {
-    const std::vector<std::string> fields = split_at_commas(without_line_end(line));
-    if (fields.size() != 3) continue;
-    const long expiry = std::strtol(fields[0].c_str(), nullptr, 10);
+void for_each_lease(std::string_view lines, long now_s, const std::function<void(const Lease&)>& visit) {
+  while (!lines.empty()) {
+    // As fgets gives them to a reader with a buffer: a longer line comes in pieces.
+    const std::string_view line = lines.substr(0, std::min(lines.find('\n'), kLineMax - 1) + 1);
+    lines.remove_prefix(line.size());
+    const auto fields = split_at_commas(line.substr(0, line.find_first_of("\r\n")));
+    if (!fields) continue;
+    const auto& [expiry_text, mac, ip] = *fields;
+    const long expiry = std::strtol(std::string(expiry_text).c_str(), nullptr, 10);
     if (expiry == 0 || expiry <= now_s) continue;
-    const long remain = std::min<long>(expiry - now_s, std::numeric_limits<int>::max());
-    leases.push_back({fields[2], fields[1], static_cast<int>(remain)});
+    visit({ip, mac, static_cast<int>(std::min<long>(expiry - now_s, std::numeric_limits<int>::max()))});
   }
-  return leases;
 }
 
 int handle_get_dhcp_client(FCGX_Request* request) {
@@ -78,11 +77,15 @@ int handle_get_dhcp_client(FCGX_Request* request) {
   }
   const std::optional<std::string> lines = read_lease_lines();
   if (!lines) return answer(request, kResultFailed);
-  const std::vector<Lease> leases = parse_leases(*lines, now_s);
-  const json::JsonPtr document = json::new_object();
-  json::add(document.get(), "result", 0);
-  json::add(document.get(), "version", 1);
-  json::add(document.get(), "clientCount", static_cast<int>(leases.size()));
-  json::add(document.get(), "clientList", build_list(leases));
-  return answer(request, document);
+  json::ListText list;
+  int count = 0;
+  for_each_lease(*lines, now_s, [&](const Lease& lease) {
+    json::ObjectText entry;
+    entry.add("ipAddress", lease.ip).add("macAddress", lease.mac).add("remainTime", lease.remain_time);
+    list.add(std::move(entry));
+    ++count;
+  });
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("clientCount", count).add("clientList", std::move(list));
+  return answer(request, std::move(document));
 }

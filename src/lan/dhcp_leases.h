@@ -1,19 +1,19 @@
 // Active DHCP leases.
 #pragma once
 
-#include <optional>
-#include <string>
+#include <functional>
 #include <string_view>
-#include <vector>
 
+// One lease, on loan from the line that it was read from.
 struct Lease {
-  std::string ip;  // at most 31 bytes, as the MAC
-  std::string mac;
+  std::string_view ip;  // at most 31 bytes, as the MAC
+  std::string_view mac;
   int remain_time = 0;  // seconds
 };
 
-// The leases of lines "EXPIRY,MAC,IP" that end after `now_s`; 0 is a lease without an end, which is not listed.
-std::vector<Lease> parse_leases(std::string_view lines, long now_s);
+// Visits the leases of lines "EXPIRY,MAC,IP" that end after `now_s`, in their order; 0 is a lease without an end, which
+// is left out.
+void for_each_lease(std::string_view lines, long now_s, const std::function<void(const Lease&)>& visit);
 
 // The system's uptime in seconds; the wall-clock time where that cannot be told; -1 where neither can.
 long get_uptime_seconds();

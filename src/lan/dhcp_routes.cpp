@@ -1,58 +1,68 @@
 // GET and POST /api/v1/dhcp.
+#include <algorithm>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
+#include "answer/json_reading.h"
 #include "handlers.h"
 #include "lan/dhcp_settings.h"
 #include "platform/log.h"
+#include "platform/text.h"
 
 namespace {
 
 constexpr std::size_t kTextMax = 31;
 
 // A missing key is told in the log and leaves 0, or an empty text.
-int read_number(json_object* json, const char* key) {
-  const std::optional<int> value = json::int_member(json, key);
+int read_number(const json::Object& object, const char* key) {
+  const std::optional<int> value = object.number(key);
   if (!value) log_error("%s is not found.\n", key);
   return value.value_or(0);
 }
 
-std::string read_text(json_object* json, const char* key) {
-  const std::optional<std::string> value = json::text_member(json, key);
+std::string read_text(const json::Object& object, const char* key) {
+  const std::optional<std::string> value = object.text(key);
   if (!value) log_error("%s is not found.\n", key);
-  return value.value_or("").substr(0, kTextMax);
+  return std::string(platform::cut_utf8(value.value_or(""), kTextMax));
 }
 
-// False when the list is none, or not `stated` long, or too long.
-bool read_hosts(json_object* json, int stated, DhcpSettings& settings) {
-  json_object* list = json::array_member(json, "fixedIpAllocation");
-  if (list == nullptr && json::has_member(json, "fixedIpAllocation")) return false;
-  const std::size_t count = list == nullptr ? 0 : json_object_array_length(list);
-  if (stated < 0 || static_cast<std::size_t>(stated) != count || count > kMostFixedHosts) return false;
-  for (std::size_t index = 0; index < count; ++index) {
-    json_object* element = json_object_array_get_idx(list, index);
-    settings.hosts.push_back({read_text(element, "ipAddress"), read_text(element, "macAddress")});
+// False when there is something else than a list, or it is not `stated` long, or too long, or holds anything but
+// objects.
+bool read_hosts(const json::Object& asked, int stated, DhcpSettings& settings) {
+  const json::List list = asked.list("fixedIpAllocation");
+  if (!list && asked.has_any("fixedIpAllocation")) return false;
+  const bool is_as_long = stated >= 0 && static_cast<std::size_t>(stated) == list.size();
+  if (!is_as_long || list.size() > kMostFixedHosts) return false;
+  if (!list.holds_objects_alone()) return false;
+  for (const json::Object host : list) {
+    settings.hosts.push_back({read_text(host, "ipAddress"), read_text(host, "macAddress")});
   }
   return true;
 }
 
-bool read_settings(json_object* json, DhcpSettings& settings) {
-  settings.enable = read_number(json, "enable");
-  settings.lease_time = read_number(json, "leaseTime");
-  const int stated = read_number(json, "fixedIpCount");
-  settings.start_address = read_text(json, "startAddress");
-  settings.end_address = read_text(json, "endAddress");
-  return read_hosts(json, stated, settings);
+bool are_texts_storable(const DhcpSettings& settings) {
+  if (!platform::is_one_line(settings.start_address) || !platform::is_one_line(settings.end_address)) return false;
+  return std::ranges::all_of(settings.hosts, [](const FixedHost& host) {
+    return platform::is_one_line(host.ip) && platform::is_one_line(host.mac);
+  });
 }
 
-json::JsonPtr build_hosts(const DhcpSettings& settings) {
-  json::JsonPtr hosts = json::new_array();
+// False when the request is to be refused.
+bool read_settings(const json::Object& asked, DhcpSettings& settings) {
+  settings.enable = read_number(asked, "enable");
+  settings.lease_time = read_number(asked, "leaseTime");
+  const int stated = read_number(asked, "fixedIpCount");
+  settings.start_address = read_text(asked, "startAddress");
+  settings.end_address = read_text(asked, "endAddress");
+  return read_hosts(asked, stated, settings) && are_texts_storable(settings);
+}
+
+json::ListText build_hosts(const DhcpSettings& settings) {
+  json::ListText hosts;
   for (const FixedHost& host : settings.hosts) {
-    json::JsonPtr entry = json::new_object();
-    json::add(entry.get(), "ipAddress", host.ip);
-    json::add(entry.get(), "macAddress", host.mac);
-    json::append(hosts.get(), std::move(entry));
+    hosts.add(json::ObjectText().add("ipAddress", host.ip).add("macAddress", host.mac));
   }
   return hosts;
 }
@@ -61,22 +71,16 @@ json::JsonPtr build_hosts(const DhcpSettings& settings) {
 
 int handle_get_dhcp_config(FCGX_Request* request) {
   DhcpSettings settings;
-  const json::JsonPtr document = json::new_object();
-  json_object* root = document.get();
   if (cmd_get_dhcp(settings) != 0) {
     log_error("fun:%s,line:%d, get dhcp param error.\n", __func__, __LINE__);
-    json::add(root, "result", 2);
-    return answer(request, document);
+    return answer(request, json::result_text(2));
   }
-  json::add(root, "result", 0);
-  json::add(root, "version", 1);
-  json::add(root, "enable", settings.enable);
-  json::add(root, "leaseTime", settings.lease_time);
-  json::add(root, "startAddress", settings.start_address);
-  json::add(root, "endAddress", settings.end_address);
-  json::add(root, "fixedIpCount", static_cast<int>(settings.hosts.size()));
-  json::add(root, "fixedIpAllocation", build_hosts(settings));
-  return answer(request, document);
+  json::ObjectText document = json::result_text(0);
+  document.add("version", 1).add("enable", settings.enable).add("leaseTime", settings.lease_time);
+  document.add("startAddress", settings.start_address).add("endAddress", settings.end_address);
+  document.add("fixedIpCount", static_cast<int>(settings.hosts.size()));
+  document.add("fixedIpAllocation", build_hosts(settings));
+  return answer(request, std::move(document));
 }
 
 int handle_set_dhcp_config(FCGX_Request* request, const char* body) {
@@ -84,12 +88,12 @@ int handle_set_dhcp_config(FCGX_Request* request, const char* body) {
     log_error("empty request_body is passed on seting dhcp config\n");
     return answer(request, kResultUnusable);
   }
-  const json::JsonPtr json = json::parse(body);
-  if (!json) {
+  const json::Document document(body);
+  if (!document) {
     log_error("can't parse request_body to json format.\n");
     return answer(request, kResultUnusable);
   }
   DhcpSettings settings;
-  if (!read_settings(json.get(), settings)) return answer(request, kResultUnusable);
+  if (!read_settings(document.root(), settings)) return answer(request, kResultUnusable);
   return answer(request, cmd_set_dhcp(settings) == 0 ? kResultOkWait20 : kResultFailed);
 }

@@ -7,6 +7,7 @@
 
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 
@@ -63,7 +64,7 @@ bool add_host(const FixedHost& host, int index, const std::string& lease) {
       {"leasetime", "leaseTime", lease},
       {"name", "name", std::to_string(index)},
       {"dns", "dns", "1"},
-      {"mac", "mac", mac.substr(0, kTextMax)},
+      {"mac", "mac", std::string(platform::cut_utf8(mac, kTextMax))},
   }};
   for (const HostOption& option : options) {
     if (UciSetOption(nullptr, "dhcp", section.c_str(), option.option, option.value.c_str()) == 0) continue;
@@ -86,7 +87,7 @@ void read_hosts(DhcpSettings& settings) {
   std::array<char, 256> line{};
   const auto first_line = [&line](const std::string& command) {
     execute_cmd(command.c_str(), line.data(), line.size() - 1);
-    return std::string(line.data()).substr(0, kTextMax);
+    return std::string(platform::cut_utf8(line.data(), kTextMax));
   };
   const int count = std::min(get_num_fix_ip(), static_cast<int>(kMostFixedHosts));
   for (int index = 0; index < count; ++index) {
@@ -125,7 +126,7 @@ int read_pool(DhcpSettings& settings) {
   // Bounded before the addition: the option may hold any number.
   const long addresses = std::clamp(std::strtol(limit->c_str(), nullptr, 10), -kMostAddresses, kMostAddresses);
   const long last = first + addresses - 1;
-  settings.end_address = (head + "." + std::to_string(last)).substr(0, kTextMax);
+  settings.end_address = platform::cut_utf8(head + "." + std::to_string(last), kTextMax);
   return 0;
 }
 
@@ -169,9 +170,11 @@ void AddColonOfMac(std::string& mac) {
     return;
   }
   std::string spaced;
-  for (std::size_t index = 0; index < mac.size(); ++index) {
-    if (index != 0 && index % 2 == 0) spaced += ':';
-    spaced += mac[index];
+  std::size_t characters = 0;
+  for (const char byte : mac) {
+    const bool continues_character = (static_cast<unsigned char>(byte) & 0xC0U) == 0x80;
+    if (!continues_character && characters++ != 0 && characters % 2 == 1) spaced += ':';
+    spaced += byte;
   }
   mac = spaced;
 }

@@ -4,8 +4,11 @@
 #include "domain/ipv4.h"
 #include "lan/lan_settings.h"
 #include "platform/process.h"
+#include "platform/text.h"
 
 namespace {
+
+constexpr std::size_t kIpv6TextMax = 63;
 
 std::vector<std::string_view> split_at_blanks(std::string_view text) {
   constexpr std::string_view kBlanks = " \t";
@@ -34,7 +37,8 @@ LanAddress parse_inet_line(std::string_view line) {
   const std::string_view address = after_colon(fields, 1);
   const std::string_view mask = after_colon(fields, 3);
   if (!check_ipv4_format(address)) return {"0.0.0.0", kAddressNotFound};
-  return {std::string(address), mask.empty() ? kAddressNotFound : std::string(mask.substr(0, kIpv4TextSize - 1))};
+  return {std::string(address),
+          mask.empty() ? kAddressNotFound : std::string(platform::cut_utf8(mask, kIpv4TextSize - 1))};
 }
 
 std::string parse_inet6(std::string_view ifconfig_output, std::string_view scope) {
@@ -46,7 +50,7 @@ std::string parse_inet6(std::string_view ifconfig_output, std::string_view scope
     const std::size_t begin = rest.find_first_not_of(' ');
     const std::size_t slash = rest.find('/');
     if (begin >= slash || slash == std::string_view::npos) continue;
-    return std::string(rest.substr(begin, slash - begin).substr(0, 63));
+    return std::string(platform::cut_utf8(rest.substr(begin, slash - begin), kIpv6TextMax));
   }
   return kAddressNotFound;
 }
@@ -55,7 +59,7 @@ std::string parse_default_gateway(std::string_view routes) {
   for (const std::string& line : platform::split_lines(routes)) {
     if (line.find("default via") == std::string::npos) continue;
     const std::vector<std::string_view> fields = split_at_blanks(line);
-    return fields.size() < 3 ? kAddressNotFound : std::string(fields[2].substr(0, 63));
+    return fields.size() < 3 ? kAddressNotFound : std::string(platform::cut_utf8(fields[2], kIpv6TextMax));
   }
   return kAddressNotFound;
 }
@@ -65,7 +69,7 @@ std::vector<std::string> parse_nameservers(std::string_view resolv_conf, bool ip
   for (const std::string& line : platform::split_lines(resolv_conf)) {
     const std::vector<std::string_view> fields = split_at_blanks(line);
     if (fields.size() < 2 || fields[0] != "nameserver") continue;
-    if (check_ipv4_format(fields[1]) == ipv4) servers.emplace_back(fields[1].substr(0, max_length));
+    if (check_ipv4_format(fields[1]) == ipv4) servers.emplace_back(platform::cut_utf8(fields[1], max_length));
   }
   return servers;
 }

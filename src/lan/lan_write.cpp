@@ -22,8 +22,8 @@ bool is_lan_dhcp_server_off() {
   return uci_read_or("dhcp", "lan", "ignore", kIgnoreSize, "") == "1";
 }
 
-// Gateway and DNS of a unit that is a client of another router. False ends the change without a reload; the settings
-// page relies on that being reported as success.
+// Gateway and DNS of a unit that is a client of another router. False ends the change without a reload, and that is
+// reported as success: kept as it is.
 bool apply_gateway_and_dns(const LanSettings& settings) {
   if (!is_lan_dhcp_server_off()) {
     log_error("fail to set network.lan.gateway by uci api\n");

@@ -2,6 +2,7 @@
 nothing else."""
 
 import pytest
+from texts import cut, is_one_line, is_storable, shown
 
 from kit import HOSTILE
 
@@ -20,15 +21,9 @@ PACKAGES = {
 }
 
 
-def cut(text, size):
-    return text.encode("utf-8", "surrogateescape")[:size].decode("utf-8", "surrogateescape")
-
-
 def stored(address, text):
-    """What an option holds after `text` was set; None when it was refused, "" when it is absent."""
-    value = cut(text, ADDRESS_MAX - len(address) - 1)
-    is_text = all(character >= " " or character in "\t\r\n" for character in value)
-    return value if is_text else None
+    """What an option holds after `text` was set; "" when it is absent."""
+    return cut(text, ADDRESS_MAX - len(address) - 1)
 
 
 def first_line(text, size):
@@ -64,15 +59,9 @@ def sections(router, package, type):
     return [section.options for section in router.package(package) if section.type == type]
 
 
-def written(options, values, refused):
-    """The options that a section has after `values` were set in their order: none from the refused one on."""
-    kept = {}
-    for option in options:
-        if option == refused:
-            break
-        if values[option] != "":
-            kept[option] = values[option]
-    return kept
+def options_of(order, values):
+    """The options of a section in their order; an empty text is none."""
+    return {option: values[option] for option in order if values[option] != ""}
 
 
 # Parental control.
@@ -83,17 +72,16 @@ CHILD_OPTIONS = {"explain": "enable", "macAddress": "macaddr", "startTime": "tim
 @TEXTS
 @pytest.mark.parametrize("key", CHILD_OPTIONS)
 def test_a_text_of_a_parental_control(unit, elsewhere, key, name):
-    option = CHILD_OPTIONS[key]
-    value = stored(f"mia.@macbind[-1].{option}", HOSTILE[name])
-    a = unit.post("/api/v1/parental-control", {"enable": 1, "parentalControls": [
-        GOOD_CHILD, {**GOOD_CHILD, key: HOSTILE[name]}]})
-    assert a.json == ({"result": 1} if value is None else {"result": 0, "version": 1, "waitTime": 10})
-    good = {CHILD_OPTIONS[k]: text for k, text in GOOD_CHILD.items()}
-    second = written(CHILD_OPTIONS.values(), {**good, option: value}, option if value is None else None)
-    assert sections(unit, "mia", "macbind") == [good, second]
-    shown = {k: second.get(CHILD_OPTIONS[k], "") for k in CHILD_OPTIONS}
-    assert unit.get("/api/v1/parental-control").json == {
-        "result": 0, "version": 1, "enable": 1, "parentalControls": [{"id": 0, **GOOD_CHILD}, {"id": 1, **shown}]}
+    text, option = HOSTILE[name], CHILD_OPTIONS[key]
+    is_taken = is_storable(text) if key == "explain" else text != "" and is_one_line(text)
+    a = unit.post("/api/v1/parental-control", {"enable": 1, "parentalControls": [GOOD_CHILD, {**GOOD_CHILD, key: text}]})
+    assert a.json == ({"result": 0, "version": 1, "waitTime": 10} if is_taken else {"result": 1})
+    good = {CHILD_OPTIONS[k]: value for k, value in GOOD_CHILD.items()}
+    value = stored(f"mia.@macbind[-1].{option}", text)
+    second = options_of(CHILD_OPTIONS.values(), {**good, option: value})
+    assert sections(unit, "mia", "macbind") == ([good, second] if is_taken else [])
+    rows = [{"id": 0, **GOOD_CHILD}, {"id": 1, **GOOD_CHILD, key: shown(value)}] if is_taken else []
+    assert unit.get("/api/v1/parental-control").json == {"result": 0, "version": 1, "enable": 1, "parentalControls": rows}
     unit.wait_for_call("/etc/init.d/firewall", "restart")
     unit.assert_calls(*FIREWALL)
     elsewhere("mia")
@@ -101,15 +89,13 @@ def test_a_text_of_a_parental_control(unit, elsewhere, key, name):
 
 @TEXTS
 def test_the_switch_of_parental_control_is_kept_as_it_came(unit, elsewhere, name):
-    value = stored("mia.@basic[0].enable", HOSTILE[name])
+    is_taken = HOSTILE[name] != "" and is_storable(HOSTILE[name])
     a = unit.post("/api/v1/parental-control", {"enable": HOSTILE[name], "parentalControls": []})
-    assert a.json["result"] == (1 if value is None else 0)
-    assert unit.option("mia.@basic[0].enable") == ("1" if value is None else value or None)
-    shown = unit.get("/api/v1/parental-control").json
-    if value == "":  # an absent switch
-        assert shown == {"result": 1}
-    else:
-        assert shown == {"result": 0, "version": 1, "enable": 1 if value is None else 0, "parentalControls": []}
+    assert a.json["result"] == (0 if is_taken else 1)
+    value = stored("mia.@basic[0].enable", HOSTILE[name]) if is_taken else "1"
+    assert unit.option("mia.@basic[0].enable") == value
+    assert unit.get("/api/v1/parental-control").json == {
+        "result": 0, "version": 1, "enable": 0 if is_taken else 1, "parentalControls": []}
     unit.wait_for_call("/etc/init.d/firewall", "restart")
     unit.assert_calls(*FIREWALL)
     elsewhere("mia")
@@ -125,16 +111,18 @@ RULE = {"dest_port": "80", "src": "wan", "name": "web", "src_dport": "8080", "ta
 @TEXTS
 @pytest.mark.parametrize("key, option, shown_bytes", [("settingName", "name", 31), ("ipAddress", "dest_ip", 15)])
 def test_a_text_of_a_port_rule(unit, elsewhere, key, option, shown_bytes, name):
-    value = stored(f"portmapping.@redirect[-1].{option}", HOSTILE[name])
-    a = unit.post("/api/v1/port-open", {"portOpenSettings": [GOOD_RULE, {**GOOD_RULE, key: HOSTILE[name]}]})
-    assert a.json == ({"result": 1} if value is None else {"result": 0, "version": 1, "waitTime": 5})
-    second = written(RULE_ORDER, {**RULE, option: value}, option if value is None else None)
-    assert sections(unit, "portmapping", "redirect") == [RULE, second]
+    text = HOSTILE[name]
+    is_taken = is_storable(text) if key == "settingName" else text != "" and is_one_line(text)
+    a = unit.post("/api/v1/port-open", {"portOpenSettings": [GOOD_RULE, {**GOOD_RULE, key: text}]})
+    assert a.json == ({"result": 0, "version": 1, "waitTime": 5} if is_taken else {"result": 1})
+    value = stored(f"portmapping.@redirect[-1].{option}", text)
+    assert sections(unit, "portmapping", "redirect") == (
+        [RULE, options_of(RULE_ORDER, {**RULE, option: value})] if is_taken else [])
     unit.wait_for_call("/etc/init.d/firewall", "restart")
     unit.assert_calls(*FIREWALL)
-    shown = unit.get("/api/v1/port-open").json
-    assert shown["portOpenSettings"][0] == {"id": 0, **GOOD_RULE}
-    assert shown["portOpenSettings"][1][key] == first_line(second.get(option, ""), shown_bytes)
+    rules = unit.get("/api/v1/port-open").json["portOpenSettings"]
+    assert rules == ([{"id": 0, **GOOD_RULE}, {
+        "id": 1, **GOOD_RULE, key: shown(first_line(value, shown_bytes))}] if is_taken else [])
     elsewhere("portmapping")
 
 
@@ -151,28 +139,28 @@ def test_a_number_of_a_port_rule_that_is_a_text_is_0(unit, elsewhere, key, optio
 
 @TEXTS
 def test_a_time_server(unit, elsewhere, name):
-    value = stored("system.ntp.server", HOSTILE[name])
+    before = unit.option("system.ntp.server")
     a = unit.post("/api/v1/ntp", {"enable": 1, "server": HOSTILE[name]})
-    if value is None:
-        assert not a.encrypted and a.body == b'{"result": 2}'
-        assert unit.option("system.ntp.server") is None
-        assert unit.get("/api/v1/ntp").json == {"result": 1}
+    if HOSTILE[name] == "" or not is_one_line(HOSTILE[name]):
+        assert not a.encrypted and a.body == b'{"result": 1}'
+        assert unit.option("system.ntp.server") == before
         unit.assert_calls()
     else:
+        value = stored("system.ntp.server", HOSTILE[name])
         assert a.json == {"result": 0, "version": 1, "waitTime": 20}
         assert unit.option("system.ntp.server") == [value]
-        assert unit.get("/api/v1/ntp").json == {"result": 0, "version": 1, "enable": 1, "server": value}
+        assert unit.get("/api/v1/ntp").json == {"result": 0, "version": 1, "enable": 1, "server": shown(value)}
         unit.wait_for_call("/etc/init.d/sysntpd", "restart")
         unit.assert_calls("/etc/init.d/sysntpd restart")
     elsewhere("system")
 
 
-def test_a_time_switch_that_is_a_text_is_0(unit, elsewhere):
+def test_a_time_switch_that_is_a_text_is_a_missing_one(unit, elsewhere):
+    before = unit.option("system.ntp.enabled")
     for text in HOSTILE.values():
-        assert unit.post("/api/v1/ntp", {"enable": text, "server": "ntp.example"}).json["result"] == 0
-        assert unit.option("system.ntp.enabled") == "0", text
-    unit.wait_for_call("/etc/init.d/sysntpd", "stop", times=len(HOSTILE))
-    assert set(unit.commands()) == {"/etc/init.d/sysntpd stop"}
+        assert unit.post("/api/v1/ntp", {"enable": text, "server": "ntp.example"}).body == b'{"result": 1}'
+        assert unit.option("system.ntp.enabled") == before, text
+    unit.assert_calls()
     elsewhere("system")
 
 
@@ -187,55 +175,66 @@ HOST = {"ip": "192.168.0.9", "leasetime": "5h", "name": "0", "dns": "1", "mac": 
 
 
 def with_colons(mac):
-    """A MAC address as it is stored, byte for byte."""
-    data = mac.encode("utf-8", "surrogateescape")
-    if len(data) != 17:
-        data = b":".join(data[i:i + 2] for i in range(0, len(data), 2))
-    return data[:FIELD_MAX].decode("utf-8", "surrogateescape")
+    """A MAC address as it is stored, by its characters."""
+    if len(mac.encode("utf-8", "surrogateescape")) != 17:
+        mac = ":".join(mac[i:i + 2] for i in range(0, len(mac), 2))
+    return cut(mac, FIELD_MAX)
 
 
 @TEXTS
 def test_a_start_address(unit, elsewhere, name):
-    value = stored("dhcp.lan.start", cut(HOSTILE[name], FIELD_MAX))
+    value = cut(HOSTILE[name], FIELD_MAX)
+    before = unit.read("/etc/config/dhcp")
     a = unit.post("/api/v1/dhcp", {**GOOD_POOL, "startAddress": HOSTILE[name]})
-    assert a.json == ({"result": 2} if value is None else {"result": 0, "version": 1, "waitTime": 20})
+    if not is_one_line(value):
+        assert a.json == {"result": 1} and unit.read("/etc/config/dhcp") == before
+        unit.assert_calls()
+        return elsewhere()
+    assert a.json == {"result": 0, "version": 1, "waitTime": 20}
     lan, = sections(unit, "dhcp", "dhcp")
     assert lan.get("start") == (value or None) and lan["leasetime"] == "5h"
-    unit.assert_calls(*([] if value is None else POOL_COMMANDS + POOL_END))
-    shown = unit.get("/api/v1/dhcp").json
+    unit.assert_calls(*POOL_COMMANDS, *POOL_END)
+    document = unit.get("/api/v1/dhcp").json
     if LAST_NUMBERS.get(name, 0) > 0:
-        assert (shown["result"], shown["startAddress"]) == (0, value)
+        assert (document["result"], document["startAddress"]) == (0, value)
     else:
-        assert shown == {"result": 2}  # there is no pool without a last number
-    elsewhere("dhcp")
+        assert document == {"result": 2}  # there is no pool without a last number
+    return elsewhere("dhcp")
 
 
 @TEXTS
 def test_an_end_address_is_its_last_number_alone(unit, elsewhere, name):
+    if not is_one_line(cut(HOSTILE[name], FIELD_MAX)):
+        assert unit.post("/api/v1/dhcp", {**GOOD_POOL, "endAddress": HOSTILE[name]}).json == {"result": 1}
+        unit.assert_calls()
+        return elsewhere()
     assert unit.post("/api/v1/dhcp", {**GOOD_POOL, "endAddress": HOSTILE[name]}).json["result"] == 0
     last = LAST_NUMBERS.get(name, 0)
     assert unit.option("dhcp.lan.limit") == str(last - 100 + 1)
     unit.assert_calls(*POOL_COMMANDS, *POOL_END)
     assert unit.get("/api/v1/dhcp").json["endAddress"] == f"192.168.0.{last}"
-    elsewhere("dhcp")
+    return elsewhere("dhcp")
 
 
 @TEXTS
 @pytest.mark.parametrize("key, option", [("ipAddress", "ip"), ("macAddress", "mac")])
 def test_a_text_of_a_fixed_host(unit, elsewhere, key, option, name):
     text = cut(HOSTILE[name], FIELD_MAX)
-    value = stored(f"dhcp.@host[0].{option}", with_colons(text) if option == "mac" else text)
-    host = {**GOOD_POOL["fixedIpAllocation"][0], key: HOSTILE[name]}
-    a = unit.post("/api/v1/dhcp", {**GOOD_POOL, "fixedIpAllocation": [host]})
-    assert a.json == ({"result": 2} if value is None else {"result": 0, "version": 1, "waitTime": 20})
-    kept = written(HOST_ORDER, {**HOST, option: value}, option if value is None else None)
-    assert sections(unit, "dhcp", "host") == ([kept] if kept else [])
-    unit.assert_calls(*POOL_COMMANDS, *([] if value is None else POOL_END))
-    shown = unit.get("/api/v1/dhcp").json
-    assert (shown["result"], shown["fixedIpCount"]) == (0, 1)
+    a = unit.post("/api/v1/dhcp", {**GOOD_POOL, "fixedIpAllocation": [
+        {**GOOD_POOL["fixedIpAllocation"][0], key: HOSTILE[name]}]})
+    if not is_one_line(text):
+        assert a.json == {"result": 1}
+        unit.assert_calls()
+        return elsewhere()
+    assert a.json == {"result": 0, "version": 1, "waitTime": 20}
+    value = with_colons(text) if option == "mac" else text
+    assert sections(unit, "dhcp", "host") == [options_of(HOST_ORDER, {**HOST, option: value})]
+    unit.assert_calls(*POOL_COMMANDS, *POOL_END)
+    document = unit.get("/api/v1/dhcp").json
+    assert (document["result"], document["fixedIpCount"]) == (0, 1)
     if value:
-        assert shown["fixedIpAllocation"][0][key] == first_line(value, FIELD_MAX).partition("\r")[0]
-    elsewhere("dhcp")
+        assert document["fixedIpAllocation"][0][key] == shown(value)
+    return elsewhere("dhcp")
 
 
 @pytest.mark.parametrize("key, address, value", [("leaseTime", "dhcp.lan.leasetime", "0h"),
@@ -275,13 +274,12 @@ def test_a_switch_that_is_a_text_is_refused(unit, elsewhere, uri, body):
 @pytest.mark.parametrize("uri, package, type, key", [
     ("parental-control/delete", "mia", "macbind", "parentalControls"),
     ("delete-port", "portmapping", "redirect", "portOpenSettings")])
-def test_a_position_that_is_a_text_is_0(unit, elsewhere, uri, package, type, key):
+def test_a_text_without_a_digit_is_no_position(unit, elsewhere, uri, package, type, key):
+    unit.add(package, type, name=None, macaddr="first")
+    before = unit.read(f"/etc/config/{package}")
     for text in HOSTILE.values():
-        unit.config(package, PACKAGES[package])
-        unit.add(package, type, name=None, macaddr="first")
-        unit.add(package, type, name=None, macaddr="second")
-        assert unit.post(f"/api/v1/{uri}", {key: [{"id": text}]}).json["result"] == 0, text
-        assert sections(unit, package, type) == [{"macaddr": "second"}], text
+        assert unit.post(f"/api/v1/{uri}", {key: [{"id": 0}, {"id": text}]}).json == {"result": 1}, text
+    assert unit.read(f"/etc/config/{package}") == before
     unit.wait_for_call("/etc/init.d/firewall", "restart", times=len(HOSTILE))
     assert set(unit.commands()) == set(FIREWALL)
     elsewhere(package)

@@ -3,6 +3,7 @@
 import time
 
 import pytest
+from texts import cut, shown
 
 from kit import GARBAGE_BODIES, HOSTILE
 
@@ -187,7 +188,9 @@ def test_without_the_package_a_change_is_result_2(router):
 
 @pytest.mark.parametrize("changes", [{"fixedIpCount": 2, **{"fixedIpAllocation": hosts(3)["fixedIpAllocation"]}},
                                      {"fixedIpCount": 1}, {"fixedIpCount": -1}, hosts(33),
-                                     {"fixedIpAllocation": {}}, {"fixedIpAllocation": "x"}], ids=lambda value: None)
+                                     {"fixedIpAllocation": {}}, {"fixedIpAllocation": "x"}, {"fixedIpAllocation": 0},
+                                     {"fixedIpCount": "0x"}, {"fixedIpCount": 1.5, **hosts(1)}, {
+                                         **hosts(1), "fixedIpCount": None}], ids=str)
 def test_a_list_that_is_none_or_has_another_length_is_result_1_and_changes_nothing(dhcp, changes):
     before = dhcp.read("/etc/config/dhcp")
     assert dhcp.post(URI, settings(**changes)).json == UNUSABLE
@@ -199,10 +202,12 @@ def test_32_hosts_are_taken(dhcp):
     assert dhcp.get(URI).json["fixedIpCount"] == 32
 
 
-@pytest.mark.parametrize("body", [None, b"not json", b'{"enable"', b"nul"])
-def test_an_unusable_body_is_result_1(dhcp, body):
+@pytest.mark.parametrize("body", [None, b"not json", b'{"enable"', b"nul", b"[]", b"null", b"1", b'"x"', b"[{}]"])
+def test_an_unusable_body_is_result_1_and_changes_nothing(dhcp, body):
+    before = dhcp.read("/etc/config/dhcp")
     a = dhcp.post(URI, body)
     assert a.encrypted and a.json == UNUSABLE
+    assert dhcp.read("/etc/config/dhcp") == before and dhcp.commands() == []
     message = "can't parse request_body to json format." if body else "empty request_body is passed on seting dhcp config"
     assert dhcp.logged(message, priority=3)
 
@@ -258,21 +263,49 @@ def test_any_switch_but_0_is_on(dhcp):
     assert dhcp.option("dhcp.lan.ignore") == "0"
 
 
-def test_what_was_written_before_a_failure_stays(dhcp):
+def assert_refused(router, body):
+    """Nothing was stored, nothing was staged, nothing ran; and the hosts that there are stay readable."""
+    router.add("dhcp", "host", ip="192.168.0.7", mac="AA:BB:CC:DD:EE:01")
+    router.add("dhcp", "host", ip="192.168.0.8", mac="AA:BB:CC:DD:EE:02")
+    before = router.read("/etc/config/dhcp")
+    a = router.post(URI, body)
+    assert a.encrypted and a.json == UNUSABLE
+    assert router.read("/etc/config/dhcp") == before
+    assert router.commands() == [] and not router.exists("/tmp/.uci/dhcp")
+    assert router.get(URI).json["fixedIpCount"] == 2
+
+
+@pytest.mark.parametrize("text", ["\x01", "a\nb", "192.168.0.9\r", "\t", "\x7f"], ids=ascii)
+@pytest.mark.parametrize("key", ["startAddress", "endAddress", "ipAddress", "macAddress"])
+def test_a_text_that_is_no_line_is_refused_before_anything_is_written(dhcp, key, text):
+    body = settings(**hosts(3))
+    (body if key in body else body["fixedIpAllocation"][2])[key] = text
+    assert_refused(dhcp, body)
+
+
+@pytest.mark.parametrize("element", [None, 1, "x", [], True], ids=str)
+def test_a_host_that_is_no_object_is_refused_before_anything_is_written(dhcp, element):
+    body = settings(**hosts(3))
+    body["fixedIpAllocation"][2] = element
+    assert_refused(dhcp, body)
+
+
+@pytest.mark.parametrize("enable", [0, False, 0.0, "0", None, "x", "1 ", 0.5, [1], {}], ids=str)
+def test_every_form_of_0_and_every_value_that_is_no_number_is_off(dhcp, enable):
+    assert dhcp.post(URI, settings(enable=enable)).json == OK
+    assert dhcp.option("dhcp.lan.ignore") == "1"
+
+
+@pytest.mark.parametrize("enable", [1, True, 1.0, "1", "01"], ids=str)
+def test_every_form_of_1_is_on(dhcp, enable):
     dhcp.set("dhcp.lan.ignore", "1")
-    assert dhcp.post(URI, settings(leaseTime=5, startAddress="\x01")).json == FAILED
-    assert dhcp.logged("fail to set dhcp.lan.start by uci api", priority=3)
-    lan = next(s for s in dhcp.package("dhcp") if s.name == "lan")
-    assert lan.options == {"ignore": "0", "leasetime": "5h", "start": "192.168.0.100", "limit": "50"}
-    assert dhcp.commands() == []
+    assert dhcp.post(URI, settings(enable=enable)).json == OK
+    assert dhcp.option("dhcp.lan.ignore") == "0"
 
 
-@pytest.mark.parametrize("host, message", [({"ipAddress": "\x01"}, "fail to set dhcp.host.ip by uci api"),
-                                           ({"macAddress": "\x01"}, "fail to set dhcp.host.mac by uci api")])
-def test_a_host_that_cannot_be_stored_is_result_2_without_a_restart(dhcp, host, message):
-    assert dhcp.post(URI, settings(fixedIpCount=1, fixedIpAllocation=[host])).json == FAILED
-    assert dhcp.logged(message, priority=3)
-    assert dhcp.calls("/etc/init.d/dnsmasq") == []
+def test_an_empty_object_is_off(dhcp):
+    assert dhcp.post(URI, {}).json == OK
+    assert dhcp.option("dhcp.lan.ignore") == "1"
 
 
 @pytest.mark.parametrize("tool", [{"missing": True}, {"exit": 1}], ids=["missing", "fails"])
@@ -335,6 +368,20 @@ def test_a_lease_with_a_comma_in_a_field_counts_by_its_fields(router, field):
     router.write("/tmp/dhcp.leases", f"99999999999 AA:BB {field} x\n99999999999 AA:CC 192.168.0.8 x\n")
     expected = {"a,b": ["192.168.0.8"], "a,": ["a", "192.168.0.8"], ",": ["192.168.0.8"]}[field]
     assert [row["ipAddress"] for row in router.get(LEASES).json["clientList"]] == expected
+
+
+def test_texts_of_a_lease_are_cut_at_a_character_s_end(router):
+    for lead in range(3):
+        text = "x" * lead + "日" * 20
+        router.write("/tmp/dhcp.leases", f"99999999999 {text} {text} x\n")
+        row, = router.get(LEASES).json["clientList"]
+        assert row["macAddress"] == row["ipAddress"] == cut(text, 31)
+
+
+def test_what_is_no_utf8_in_a_lease_is_shown_as_such(router):
+    router.write("/tmp/dhcp.leases", b"99999999999 AA\xff\xe6\x97 10.0.0.1 x\n")
+    row, = router.get(LEASES).json["clientList"]
+    assert row["macAddress"] == shown("AA\udcff\udce6\udc97") == "AA\ufffd\ufffd"
 
 
 def test_texts_of_a_lease_are_bounded(router):

@@ -1,6 +1,7 @@
 """GET and POST /api/v1/fsecure_sense."""
 
 import pytest
+from texts import cut, shown
 
 from kit import GARBAGE_BODIES, HOSTILE
 
@@ -77,8 +78,8 @@ def test_a_version_that_is_no_file_is_result_1(unit):
                          ids=[n for n in HOSTILE if n != "empty"])
 def test_any_version_is_shown_up_to_its_bound(unit, text):
     unit.write(VERSION, text.encode("utf-8", "surrogateescape"))
-    shown = text.encode("utf-8", "surrogateescape")[:15].decode("utf-8", "surrogateescape")
-    assert unit.get(URI).json["sense_ver"] == shown.partition("\n")[0].partition("\r")[0]
+    version = cut(text, 15).partition("\n")[0].partition("\r")[0]
+    assert unit.get(URI).json["sense_ver"] == shown(version)
     unit.assert_nothing_ran()
 
 

@@ -85,11 +85,34 @@ def test_a_body_without_both_keys_is_a_plain_result_1_and_changes_nothing(ntp, b
     assert ntp.read("/etc/config/system") == before and ntp.commands() == []
 
 
-@pytest.mark.parametrize("enable", [None, [], {}])
+@pytest.mark.parametrize("enable", [None, [], {}, "", "x", "1 ", 1.5])
 def test_a_switch_that_is_no_value_counts_as_missing(ntp, enable):
     a = ntp.post(URI, {"enable": enable, "server": "new.example"})
     assert not a.encrypted and a.body == b'{"result": 1}'
     assert (ntp.option("system.ntp.enabled"), ntp.option("system.ntp.server")) == ("1", ["new.example"])
+
+
+@pytest.mark.parametrize("enable, stored", [(1.0, "1"), (True, "1"), ("0", "0"), ("7", "7")])
+def test_every_form_of_a_number_is_one(ntp, enable, stored):
+    assert ntp.post(URI, {"enable": enable, "server": "new.example"}).json["result"] == 0
+    assert ntp.option("system.ntp.enabled") == stored
+
+
+@pytest.mark.parametrize("server", ["", None, [], {}, True])
+def test_an_empty_server_counts_as_missing(ntp, server):
+    a = ntp.post(URI, {"enable": 0, "server": server})
+    assert not a.encrypted and a.body == b'{"result": 1}'
+    assert (ntp.option("system.ntp.enabled"), ntp.option("system.ntp.server")) == ("0", ["ntp.example", "second.example"])
+    assert ntp.commands() == []
+
+
+@pytest.mark.parametrize("server", ["a\x01b", "a\nb", "a\r", "\t", "\x7f"], ids=ascii)
+def test_a_server_that_is_no_line_is_refused_before_anything_is_written(ntp, server):
+    before = ntp.read("/etc/config/system")
+    a = ntp.post(URI, {"enable": 0, "server": server})
+    assert not a.encrypted and a.body == b'{"result": 1}'
+    assert ntp.read("/etc/config/system") == before and ntp.commands() == []
+    assert ntp.post(URI, {"enable": 0, "server": "good.example"}).json["result"] == 0  # and the next one works
 
 
 @pytest.mark.parametrize("body, result", [({"enable": 1}, 1), ({"server": "x"}, 2)])

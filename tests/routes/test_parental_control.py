@@ -1,6 +1,7 @@
 """GET and POST /api/v1/parental-control, POST /api/v1/parental-control/delete."""
 
 import pytest
+from texts import cut
 
 from kit import GARBAGE_BODIES
 
@@ -86,7 +87,9 @@ def test_an_element_that_lacks_a_key_ends_the_replace_after_the_old_list_is_gone
 
 @pytest.mark.parametrize("body", [{"parentalControls": []}, {"enable": None, "parentalControls": []},
                                   {"enable": 1}, {"enable": 1, "parentalControls": {}},
-                                  {"enable": 1, "parentalControls": "x"}, None, *GARBAGE_BODIES.values()],
+                                  {"enable": 1, "parentalControls": "x"}, {"enable": "", "parentalControls": []},
+                                  {"enable": True, "parentalControls": []}, {"enable": [1], "parentalControls": []},
+                                  {"enable": "1\x01", "parentalControls": []}, None, *GARBAGE_BODIES.values()],
                          ids=lambda value: None)
 def test_an_unusable_replace_is_result_1_and_keeps_the_list(mia, body):
     add(mia, 1)
@@ -95,21 +98,73 @@ def test_an_unusable_replace_is_result_1_and_keeps_the_list(mia, body):
     mia.wait_for_call("/etc/init.d/firewall", "restart")
 
 
-def test_an_element_that_is_no_object_ends_the_replace(mia):
-    assert mia.post(URI, {"enable": 1, "parentalControls": [None]}).json == UNUSABLE
+@pytest.mark.parametrize("element", [None, 1, "x", [], True], ids=str)
+def test_an_element_that_is_no_object_is_refused_before_anything_is_written(mia, element):
+    assert_refused(mia, [entry(1), element])
 
 
-def test_an_empty_text_does_not_break_the_list(mia):
-    assert mia.post(URI, {"enable": 1, "parentalControls": [entry(1), entry(2, explain="", macAddress="")]}).json == OK
+def assert_refused(mia, elements):
+    """Result 1, and the list as it was; the firewall is restarted all the same."""
+    add(mia, 8)
+    before = mia.read("/etc/config/mia")
+    a = mia.post(URI, {"enable": 0, "parentalControls": elements})
+    assert a.encrypted and a.json == UNUSABLE
+    assert mia.read("/etc/config/mia") == before
+    mia.wait_for_call("/etc/init.d/firewall", "restart")
+
+
+@pytest.mark.parametrize("key, text", [
+    *((key, text) for key in ("macAddress", "startTime", "endTime") for text in ("", "a\nb", "a\r", "\x01")),
+    ("explain", "\x01")], ids=ascii)
+def test_a_text_that_cannot_be_kept_is_refused_before_anything_is_written(mia, key, text):
+    assert_refused(mia, [entry(1), entry(2, **{key: text})])
+
+
+@pytest.mark.parametrize("value", [None, [], {}, True], ids=str)
+def test_a_value_that_is_no_text_is_a_missing_one(mia, value):
+    add(mia, 8)
+    assert mia.post(URI, {"enable": 1, "parentalControls": [entry(1), entry(2, endTime=value)]}).json == UNUSABLE
+    assert explanations(mia) == ["child 1"]
+
+
+def test_an_empty_explanation_reads_as_empty(mia):
+    assert mia.post(URI, {"enable": 1, "parentalControls": [entry(1), entry(2, explain="")]}).json == OK
     assert [row["explain"] for row in mia.get(URI).json["parentalControls"]] == ["child 1", ""]
 
 
-@pytest.mark.parametrize("key, option", [("explain", "enable"), ("macAddress", "macaddr"), ("startTime", "timeon"),
-                                         ("endTime", "timeoff")])
-def test_an_absent_option_reads_as_the_empty_text_that_was_stored(mia, key, option):
+@pytest.mark.parametrize("option", ["macaddr", "timeon", "timeoff"])
+def test_an_entry_that_lacks_an_option_is_result_2_alone(mia, option):
+    add(mia, 1, 2, 3)
+    mia.set(f"mia.@macbind[1].{option}", None)
+    a = mia.get(URI)
+    assert a.encrypted and a.text == '{ "result": 2 }'
+
+
+@pytest.mark.parametrize("option, answer", [("timeon", {"result": 2}), ("timeoff", {"result": 2}), (
+    "macaddr", {"result": 0, "version": 1, "enable": 1, "parentalControls": []})])
+def test_a_last_entry_without_an_address_leaves_the_list_empty(mia, option, answer):
     add(mia, 1, 2)
     mia.set(f"mia.@macbind[1].{option}", None)
-    assert mia.get(URI).json["parentalControls"] == [{"id": 0, **entry(1)}, {"id": 1, **entry(2, **{key: ""})}]
+    assert mia.get(URI).json == answer
+
+
+@pytest.mark.parametrize("key, option", [("explain", "enable"), ("startTime", "timeon")])
+def test_a_text_is_cut_at_a_character_s_end(mia, key, option):
+    bound = 254 - len(f"mia.@macbind[-1].{option}=")
+    for lead in range(3):
+        text = "x" * lead + "日" * 100
+        assert mia.post(URI, {"enable": 1, "parentalControls": [entry(1, **{key: text})]}).json == OK
+        kept = cut(text, bound)
+        assert len(kept.encode()) > bound - 3 and mia.option(f"mia.@macbind[0].{option}") == kept
+        document = mia.get(URI).json
+        assert document["parentalControls"][0][key] == kept
+        assert mia.post(URI, document).json == OK and mia.get(URI).json == document
+
+
+def test_a_stored_text_is_shown_up_to_a_character_s_end(mia):
+    add(mia, 1)
+    mia.set("mia.@macbind[0].enable", "x" + "日" * 400)
+    assert mia.get(URI).json["parentalControls"][0]["explain"] == "x" + "日" * 340  # of 1,023 bytes
 
 
 @pytest.mark.parametrize("option", ["enable", "macaddr", "timeon", "timeoff"])
@@ -140,7 +195,7 @@ def test_a_long_stored_text_is_bounded(mia):
     assert mia.get(URI).json["parentalControls"][0]["explain"] == "x" * 1023
 
 
-@pytest.mark.parametrize("enable, kept", [(1, "1"), ("1", "1"), (True, "true"), (0, "0"), (-3, "-3")])
+@pytest.mark.parametrize("enable, kept", [(1, "1"), ("1", "1"), (1.0, "1.0"), ("on", "on"), (0, "0"), (-3, "-3")])
 def test_the_switch_is_kept_as_its_text(mia, enable, kept):
     assert mia.post(URI, {"enable": enable, "parentalControls": []}).json == OK
     assert mia.option("mia.@basic[0].enable") == kept
@@ -152,16 +207,6 @@ def test_the_switch_is_kept_as_its_text(mia, enable, kept):
 def test_a_replace_that_is_unusable_is_told_in_the_log(mia, body, message):
     assert mia.post(URI, body).json == UNUSABLE
     assert mia.logged(message, priority=3)
-
-
-@pytest.mark.parametrize("key, option", [("explain", "enable"), ("macAddress", "macaddr"), ("startTime", "timeon"),
-                                         ("endTime", "timeoff")])
-def test_an_option_that_cannot_be_stored_ends_the_replace(mia, key, option):
-    rows = [entry(1), entry(2, **{key: "\x01"}), entry(3)]
-    assert mia.post(URI, {"enable": 1, "parentalControls": rows}).json == UNUSABLE
-    assert mia.logged(f"Failed to set {option}", priority=3)
-    assert len([s for s in mia.package("mia") if s.type == "macbind"]) == 2
-    mia.wait_for_call("/etc/init.d/firewall", "restart")
 
 
 def test_without_the_switch_s_section_the_replace_ends_after_the_old_list_is_gone(router):
@@ -202,7 +247,8 @@ def test_entries_are_deleted_from_the_last_one_on(mia):
     mia.wait_for_call("/etc/init.d/firewall", "restart")
 
 
-@pytest.mark.parametrize("elements", [[{"id": 9}], [{}], [None], [{"id": None}], [{"id": 0}, {}]])
+@pytest.mark.parametrize("elements", [[{"id": 9}], [{}], [None], [{"id": None}], [{"id": 0}, {}], *(
+    [{"id": 0}, {"id": bad}] for bad in ("", "x", [], {}, [0], True, False, -1, "-1", 2**31, "4294967296", 2**64))], ids=str)
 def test_an_id_that_is_missing_or_unknown_is_result_1(mia, elements):
     add(mia, 1)
     assert mia.post(DELETE, {"parentalControls": elements}).json == UNUSABLE
@@ -227,8 +273,9 @@ def test_a_delete_that_is_unusable_is_told_in_the_log(mia, body, message):
 
 def test_2048_ids_are_taken(mia):
     add(mia, 1)
-    assert mia.post(DELETE, {"parentalControls": [{"id": 0}] * 2048}).json == UNUSABLE  # the second one is unknown
-    assert explanations(mia) == []
+    add(mia, 2)
+    assert mia.post(DELETE, {"parentalControls": [{"id": 0}] * 2048}).json == OK  # an id named twice is one
+    assert explanations(mia) == ["child 2"]
 
 
 def test_more_than_2048_ids_are_refused(mia):

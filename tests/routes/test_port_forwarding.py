@@ -5,6 +5,7 @@ import os
 from pathlib import Path
 
 import pytest
+from texts import cut
 
 from kit import GARBAGE_BODIES
 
@@ -95,14 +96,47 @@ def test_an_empty_array_clears_all_rules(ports):
     assert stored(ports) == []
 
 
-def test_a_missing_key_counts_as_absent_text_or_0(ports):
-    assert ports.post(URI, {"portOpenSettings": [{}]}).json == OK
-    assert stored(ports) == [{"dest_port": "0", "src": "wan", "src_dport": "0", "target": "DNAT", "dest": "lan"}]
+@pytest.mark.parametrize("value", [..., None, [], {}, True], ids=str)
+def test_a_missing_key_counts_as_absent_text_or_0(ports, value):
+    others = {} if value is ... else {"settingName": value, "protocol": None, "lanPortNum": "x", "wanPortNum": "1 "}
+    assert ports.post(URI, {"portOpenSettings": [{"ipAddress": "192.168.0.1", **others}]}).json == OK
+    assert stored(ports) == [{"dest_port": "0", "src": "wan", "src_dport": "0", "target": "DNAT", "dest": "lan",
+                              "dest_ip": "192.168.0.1"}]
 
 
-def test_an_absent_element_is_skipped(ports):
-    assert ports.post(URI, {"portOpenSettings": [None, rule(2)]}).json == OK
-    assert names(ports) == ["rule 2"]
+@pytest.mark.parametrize("element", [
+    None, 1, "x", [], {}, rule(2, ipAddress=""), rule(2, ipAddress=None), rule(2, ipAddress=[]), rule(2, ipAddress="1\n2"),
+    rule(2, ipAddress="192.168.0.1\r"), rule(2, ipAddress="\x01"), rule(2, settingName="\x01")], ids=ascii)
+def test_a_rule_that_cannot_be_kept_is_refused_before_anything_is_written(ports, element):
+    add(ports, name="a")
+    before = ports.read("/etc/config/portmapping")
+    a = ports.post(URI, {"portOpenSettings": [rule(1), element]})
+    assert a.encrypted and a.json == UNUSABLE
+    assert ports.read("/etc/config/portmapping") == before
+    ports.wait_for_call("/etc/init.d/firewall", "restart")
+
+
+@pytest.mark.parametrize("lead", range(3))
+def test_a_name_is_cut_at_a_character_s_end(ports, lead):
+    text = "x" * lead + "日" * 100
+    assert ports.post(URI, {"portOpenSettings": [rule(1, settingName=text)]}).json == OK
+    assert names(ports) == [cut(text, 254 - len("portmapping.@redirect[-1].name="))]
+    document = ports.get(URI).json
+    assert document["portOpenSettings"][0]["settingName"] == cut(text, 31)
+    assert ports.post(URI, document).json == OK and ports.get(URI).json == document
+
+
+@pytest.mark.parametrize("number, kept", [(80.0, "80"), (True, "1"), ("80", "80"), ("080", "80"), (80.5, "0"), ("", "0"),
+                                          ("80 ", "0"), ("0x50", "0")])
+def test_a_port_is_a_whole_number_in_any_form(ports, number, kept):
+    assert ports.post(URI, {"portOpenSettings": [rule(1, lanPortNum=number)]}).json == OK
+    assert stored(ports)[0]["dest_port"] == kept
+
+
+def test_of_null_in_the_place_of_the_list_the_old_rules_are_gone_as_of_none(ports):
+    add(ports, name="a")
+    assert ports.post(URI, {"portOpenSettings": None}).json == UNUSABLE
+    assert stored(ports) == []
 
 
 def test_without_a_list_the_old_rules_are_gone_all_the_same(ports):
@@ -112,7 +146,7 @@ def test_without_a_list_the_old_rules_are_gone_all_the_same(ports):
     assert ports.logged("portOpenSettings is NULL", priority=3)
 
 
-@pytest.mark.parametrize("body", [{"portOpenSettings": {}}, {"portOpenSettings": "x"}, None, b"not json", b"[1"])
+@pytest.mark.parametrize("body", [{"portOpenSettings": {}}, {"portOpenSettings": "x"}, {"portOpenSettings": 1}, b"[]", b"null", None, b"not json", b"[1"])
 def test_a_list_that_is_none_and_an_unusable_body_keep_the_rules(ports, body):
     add(ports, name="a")
     assert ports.post(URI, body).json == UNUSABLE
@@ -140,7 +174,10 @@ def test_rules_are_deleted_from_the_last_one_on(ports):
     assert names(ports) == ["0", "2", "4"]
 
 
-@pytest.mark.parametrize("elements", [[{"id": 9}], [{}], [None], [{"id": None}], [{"id": 0}] * 257])
+@pytest.mark.parametrize("elements", [
+    [{"id": 9}], [{}], [None], [{"id": None}], [{"id": 0}] * 257, *(
+        [{"id": 0}, {"id": bad}] for bad in ("", "x", [], {}, [0], True, False, -1, "-1", 2**31, "4294967296", 2**64))],
+    ids=lambda value: str(value)[:40])
 def test_a_delete_with_a_missing_unknown_or_too_many_ids_is_result_1(ports, elements):
     add(ports, name="a")
     assert ports.post(DELETE, {"portOpenSettings": elements}).json == UNUSABLE
@@ -158,8 +195,9 @@ def test_an_unknown_position_is_met_before_the_lower_ones(ports):
 
 def test_256_ids_are_taken(ports):
     add(ports, name="a")
-    assert ports.post(DELETE, {"portOpenSettings": [{"id": 0}] * 256}).json == UNUSABLE  # the second one is unknown
-    assert names(ports) == []
+    add(ports, name="b")
+    assert ports.post(DELETE, {"portOpenSettings": [{"id": 0}] * 256}).json == OK  # an id named twice is one
+    assert names(ports) == ["b"]
 
 
 @pytest.mark.parametrize("uri", [URI, DELETE])
@@ -194,13 +232,6 @@ def test_options_are_stored_in_their_order(ports):
 def test_a_port_is_kept_in_seven_characters(ports, number, kept):
     assert ports.post(URI, {"portOpenSettings": [rule(1, lanPortNum=number, wanPortNum=number)]}).json == OK
     assert (stored(ports)[0]["dest_port"], stored(ports)[0]["src_dport"]) == (kept, kept)
-
-
-def test_an_option_that_cannot_be_stored_ends_the_replace(ports):
-    rows = [rule(1), rule(2, settingName="\x01"), rule(3)]
-    assert ports.post(URI, {"portOpenSettings": rows}).json == UNUSABLE
-    assert stored(ports)[1:] == [{"dest_port": "82", "src": "wan"}]
-    ports.wait_for_call("/etc/init.d/firewall", "restart")
 
 
 def test_what_is_read_is_traced(ports):

@@ -111,9 +111,14 @@ def test_a_switch_that_cannot_be_stored_is_result_2_and_starts_nothing(unit, pac
     assert unit.option("hota.info.auto") == auto and unit.commands() == []
 
 
-def test_the_first_switch_is_stored_before_the_second_is_looked_at(unit):
-    assert unit.post(URI, {"enable": 0}).json == UNUSABLE
-    assert unit.option("hota.info.auto") == "0" and unit.option("firmware.idm.enabled") == "0"
+@pytest.mark.parametrize("brand", ["orvane", "0999"])
+@pytest.mark.parametrize("details", [{}, {"detailInfoSendEnable": None}, {"detailInfoSendEnable": []},
+                                     {"detailInfoSendEnable": 2}, {"detailInfoSendEnable": "x"}], ids=str)
+def test_both_switches_are_looked_at_before_one_is_stored(unit, brand, details):
+    unit.brand(brand)
+    assert unit.post(URI, {"enable": 0, **details}).json == UNUSABLE
+    assert unit.option("hota.info.auto") == "1" and unit.option("firmware.idm.enabled") == "0"
+    assert unit.commands() == []
 
 
 @pytest.mark.parametrize("status, answer", [(0, OK), (1, FAILED)])
@@ -142,5 +147,5 @@ def test_a_missing_or_wrong_switch_is_result_1_and_starts_nothing(unit, body):
 def test_without_a_device_id_the_answer_is_result_1(unit):
     unit.remove("/tmp/deviceid")
     assert unit.post(URI, {"enable": 0, "detailInfoSendEnable": 1}).json == UNUSABLE
-    assert (unit.option("hota.info.auto"), unit.option("firmware.idm.enabled")) == ("0", "0")
+    assert (unit.option("hota.info.auto"), unit.option("firmware.idm.enabled")) == ("1", "0")
     assert unit.commands() == []

@@ -33,18 +33,33 @@ class RuleList : public testing::Test {
   }
 };
 
-json::JsonPtr parse(const char* text) { return json::parse(text); }
+std::optional<std::vector<int>> ids_of(const std::string& elements, std::size_t most = 5) {
+  const json::Document document((R"({"list":[)" + elements + "]}").c_str());
+  return read_ids(document->list("list"), most);
+}
 
 TEST_F(RuleList, IdsAreReadAsTheirTextSays) {
-  const std::vector<int> expected{2, 0, 7, 0, -1};
-  EXPECT_EQ(read_ids(parse(R"([{"id":2},{"id":"0"},{"id":"7x"},{"id":"x"},{"id":-1}])").get(), 5), expected);
-  EXPECT_EQ(read_ids(parse("[]").get(), 5), std::vector<int>{});
+  const std::vector<int> expected{2, 0, 7, 7, 12};
+  EXPECT_EQ(ids_of(R"({"id":2},{"id":"0"},{"id":"7x"},{"id":"7 "},{"id":"012"})"), expected);
+  EXPECT_EQ(ids_of(R"({"id":1.0},{"id":1.5},{"id":1e1},{"id":"1e1"})"), (std::vector<int>{1, 1, 10, 1}));
+  EXPECT_EQ(ids_of(R"({"id":2147483646},{"id":"2147483646"})"), (std::vector<int>{2147483646, 2147483646}));
+  EXPECT_EQ(ids_of(""), std::vector<int>{});
+}
+
+TEST_F(RuleList, WhatIsNoPositionIsRefused) {
+  for (const char* id :
+       {"null", "[]", "[1]", "{}", "true", "false", "-1", "\"-1\"", "\"\"", "\"x\"", "\" 1\"", "\"+1\"", "-0.5",
+        "2147483648", "\"2147483648\"", "99999999999999999999", "\"99999999999999999999x\"", "1e300", "4294967296"}) {
+    EXPECT_EQ(ids_of(std::string(R"({"id":)") + id + "}"), std::nullopt) << id;
+    EXPECT_EQ(ids_of(std::string(R"({"id":1},{"id":)") + id + "}"), std::nullopt) << id;
+  }
 }
 
 TEST_F(RuleList, AMissingIdAndTooManyAreRefused) {
-  for (const char* text : {"[{}]", "[null]", R"([{"id":null}])", R"([{"id":1},{}])", "[1]", R"([{"id":1},{"id":2}])"}) {
-    EXPECT_EQ(read_ids(parse(text).get(), 1), std::nullopt) << text;
+  for (const char* elements : {"{}", "null", "1", "[]", "\"1\"", R"({"id":1},{})"}) {
+    EXPECT_EQ(ids_of(elements), std::nullopt) << elements;
   }
+  EXPECT_EQ(ids_of(R"({"id":1},{"id":1})", 1), std::nullopt);
 }
 
 TEST_F(RuleList, PositionsAreDeletedFromTheLastOneOn) {
@@ -57,9 +72,9 @@ TEST_F(RuleList, AnUnknownPositionEndsTheDeletingBeforeTheOthers) {
   EXPECT_EQ(names(), "abcd");
 }
 
-TEST_F(RuleList, ARepeatedPositionDeletesItsFollower) {
-  EXPECT_TRUE(delete_positions("rules", "rule", {1, 1}));
-  EXPECT_EQ(names(), "ad");
+TEST_F(RuleList, ARepeatedPositionDeletesOneSection) {
+  EXPECT_TRUE(delete_positions("rules", "rule", {1, 3, 1}));
+  EXPECT_EQ(names(), "ac");
 }
 
 TEST_F(RuleList, DeletingAllLeavesTheOtherTypes) {

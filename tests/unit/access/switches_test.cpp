@@ -6,37 +6,11 @@
 #include <gtest/gtest.h>
 
 #include "platform/file.h"
+#include "uci_access.h"
 
 namespace {
 
 constexpr const char* kFile = "/etc/config/switches";
-
-TEST(ReadSwitch, TakesZeroAndOneAlone) {
-  struct Row {
-    const char* text;
-    std::optional<int> value;
-  };
-  const Row rows[] = {{R"({"on":0})", 0},
-                      {R"({"on":1})", 1},
-                      {R"({"on":"1"})", 1},
-                      {R"({"on":"0"})", 0},
-                      {R"({"on":true})", 1},
-                      {R"({"on":false})", 0},
-                      {R"({"on":"x"})", std::nullopt},
-                      {R"({"on":"1x"})", std::nullopt},
-                      {R"({"on":""})", std::nullopt},
-                      {R"({"on":0.5})", std::nullopt},
-                      {R"({"on":2})", std::nullopt},
-                      {R"({"on":-1})", std::nullopt},
-                      {R"({"on":4294967297})", std::nullopt},
-                      {R"({"on":null})", std::nullopt},
-                      {R"({"on":[1]})", std::nullopt},
-                      {R"({"on":{}})", std::nullopt},
-                      {R"({})", std::nullopt},
-                      {"1", std::nullopt},
-                      {"", std::nullopt}};
-  for (const Row& row : rows) EXPECT_EQ(read_switch(json::parse(row.text), "on"), row.value) << row.text;
-}
 
 TEST(StoredSwitch, TakesZeroAndOneAlone) {
   std::filesystem::create_directories("/etc/config");
@@ -44,28 +18,47 @@ TEST(StoredSwitch, TakesZeroAndOneAlone) {
       kFile,
       "config switches 's'\n\toption off '0'\n\toption on '1'\n\toption two '2'\n\toption x 'x'\n\tlist many '1'\n"));
   const auto option = [](const char* name) { return SwitchOption{"on", "switches", "s", name}; };
-  EXPECT_EQ(stored_switch(option("off")), 0);
-  EXPECT_EQ(stored_switch(option("on")), 1);
+  EXPECT_EQ(stored_switch(option("off")), false);
+  EXPECT_EQ(stored_switch(option("on")), true);
   for (const char* name : {"two", "x", "many", "nosuch"}) {
     EXPECT_EQ(stored_switch(option(name)), std::nullopt) << name;
   }
-  EXPECT_TRUE(set_switch(option("two"), 0));
-  EXPECT_EQ(stored_switch(option("two")), 0);
-  EXPECT_FALSE(set_switch({"on", "switches", "nosuch", "two"}, 0));
+  EXPECT_TRUE(set_switch(option("two"), false));
+  EXPECT_EQ(stored_switch(option("two")), false);
+  EXPECT_FALSE(set_switch({"on", "switches", "nosuch", "two"}, false));
+  std::filesystem::remove(kFile);
+}
+
+int apply(const char* body, const SwitchOption& which) { return apply_switch(json::Document(body).root(), which); }
+
+TEST(ApplySwitch, TakesZeroAndOneAlone) {
+  std::filesystem::create_directories("/etc/config");
+  ASSERT_TRUE(platform::write_file(kFile, "config switches 's'\n\toption on '7'\n"));
+  const SwitchOption on{"on", "switches", "s", "on"};
+  for (const char* body : {R"({"on":"x"})", R"({"on":"1x"})", R"({"on":"1 "})", R"({"on":""})", R"({"on":0.5})",
+                           R"({"on":2})", R"({"on":-1})", R"({"on":4294967297})", R"({"on":null})", R"({"on":[1]})",
+                           R"({"on":{}})", "{}", "1", "", "[]"}) {
+    EXPECT_EQ(apply(body, on), 1) << body;
+    EXPECT_EQ(uci_read("switches", "s", "on", 8), "7") << body;
+  }
+  for (const char* body : {R"({"on":1})", R"({"on":"1"})", R"({"on":true})", R"({"on":1.0})"}) {
+    set_switch(on, false);
+    EXPECT_EQ(apply(body, on), 0) << body;
+    EXPECT_EQ(stored_switch(on), true) << body;
+  }
+  for (const char* body : {R"({"on":0})", R"({"on":"0"})", R"({"on":false})", R"({"on":0.0})"}) {
+    set_switch(on, true);
+    EXPECT_EQ(apply(body, on), 0) << body;
+    EXPECT_EQ(stored_switch(on), false) << body;
+  }
   std::filesystem::remove(kFile);
 }
 
 TEST(ApplySwitch, TellsAWrongSwitchFromOneThatCannotBeStored) {
-  std::filesystem::create_directories("/etc/config");
-  ASSERT_TRUE(platform::write_file(kFile, "config switches 's'\n\toption on '0'\n"));
-  const SwitchOption on{"on", "switches", "s", "on"};
-  EXPECT_EQ(apply_switch(json::parse(R"({"on":1})"), on), 0);
-  EXPECT_EQ(stored_switch(on), 1);
-  EXPECT_EQ(apply_switch(json::parse(R"({"on":2})"), on), 1);
-  EXPECT_EQ(apply_switch(json::parse("{}"), on), 1);
-  EXPECT_EQ(stored_switch(on), 1);
   std::filesystem::remove(kFile);
-  EXPECT_EQ(apply_switch(json::parse(R"({"on":1})"), on), 2);
+  const SwitchOption on{"on", "switches", "s", "on"};
+  EXPECT_EQ(apply(R"({"on":1})", on), 2);
+  EXPECT_EQ(apply(R"({"on":2})", on), 1);
 }
 
 TEST(CountLines, ReadsANumberOfAnyLength) {

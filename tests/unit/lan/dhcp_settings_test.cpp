@@ -1,6 +1,9 @@
 // The DHCP settings' own encodings.
 #include "lan/dhcp_settings.h"
 
+#include <string>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "lan/dhcp_leases.h"
@@ -41,34 +44,55 @@ TEST(AddColonOfMac, PutsAColonBehindEverySecondCharacter) {
     const char* spaced;
   };
   for (Row row : {Row{"0011AABBCCDD", "00:11:AA:BB:CC:DD"}, Row{"00:11:AA:BB:CC:DD", "00:11:AA:BB:CC:DD"}, Row{"", ""},
-                  Row{"a", "a"}, Row{"ab", "ab"}, Row{"abc", "ab:c"}}) {
+                  Row{"a", "a"}, Row{"ab", "ab"}, Row{"abc", "ab:c"}, Row{"日本語", "日本:語"}, Row{"é1", "é1"}}) {
     AddColonOfMac(row.mac);
     EXPECT_EQ(row.mac, row.spaced);
   }
 }
 
-TEST(ParseLeases, KeepsLinesOfThreeFieldsThatEndLater) {
-  const std::vector<Lease> leases = parse_leases(
-      "150,AA,1.1.1.1\n100,BB,2.2.2.2\n0,CC,3.3.3.3\n200,DD\n300,EE,5.5.5.5,x\nx,FF,6.6.6.6\n101,GG,7.7.7.7\r\n", 100);
-  ASSERT_EQ(leases.size(), 2U);
-  EXPECT_EQ(leases[0].remain_time, 50);
-  EXPECT_EQ(leases[0].mac, "AA");
-  EXPECT_EQ(leases[1].ip, "7.7.7.7");
+struct Row {
+  std::string ip;
+  std::string mac;
+  int remain_time;
+  bool operator==(const Row&) const = default;
+};
+
+// The leases at second 100.
+std::vector<Row> leases_of(const std::string& lines) {
+  std::vector<Row> rows;
+  for_each_lease(lines, 100, [&rows](const Lease& lease) {
+    rows.push_back({std::string(lease.ip), std::string(lease.mac), lease.remain_time});
+  });
+  return rows;
 }
 
-TEST(ParseLeases, BoundsTheRemainingTime) {
-  const std::vector<Lease> leases = parse_leases("9223372036854775807,AA,1.1.1.1\n4294967395,BB,2.2.2.2\n", 100);
-  ASSERT_EQ(leases.size(), 2U);
-  EXPECT_EQ(leases[0].remain_time, 2147483647);
-  EXPECT_EQ(leases[1].remain_time, 2147483647);
+TEST(ForEachLease, KeepsLinesOfThreeFieldsThatEndLater) {
+  EXPECT_EQ(
+      leases_of("150,AA,1.1.1.1\n100,BB,2.2.2.2\n0,CC,3.3.3.3\n200,DD\n300,EE,5.5.5.5,x\nx,FF,6.6.6.6\n"
+                "101,GG,7.7.7.7\r\n,102,,HH,8.8.8.8,\n103,II,9.9.9.9"),
+      (std::vector<Row>{{"1.1.1.1", "AA", 50}, {"7.7.7.7", "GG", 1}, {"8.8.8.8", "HH", 2}, {"9.9.9.9", "II", 3}}));
+  EXPECT_EQ(leases_of(""), std::vector<Row>());
+  EXPECT_EQ(leases_of("\n\n"), std::vector<Row>());
 }
 
-TEST(ParseLeases, BoundsItsTexts) {
+TEST(ForEachLease, BoundsTheRemainingTime) {
+  EXPECT_EQ(leases_of("9223372036854775807,AA,1.1.1.1\n4294967395,BB,2.2.2.2\n"),
+            (std::vector<Row>{{"1.1.1.1", "AA", 2147483647}, {"2.2.2.2", "BB", 2147483647}}));
+}
+
+TEST(ForEachLease, BoundsItsTextsAtACharactersEnd) {
   const std::string text(100, 'A');
-  const std::vector<Lease> leases = parse_leases("150," + text + "," + text + "\n", 100);
-  ASSERT_EQ(leases.size(), 1U);
-  EXPECT_EQ(leases[0].mac, std::string(31, 'A'));
-  EXPECT_EQ(leases[0].ip, std::string(31, 'A'));
+  EXPECT_EQ(leases_of("150," + text + "," + text + "\n"),
+            (std::vector<Row>{{std::string(31, 'A'), std::string(31, 'A'), 50}}));
+  const std::string thirty = "日日日日日日日日日日";
+  EXPECT_EQ(leases_of("150," + thirty + "日,x" + thirty + "日\n"), (std::vector<Row>{{"x" + thirty, thirty, 50}}));
+}
+
+// As fgets hands a line of 255 bytes and more to its reader: in pieces.
+TEST(ForEachLease, TakesALongLineInPieces) {
+  const std::string long_mac(246, 'm');
+  EXPECT_EQ(leases_of("150," + long_mac + ",1.1.1\n"), (std::vector<Row>{{"1.1.", std::string(31, 'm'), 50}}));
+  EXPECT_EQ(leases_of("150," + long_mac + ",1.1.1.1 150,AA,2.2.2.2\n").size(), 1U);
 }
 
 }  // namespace
