@@ -12,6 +12,7 @@
 #include "command_line.h"
 #include "platform/log.h"
 #include "platform/memory.h"
+#include "platform/startup.h"
 #include "request/connection.h"
 #include "request/dispatch.h"
 
@@ -65,9 +66,13 @@ extern "C" int accept(int socket, sockaddr* address, socklen_t* length) {
 }
 
 int main(int argc, char** argv) {
+  platform::open_standard_descriptors();
   if (const auto status = handle_command_line(argc, argv)) return *status;
   std::signal(SIGCHLD, SIG_DFL);  // children are always waited for; an inherited SIG_IGN would reap them first
   platform::return_large_blocks();
+  platform::provide_path();
+  platform::keep_own_files_private();
+  platform::tell_of_unwritable_packages();
   const int listening_socket = hide_listening_socket();
   FCGX_Init();
   FCGX_Request request;

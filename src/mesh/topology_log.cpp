@@ -24,17 +24,17 @@ long size_of(const char* path) {
 void empty_full_log() {
   const long size = size_of(kLogPath);
   if (kLogSize - size >= kLogReserve) return;
-  platform::open_file(kLogPath, "w");
+  platform::create_private_file(kLogPath);
   console_print("[TOPO_LOG] Log file full (%.1fKB), truncated to empty\n", static_cast<double>(size) / 1024);
 }
 
 void append_to_log(const char* text) {
-  const platform::FilePtr file = platform::open_file(kLogPath, "a");
-  if (!file) {
+  const platform::UniqueFd file = platform::append_private_file(kLogPath);
+  if (!file.valid()) {
     console_print("[TOPO_LOG] Failed to open log file: %s\n", kLogPath);
     return;
   }
-  std::fputs(text, file.get());
+  platform::write_whole(file.get(), text);
 }
 
 void print_device(const TopologyInfo& info, const TopologyDevice& device, int indent) {

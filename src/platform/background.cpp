@@ -1,4 +1,4 @@
-// Detached threads, daemonised children and one-shot timers.
+// Detached threads and daemonised children.
 #include "platform/background.h"
 
 #include <array>
@@ -119,13 +119,6 @@ ReadyWork ready_daemon(const std::function<void()>& work) {
   };
   if (start_daemon(work_when_told, waiter) == DaemonStart::kForkFailed) return {};
   return ReadyWork(std::move(gate->teller));
-}
-
-bool start_timer(unsigned int seconds, std::function<void()> work) {
-  return start_detached([seconds, work = std::move(work)] {
-    sleep_seconds(seconds);
-    work();
-  });
 }
 
 void sleep_seconds(unsigned int seconds) {

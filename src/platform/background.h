@@ -1,4 +1,4 @@
-// Work that outlives a request: a detached thread, a daemonised child or a timer. Nothing else starts one. The commands
+// Work that outlives a request: a detached thread or a daemonised child. Nothing else starts one. The commands
 // of such work may take as long as they do.
 #pragma once
 
@@ -37,9 +37,6 @@ class ReadyWork {
 };
 ReadyWork ready_thread(std::function<void()> work);
 ReadyWork ready_daemon(const std::function<void()>& work);
-
-// Runs `work` once in a thread of its own after `seconds`; the platform's timers are one-shot and never cancelled.
-bool start_timer(unsigned int seconds, std::function<void()> work);
 
 // Sleeps whole seconds, signals or not. Every wait of a handler or of background work goes through here.
 void sleep_seconds(unsigned int seconds);

@@ -55,7 +55,12 @@ std::optional<std::string> read_file(const char* path, std::size_t max_bytes) {
 }
 
 bool write_file(const char* path, std::string_view content, unsigned int mode) {
-  UniqueFd file(open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, static_cast<mode_t>(mode)));
+  UniqueFd file(open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+  if (file.valid()) {
+    fchmod(file.get(), static_cast<mode_t>(mode));
+  } else if (errno == EEXIST) {
+    file.reset(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC));
+  }
   return file.valid() && write_whole(file.get(), content) && close(file.release()) == 0;
 }
 
@@ -87,6 +92,16 @@ bool replace_file(const std::string& path, std::string_view content, unsigned in
 UniqueFd create_private_file(const std::string& path) {
   if (unlink(path.c_str()) != 0 && errno != ENOENT) return UniqueFd();
   return UniqueFd(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+}
+
+UniqueFd append_private_file(const std::string& path) {
+  UniqueFd file(open(path.c_str(), O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  struct stat status {};
+  if (file.valid() && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
+      status.st_nlink == 1) {
+    return file;
+  }
+  return create_private_file(path);
 }
 
 bool file_exists(const char* path) { return access(path, F_OK) == 0; }

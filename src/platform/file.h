@@ -41,7 +41,8 @@ class UniqueFd {
 // The whole file, or nullopt when it cannot be opened or read. At most `max_bytes` are read.
 std::optional<std::string> read_file(const char* path, std::size_t max_bytes = static_cast<std::size_t>(-1));
 
-// Replaces the content of the file (made with `mode` when missing). False, with errno, on any failed step.
+// Replaces the content of the file (made with `mode`, whatever the umask, when missing). False, with errno, on any
+// failed step.
 bool write_file(const char* path, std::string_view content, unsigned int mode = 0644);
 
 // Replaces the file by one with this content and mode, whatever the umask: a temporary file in the same folder, fsync,
@@ -53,6 +54,9 @@ bool replace_file(const std::string& path, std::string_view content, unsigned in
 // Makes `path` anew, empty, mode 0600, opened for writing: what was there is removed, never written through (a planted
 // link, a FIFO, a file of another owner). Invalid, with errno, when it cannot be made.
 UniqueFd create_private_file(const std::string& path);
+
+// Opens a file of our own, of that name, for appending; anything else is replaced by create_private_file().
+UniqueFd append_private_file(const std::string& path);
 
 // Writes all of `content`. False, with errno, when any of it could not be written.
 bool write_whole(int descriptor, std::string_view content);

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "platform/child_end.h"
+#include "platform/child_umask.h"
 #include "platform/command_limits.h"
 #include "platform/file.h"
 #include "platform/log.h"
@@ -80,6 +81,7 @@ class SpawnPlan {
     words.reserve(argv.size() + 1);
     for (const std::string& word : argv) words.push_back(const_cast<char*>(word.c_str()));
     words.push_back(nullptr);
+    const ChildUmask umask_of_the_platform;
     return posix_spawnp(&child, words[0], &actions_, &attributes_, words.data(), environ);
   }
 

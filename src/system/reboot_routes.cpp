@@ -8,6 +8,7 @@
 #include "handlers.h"
 #include "platform/background.h"
 #include "platform/log.h"
+#include "platform/repeating_timer.h"
 #include "system/device.h"
 #include "system_helpers.h"
 #include "uci_access.h"
@@ -24,8 +25,12 @@ constexpr std::string_view kResetWait480 = R"({"result": 0, "version": 1, "waitT
 
 void run_reboot() { os_system("reboot"); }
 
+// Goes off until the router goes down. The latest request's time counts.
 void start_reboot_timer(unsigned int seconds) {
-  if (!platform::start_timer(seconds, run_reboot)) std::perror("Creat Timer failed");
+  static auto& timer = *new platform::RepeatingTimer(run_reboot);  // its thread lives as long as the process
+  const platform::TimerStart started = timer.set(seconds);
+  if (started == platform::TimerStart::kNotMade) std::perror("Creat Timer failed");
+  if (started == platform::TimerStart::kNotSet) std::perror("Set Timer failed");
 }
 
 // The tunnel's agent must not take the reboot for a change of provider. An empty mode counts, too.

@@ -171,3 +171,14 @@ int timer_settime(timer_t timer, int flags, const struct itimerspec* wanted, str
   soon.it_value = (struct timespec){0, kMomentNs};
   return real(timer, flags & ~TIMER_ABSTIME, &soon, old);
 }
+
+// So is one that the kernel keeps; it goes off again as soon.
+int timerfd_settime(int timer, int flags, const struct itimerspec* wanted, struct itimerspec* old) {
+  static int (*real)(int, int, const struct itimerspec*, struct itimerspec*);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "timerfd_settime");
+  keep("timer", wanted->it_value.tv_sec, wanted->it_value.tv_nsec);
+  const struct timespec moment = {0, 20 * kMomentNs};
+  const struct timespec never = {0, 0};
+  const struct itimerspec soon = {wanted->it_interval.tv_sec == 0 ? never : moment, moment};
+  return real(timer, flags, &soon, old);
+}

@@ -1,6 +1,7 @@
 """POST /api/v1/reboot, POST /api/v1/system/config/initialize, GET and POST /api/v1/wireless/rebootschedule."""
 
 import pytest
+from process_state import resources
 
 from kit import GARBAGE_BODIES, HOSTILE
 
@@ -30,7 +31,24 @@ def test_the_wait_depends_on_brand_flag_and_button(router, brand, wait, flag, bu
 def test_a_delay_arms_a_timer_and_reboots_once_it_is_over(router, seconds):
     assert router.post(REBOOT, {"timeTillReboot": seconds}).json["result"] == 0
     router.wait_for_call("reboot")
-    assert router.commands()[-2:] == [f"sleep {seconds}", "reboot"]
+    assert [c for c in router.commands() if c.startswith(("timer", "reboot"))][:2] == [f"timer {seconds}", "reboot"]
+
+
+def test_the_reboot_is_asked_for_until_the_router_goes_down(router):
+    router.tool("reboot", exit=1)
+    router.post(REBOOT, {"timeTillReboot": 60})
+    router.wait_for_call("reboot", times=3)
+    assert router.commands("timer") == ["timer 60"]
+
+
+def test_one_reboot_is_pending_at_most(router):
+    router.real_time = True
+    router.post(REBOOT, {"timeTillReboot": 3600})
+    before = resources(router.pid())
+    for seconds in range(3500, 3520):
+        assert router.post(REBOOT, {"timeTillReboot": seconds}).json["result"] == 0
+    router.wait_until(lambda: resources(router.pid()) == before, "no more threads and descriptors than for one")
+    assert router.calls("reboot") == []
 
 
 @pytest.mark.parametrize("body", [{"timeTillReboot": 3601}, {"timeTillReboot": -1}, {}, None, *GARBAGE_BODIES.values()],

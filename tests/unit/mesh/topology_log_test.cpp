@@ -2,6 +2,7 @@
 #include "mesh/topology_log.h"
 
 #include <filesystem>
+#include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
@@ -41,6 +42,26 @@ TEST_F(TopologyLog, IsEmptiedWhenItIsOver15Kilobytes) {
   ASSERT_TRUE(platform::write_file(kPath, std::string(16000, 'o')));
   topo_log("again\n");
   EXPECT_EQ(content(), "again\n");
+}
+
+TEST_F(TopologyLog, IsNotWrittenThroughWhatIsPlantedInItsPlace) {
+  namespace fs = std::filesystem;
+  const char* victim = "/tmp/topology_log_victim";
+  const auto expect_untouched = [victim](const char* planted) {
+    topo_log("text\n");
+    EXPECT_EQ(content(), "text\n") << planted;
+    EXPECT_EQ(platform::read_file(victim), "kept") << planted;
+    EXPECT_TRUE(fs::is_regular_file(fs::symlink_status(kPath))) << planted;
+    fs::remove(kPath);
+  };
+  ASSERT_TRUE(platform::write_file(victim, "kept"));
+  fs::create_symlink(victim, kPath);
+  expect_untouched("a link");
+  fs::create_hard_link(victim, kPath);
+  expect_untouched("another name of a file");
+  ASSERT_EQ(mkfifo(kPath, 0600), 0);
+  expect_untouched("a FIFO");
+  fs::remove(victim);
 }
 
 TEST_F(TopologyLog, OfNoAgentsViewIsAMessageOnTheConsole) {

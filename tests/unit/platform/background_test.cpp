@@ -34,12 +34,6 @@ TEST(StartDetached, RunsTheWorkAndContainsItsExceptions) {
   EXPECT_EQ(done.get_future().wait_for(kDeadline), std::future_status::ready);
 }
 
-TEST(StartTimer, RunsTheWorkOnceItsTimeHasCome) {
-  std::promise<void> done;
-  EXPECT_TRUE(platform::start_timer(0, [&done] { done.set_value(); }));
-  EXPECT_EQ(done.get_future().wait_for(kDeadline), std::future_status::ready);
-}
-
 // What the process holds, but for the folder that it reads this from.
 std::string open_descriptors() {
   std::string listed;
