@@ -1,7 +1,7 @@
 """POST /api/v1/reboot, POST /api/v1/system/config/initialize, GET and POST /api/v1/wireless/rebootschedule."""
 
 import pytest
-from process_state import resources
+from process_state import descriptors, resources
 
 from kit import GARBAGE_BODIES, HOSTILE
 
@@ -44,10 +44,11 @@ def test_the_reboot_is_asked_for_until_the_router_goes_down(router):
 def test_one_reboot_is_pending_at_most(router):
     router.real_time = True
     router.post(REBOOT, {"timeTillReboot": 3600})
-    before = resources(router.pid())
+    before = resources(router.pid()).threads
     for seconds in range(3500, 3520):
         assert router.post(REBOOT, {"timeTillReboot": seconds}).json["result"] == 0
-    router.wait_until(lambda: resources(router.pid()) == before, "no more threads and descriptors than for one")
+    assert resources(router.pid()).threads == before
+    assert [link for link in descriptors(router.pid()) if "timerfd" in link] == ["anon_inode:[timerfd]"]
     assert router.calls("reboot") == []
 
 
