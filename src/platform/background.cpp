@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/child_umask.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/run_guarded.h"
@@ -65,6 +66,13 @@ bool is_told_to_begin(int waiter) {
   return got == 1;
 }
 
+// fork() at a moment when no other thread is logging or starting a child: the daemon would find their locks held for
+// ever. This thread's own hold on the second ends in both processes.
+pid_t fork_with_nothing_held() {
+  const ChildUmask nobody_else_starts_a_child;
+  return fork_with_log_idle();
+}
+
 }  // namespace
 
 bool start_detached(std::function<void()> work) {
@@ -82,7 +90,7 @@ bool start_detached(std::function<void()> work) {
 
 DaemonStart start_daemon(const std::function<void()>& work, int kept_descriptor) {
   settle_uci();
-  const pid_t child = fork_with_log_idle();
+  const pid_t child = fork_with_nothing_held();
   if (child < 0) return DaemonStart::kForkFailed;
   if (child == 0) run_as_daemon(work, kept_descriptor);
   while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;

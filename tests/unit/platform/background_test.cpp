@@ -11,6 +11,7 @@
 #include <future>
 #include <memory>
 #include <mutex>
+#include <poll.h>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <thread>
@@ -18,8 +19,10 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/child_umask.h"
 #include "platform/file.h"
 #include "platform/log.h"
+#include "platform/process.h"
 
 namespace {
 
@@ -52,6 +55,33 @@ std::string read_to_end(int fifo) {
     text.append(piece.data(), static_cast<std::size_t>(got));
   }
   return text;
+}
+
+TEST(StartDaemon, RunsCommandsWhateverOtherThreadsStartMeanwhile) {
+  platform::set_child_umask(022);
+  std::atomic<bool> is_over = false;
+  std::thread other([&] {
+    while (!is_over) platform::run({"true"});
+  });
+  constexpr int kDaemons = 40;
+  std::array<int, 2> ends{};
+  ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
+  for (int daemon = 0; daemon < kDaemons; ++daemon) {
+    const auto work = [&] {
+      platform::run({"true"});
+      if (write(ends[1], "x", 1) != 1) _exit(1);
+    };
+    ASSERT_EQ(platform::start_daemon(work, ends[1]), platform::DaemonStart::kStarted);
+  }
+  int heard = 0;
+  for (pollfd told{ends[0], POLLIN, 0}; heard < kDaemons && poll(&told, 1, 10000) == 1; ++heard) {
+    char word = 0;
+    ASSERT_EQ(read(ends[0], &word, 1), 1);
+  }
+  EXPECT_EQ(heard, kDaemons);
+  is_over = true;
+  other.join();
+  for (const int end : ends) close(end);
 }
 
 TEST(StartDaemon, HoldsOnlyItsStandardStreams) {
