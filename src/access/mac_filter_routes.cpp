@@ -28,9 +28,9 @@ struct Pbc {
   unsigned long ath1 = 0;
 };
 
-unsigned long read_pbc(const char* ifname, const char* failure) {
+unsigned long read_pbc(const char* ifname, const char* failure, platform::LogPlace place = platform::LogPlace::here()) {
   const auto pbc = uci_read("wireless", ifname, "wps_pbc", kPbcSize);
-  if (!pbc) log_error("%s", failure);
+  if (!pbc) log_error_at(place, "%s", failure);
   return pbc ? std::strtoul(pbc->c_str(), nullptr, kDecimal) : 0;
 }
 
@@ -40,8 +40,8 @@ int refuse(FCGX_Request* request) {
   return 1;
 }
 
-int fail(const char* message) {
-  log_error("%s", message);
+int fail(const char* message, platform::LogPlace place = platform::LogPlace::here()) {
+  log_error_at(place, "%s", message);
   return 1;
 }
 

@@ -12,9 +12,10 @@
 
 namespace {
 
-bool delete_section(const char* confdir, const char* package, const std::string& section) {
+bool delete_section(const char* confdir, const char* package, const std::string& section,
+                    platform::LogPlace place = platform::LogPlace::here()) {
   if (UciDelSection(confdir, package, section.c_str()) == 0) return true;
-  log_error("Failed to delete section: %s.%s\n", package, section.c_str());
+  log_error_at(place, "Failed to delete section: %s.%s\n", package, section.c_str());
   return false;
 }
 
@@ -36,12 +37,12 @@ std::string position_of(const char* type, int index) {
   return std::string("@") + type + "[" + std::to_string(index) + "]";
 }
 
-std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most) {
+std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most, platform::LogPlace place) {
   if (elements.size() > most) return std::nullopt;
   std::vector<int> ids;
   for (const json::Object element : elements) {
     const std::optional<std::string> text = element.text("id");
-    if (text) log_error("id: %s\n", text->c_str());
+    if (text) log_error_at(place, "id: %s\n", text->c_str());
     const std::optional<int> id = read_id(element, text.value_or(""));
     if (!id) return std::nullopt;
     ids.push_back(*id);
@@ -53,8 +54,9 @@ bool delete_positions(const char* package, const char* type, std::vector<int> id
   std::ranges::sort(ids, std::greater<>());
   const auto repeated = std::ranges::unique(ids);
   ids.erase(repeated.begin(), repeated.end());
-  return std::ranges::all_of(ids,
-                             [&](int id) { return delete_section("/etc/config/", package, position_of(type, id)); });
+  const platform::LogPlace place = platform::LogPlace::here();
+  return std::ranges::all_of(
+      ids, [&](int id) { return delete_section("/etc/config/", package, position_of(type, id), place); });
 }
 
 bool delete_all(const char* confdir, const char* package, const char* type) {

@@ -7,13 +7,15 @@
 #include <vector>
 
 #include "answer/json_reading.h"
+#include "platform/log.h"
 
 // "@type[index]"
 std::string position_of(const char* type, int index);
 
 // The `id` of every element: a number from 0, or the digits that its text begins with. nullopt when an element has
 // none, or there are more than `most` elements.
-std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most);
+std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most,
+                                         platform::LogPlace place = platform::LogPlace::here());
 
 // Deletes the sections of these positions, each once and the last one first, so that no deletion moves one that is
 // still to come. False at the first failure (logged).

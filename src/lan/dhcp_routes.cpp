@@ -16,15 +16,16 @@ namespace {
 constexpr std::size_t kTextMax = 31;
 
 // A missing key is told in the log and leaves 0, or an empty text.
-int read_number(const json::Object& object, const char* key) {
+int read_number(const json::Object& object, const char* key, platform::LogPlace place = platform::LogPlace::here()) {
   const std::optional<int> value = object.number(key);
-  if (!value) log_error("%s is not found.\n", key);
+  if (!value) log_error_at(place, "%s is not found.\n", key);
   return value.value_or(0);
 }
 
-std::string read_text(const json::Object& object, const char* key) {
+std::string read_text(const json::Object& object, const char* key,
+                      platform::LogPlace place = platform::LogPlace::here()) {
   const std::optional<std::string> value = object.text(key);
-  if (!value) log_error("%s is not found.\n", key);
+  if (!value) log_error_at(place, "%s is not found.\n", key);
   return std::string(platform::cut_utf8(value.value_or(""), kTextMax));
 }
 

@@ -18,15 +18,16 @@ constexpr std::size_t kTextMax = 31;
 constexpr int kHoursOfDay = 24;
 constexpr long kMostAddresses = 99999;
 
-bool set_lan_option(const char* option, const std::string& value, const char* message_tail) {
+bool set_lan_option(const char* option, const std::string& value, const char* message_tail,
+                    platform::LogPlace place = platform::LogPlace::here()) {
   if (UciSetOption(nullptr, "dhcp", "lan", option, value.c_str()) == 0) return true;
-  log_error("fail to set dhcp.lan.%s%s by uci api\n", option, message_tail);
+  log_error_at(place, "fail to set dhcp.lan.%s%s by uci api\n", option, message_tail);
   return false;
 }
 
-bool delete_lan_option(const char* option) {
+bool delete_lan_option(const char* option, platform::LogPlace place = platform::LogPlace::here()) {
   if (UciDelOption(nullptr, "dhcp", "lan", option) == 0) return true;
-  log_error("fail to delete dhcp.lan.%s  by uci api\n", option);
+  log_error_at(place, "fail to delete dhcp.lan.%s  by uci api\n", option);
   return false;
 }
 

@@ -14,24 +14,27 @@
 namespace {
 
 // An optional member; a missing one is told in the log and leaves the field as it is.
-void read_member(const json::Object& asked, const char* key, int& field) {
+void read_member(const json::Object& asked, const char* key, int& field,
+                 platform::LogPlace place = platform::LogPlace::here()) {
   if (const auto value = asked.number(key)) {
     field = *value;
   } else {
-    log_error("%s is not found.\n", key);
+    log_error_at(place, "%s is not found.\n", key);
   }
 }
 
-void read_member(const json::Object& asked, const char* key, std::string& field) {
+void read_member(const json::Object& asked, const char* key, std::string& field,
+                 platform::LogPlace place = platform::LogPlace::here()) {
   if (const auto value = asked.text(key)) {
     field = platform::cut_utf8(*value, kIpv4TextSize - 1);
   } else {
-    log_error("%s is not found.\n", key);
+    log_error_at(place, "%s is not found.\n", key);
   }
 }
 
-void read_address(const json::Object& asked, const char* key, std::string& field) {
-  read_member(asked, key, field);
+void read_address(const json::Object& asked, const char* key, std::string& field,
+                  platform::LogPlace place = platform::LogPlace::here()) {
+  read_member(asked, key, field, place);
   if (is_valid_ip(field) != 0) field.clear();
 }
 

@@ -9,9 +9,10 @@
 
 namespace {
 
-bool set_lan_option(const char* option, const std::string& value) {
+bool set_lan_option(const char* option, const std::string& value,
+                    platform::LogPlace place = platform::LogPlace::here()) {
   if (UciSetOption(nullptr, "network", "lan", option, value.c_str()) == 0) return true;
-  log_error("fail to set network.lan.%s by uci api\n", option);
+  log_error_at(place, "fail to set network.lan.%s by uci api\n", option);
   return false;
 }
 
