@@ -18,6 +18,7 @@ namespace {
 constexpr const char* kDeviceIdPath = "/tmp/deviceid";
 constexpr std::size_t kMacTextLength = 17;
 constexpr std::size_t kLineBuffer = 256;  // longest line that the helpers look at, with its NUL
+constexpr std::size_t kBeyond = 4;        // what is read behind a bound, to see whether a character ends at it
 
 std::string joined(const std::vector<std::string>& words) {
   std::string text;
@@ -47,7 +48,7 @@ std::optional<std::string> first_line(const std::string& output, std::size_t siz
 
 // The MAC address text that the kernel keeps in `path`.
 int read_mac_file(const std::string& path, char* out) {
-  const platform::ProcessResult result = platform::run({"cat", path}, {.max_output = kLineBuffer});
+  const platform::ProcessResult result = platform::run({"cat", path}, {.max_output = kLineBuffer + kBeyond});
   if (!result.started) {
     std::perror("popen failed");
     return -1;
@@ -94,7 +95,7 @@ int execute_cmd(const char* command, char* out, std::size_t out_size) {
     log_error("no cammand is passed at calling execute_cmd()\n");
     return 1;
   }
-  const platform::ProcessResult result = platform::run_shell(command, {.max_output = kLineBuffer});
+  const platform::ProcessResult result = platform::run_shell(command, {.max_output = kLineBuffer + kBeyond});
   if (!result.started) {
     log_error("Fail to execute CMD\n");
     return 1;
@@ -119,7 +120,7 @@ int get_uci_option_value(const char* package, const char* section, const char* o
     return -1;
   }
   const std::string address = option_address(package, section, option);
-  const platform::ProcessResult result = platform::run({"uci", "get", address}, {.max_output = kValueBuffer});
+  const platform::ProcessResult result = platform::run({"uci", "get", address}, {.max_output = kValueBuffer + kBeyond});
   if (!result.started) {
     log_debug("uci get faill!\n");
     return -1;
@@ -204,7 +205,8 @@ int get_brand_index() {
 }
 
 std::string get_link_bssid(const char* ifname) {
-  const platform::ProcessResult result = platform::run({"iw", "dev", ifname, "link"}, {.max_output = kLineBuffer});
+  const platform::ProcessResult result =
+      platform::run({"iw", "dev", ifname, "link"}, {.max_output = kLineBuffer + kBeyond});
   if (!result.started) {
     std::perror("popen failed");
     return "0000000000";

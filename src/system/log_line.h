@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-// Time and category are cleared once per request only: a shorter value keeps the tail of a longer one before it. Kept as
-// it is.
+// Time and category are cleared once per request only: a shorter value keeps the tail of a longer one before it. Kept
+// as it is.
 struct LogFields {
   std::array<char, 64> time{};
   std::array<char, 64> category{};

@@ -1,6 +1,8 @@
 """Hostile texts in every field of the access and DHCP routes: each reaches its place, whole or cut at its bound, and
 nothing else."""
 
+import re
+
 import pytest
 from texts import cut, is_one_line, is_storable, shown
 
@@ -175,10 +177,12 @@ HOST = {"ip": "192.168.0.9", "leasetime": "5h", "name": "0", "dns": "1", "mac": 
 
 
 def with_colons(mac):
-    """A MAC address as it is stored, by its characters."""
-    if len(mac.encode("utf-8", "surrogateescape")) != 17:
-        mac = ":".join(mac[i:i + 2] for i in range(0, len(mac), 2))
-    return cut(mac, FIELD_MAX)
+    """A MAC address as it is stored, by its characters; a byte that only continues one begins none."""
+    raw = mac.encode("utf-8", "surrogateescape")
+    if len(raw) != 17:
+        characters = re.findall(rb"[\x00-\x7f\xc0-\xff][\x80-\xbf]*|^[\x80-\xbf]+", raw)
+        raw = b":".join(b"".join(characters[i:i + 2]) for i in range(0, len(characters), 2))
+    return cut(raw.decode("utf-8", "surrogateescape"), FIELD_MAX)
 
 
 @TEXTS

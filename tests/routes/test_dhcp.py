@@ -189,7 +189,7 @@ def test_without_the_package_a_change_is_result_2(router):
 @pytest.mark.parametrize("changes", [{"fixedIpCount": 2, **{"fixedIpAllocation": hosts(3)["fixedIpAllocation"]}},
                                      {"fixedIpCount": 1}, {"fixedIpCount": -1}, hosts(33),
                                      {"fixedIpAllocation": {}}, {"fixedIpAllocation": "x"}, {"fixedIpAllocation": 0},
-                                     {"fixedIpCount": "0x"}, {"fixedIpCount": 1.5, **hosts(1)}, {
+                                     {**hosts(1), "fixedIpCount": "1x"}, {**hosts(1), "fixedIpCount": 1.5}, {
                                          **hosts(1), "fixedIpCount": None}], ids=str)
 def test_a_list_that_is_none_or_has_another_length_is_result_1_and_changes_nothing(dhcp, changes):
     before = dhcp.read("/etc/config/dhcp")

@@ -61,7 +61,7 @@ def test_a_length_is_read_as_atoi_reads_it(router, length):
 
 @pytest.mark.parametrize("length", ["2147483647", "4294967296", "99999999999999999999", "1000000"])
 def test_a_claimed_length_reserves_nothing(router, length):
-    body = encrypt(b"[]")
+    body = encrypt(b"{}")
     a = router.fcgi(post_params(length), body)
     assert a.json == {"result": 1}
     assert router.calls("jose")[0].stdin == body.decode()
@@ -130,10 +130,10 @@ def test_a_client_that_does_not_read_its_answer_harms_no_other(router):
 # Encrypted bodies.
 
 def test_jose_is_started_with_these_arguments_and_the_text_on_its_input(router):
-    router.post(LAN, "[]")
+    router.post(LAN, "{}")
     decryption, encryption = router.calls("jose")
     assert decryption.args == DECRYPT
-    assert decryption.stdin == encrypt(b"[]").decode()
+    assert decryption.stdin == encrypt(b"{}").decode()
     assert encryption.args == ENCRYPT
     assert encryption.stdin == '{"result": 1}'
 
@@ -156,9 +156,9 @@ def test_a_plaintext_that_jose_then_rejects_is_not_used(router):
 
 
 def test_white_space_around_a_body_does_not_reach_jose(router):
-    body = b" \t\r\n\v\f" + encrypt(b"[]") + b"\r\n"
+    body = b" \t\r\n\v\f" + encrypt(b"{}") + b"\r\n"
     assert router.fcgi(post_params(str(len(body))), body).json == {"result": 1}
-    assert router.calls("jose")[0].stdin == encrypt(b"[]").decode()
+    assert router.calls("jose")[0].stdin == encrypt(b"{}").decode()
 
 
 def test_a_missing_jose_is_a_decrypt_error(router):
@@ -192,7 +192,7 @@ def test_a_ciphertext_of_3_megabytes_comes_whole(router):
 
 def test_a_body_of_1_megabyte_is_decrypted_whole(router):
     padding = " " * (1024 * 1024)
-    a = router.post(LAN, "[" + padding + "]")
+    a = router.post(LAN, "{" + padding + "}")
     assert a.json == {"result": 1}
     assert len(decrypt(router.calls("jose")[0].stdin.encode())) == len(padding) + 2
 

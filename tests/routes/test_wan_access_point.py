@@ -122,11 +122,11 @@ def test_without_a_stored_mode_nothing_is_deleted(wan, empty):
 
 
 @pytest.mark.parametrize("text", ["STATIC", "STATIC2"])
-def test_a_method_that_is_the_stored_text_deletes_nothing(wan, text):
-    """The stored mode is compared with the request's text as it is, over the stored text's length."""
+def test_a_method_that_is_a_name_counts_as_missing(wan, text):
     static_unit(wan)
     apply(wan, wanMethod=text)
-    assert (wan.option("network.wan.mode"), wan.option("network.wan.ipaddr")) == ("DHCP", "203.0.113.10")
+    assert wan.logged("wanMethod is not found.")
+    assert (wan.option("network.wan.mode"), wan.option("network.wan.ipaddr")) == ("DHCP", None)
 
 
 def test_deleting_what_is_not_there_is_no_failure(wan):
