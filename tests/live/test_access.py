@@ -62,12 +62,15 @@ def test_the_firewall_s_switches_are_set_and_read_back(live, brand):
 @BRANDS
 def test_the_time_service_is_set_and_read_back(live, brand):
     router = live(brand=brand)
+    server = HOSTILE.replace("\n", " ")
     for enable, command in ((0, "stop"), (1, "restart")):
-        change(router, "ntp", {"enable": enable, "server": HOSTILE}, 20)
-        assert ask(router, "GET", "ntp") == {"result": 0, "version": 1, "enable": enable, "server": HOSTILE}
+        change(router, "ntp", {"enable": enable, "server": server}, 20)
+        assert ask(router, "GET", "ntp") == {"result": 0, "version": 1, "enable": enable, "server": server}
         wait_for_calls(router, f"/etc/init.d/sysntpd {command}")
-    refused = router.post(API + "ntp", {"enable": 1})
-    assert not refused.encrypted and refused.body == b'{"result": 1}'
+    for body in ({"enable": 1}, {"enable": 1, "server": HOSTILE}):
+        refused = router.post(API + "ntp", body)
+        assert not refused.encrypted and refused.body == b'{"result": 1}'
+    assert ask(router, "GET", "ntp")["server"] == server
     assert not router.root.exists("/tmp/pwned")
 
 

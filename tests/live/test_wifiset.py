@@ -83,14 +83,16 @@ def test_the_mac_filter_is_filled_and_switched(live, brand, mode):
     assert router.post(FILTER, {"macFilterTable": "none"}).text == '{"result": 1}'
 
 
-def test_a_description_of_a_megabyte_goes_through(live):
+def test_a_description_of_255_bytes_goes_through_and_a_longer_one_is_refused(live):
     router = live()
-    for section in ("ath1", "ath2", "ath01", "ath11", "ath21", "ath04", "ath14", "ath24", "ath05", "ath15", "ath25", "ath02",
-                    "ath12"):  # two interfaces are enough
-        router.run("uci", "delete", f"macfilter.{section}")
-    router.run("uci", "commit", "macfilter")
-    table = [{"description": "'\"\\$(reboot)\n日" * 60000, "macAddress": "00:11:22:33:44:55", "enableTime": 0, "remainTime": 0}]
+    text = "'\"\\$(reboot)\n日" * 15
+    table = [{"description": text.ljust(255 - len(text.encode()) + len(text), "x"), "macAddress": "00:11:22:33:44:55",
+              "enableTime": 0, "remainTime": 0}]
     assert router.post(FILTER, {"macFilterTable": table}).json["waitTime"] == 100
+    assert router.get(FILTER).json["macFilterTable"] == table
+    for longer in ("x", "x" * 1000000):
+        refused = [{**table[0], "description": table[0]["description"] + longer}]
+        assert router.post(FILTER, {"macFilterTable": refused}).text == '{"result": 1}'
     assert router.get(FILTER).json["macFilterTable"] == table
 
 
