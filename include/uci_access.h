@@ -43,11 +43,6 @@ unsigned int UciDelOption(const char* confdir, const char* package, const char* 
 unsigned int UciAddList(const char* confdir, const char* package, const char* section, const char* option,
                         const char* value);
 
-// What the command `uci add_list` does, for values that no command line holds: appends `value` whole, whatever its
-// length, and stages that until a commit of the package.
-unsigned int uci_stage_list_element(const char* package, const char* section, const char* option,
-                                    const std::string& value);
-
 // Removes every element equal to `value`.
 unsigned int UciDelList(const char* confdir, const char* package, const char* section, const char* option,
                         const char* value);

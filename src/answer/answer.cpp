@@ -30,10 +30,6 @@ int answer(FCGX_Request* request, std::string_view text) {
   return 0;
 }
 
-int answer(FCGX_Request* request, const json::JsonPtr& document) {
-  return answer(request, json::to_text(document.get()));
-}
-
 int answer(FCGX_Request* request, json::ObjectText document) { return answer(request, std::move(document).text()); }
 
 int answer_then(FCGX_Request* request, std::string_view text, const std::function<void()>& work) {
@@ -47,10 +43,6 @@ int answer_plain(FCGX_Request* request, std::string_view text) {
   write_json_headers(request);
   write_bytes(request, text);
   return 0;
-}
-
-int answer_plain(FCGX_Request* request, const json::JsonPtr& document) {
-  return answer_plain(request, json::to_text(document.get()));
 }
 
 int answer_plain(FCGX_Request* request, json::ObjectText document) {

@@ -6,7 +6,6 @@
 
 #include <fcgiapp.h>
 
-#include "answer/json.h"
 #include "answer/json_text.h"
 #include "result_envelope.h"
 
@@ -14,13 +13,11 @@
 void write_json_headers(FCGX_Request* request);
 
 // Headers and the encrypted text. When the text cannot be encrypted the client gets a plain {"result": 1}.
-// All four return 0, so that a handler can end with `return answer(...)`.
+// All of them return 0, so that a handler can end with `return answer(...)`.
 int answer(FCGX_Request* request, std::string_view text);
-int answer(FCGX_Request* request, const json::JsonPtr& document);
 int answer(FCGX_Request* request, json::ObjectText document);
 // Headers and the text as it is.
 int answer_plain(FCGX_Request* request, std::string_view text);
-int answer_plain(FCGX_Request* request, const json::JsonPtr& document);
 
 // For work that may come only once the client has its answer, because it takes long or ends the program: answer(), then
 // the request is ended (a web server holds what was only flushed), then `work` runs. What it throws is logged. The

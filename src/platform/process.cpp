@@ -270,11 +270,6 @@ ProcessResult run_shell(const std::string& command, const ProcessOptions& option
   return run({"/bin/sh", "-c", command}, options);
 }
 
-std::size_t argument_max() {
-  constexpr std::size_t kPages = 32;  // MAX_ARG_STRLEN of the kernel, the terminator included
-  return kPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE)) - 1;
-}
-
 std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
   std::vector<std::string> lines;
   while (!text.empty()) {

@@ -51,9 +51,6 @@ ProcessResult run(const std::vector<std::string>& argv, const ProcessOptions& op
 // Runs `command` with /bin/sh -c. Only for texts made of constants and our own numbers.
 ProcessResult run_shell(const std::string& command, const ProcessOptions& options = {});
 
-// Bytes that one word of an argv may have: Linux starts no program with a longer one (exit status 127).
-std::size_t argument_max();
-
 // The lines of `text`, without their line feeds. With size > 0 as fgets gives them to a reader with a buffer of `size`
 // bytes: a line of more than size - 1 bytes comes in pieces.
 std::vector<std::string> split_lines(std::string_view text, std::size_t size = 0);

@@ -182,20 +182,6 @@ unsigned int UciAddList(const char* confdir, const char* package, const char* se
   return kSuccess;
 }
 
-unsigned int uci_stage_list_element(const char* package, const char* section, const char* option,
-                                    const std::string& value) {
-  OPEN_CONTEXT(nullptr, package)
-  session->commit();  // what is staged below must not take earlier changes with it
-  Address address({package, section, option});
-  address.text += '=' + value;
-  LOOK_UP(address)
-  const bool is_staged = uci_add_list(context, &found) == UCI_OK && uci_save(context, found.p) == UCI_OK;
-  uci_unload(context, found.p);
-  if (is_staged) return kSuccess;
-  log_error("uci_add_list %s failed.", address.shown.c_str());
-  return kFailure;
-}
-
 unsigned int UciDelList(const char* confdir, const char* package, const char* section, const char* option,
                         const char* value) {
   OPEN_CONTEXT(confdir, package)

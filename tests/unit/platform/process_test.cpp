@@ -122,10 +122,4 @@ TEST(SplitLines, CutsAtLineFeedsAndAtTheReadersBuffer) {
   EXPECT_EQ(platform::split_lines("abcdef\ng", 4), (Lines{"abc", "def", "", "g"}));
 }
 
-TEST(ArgumentMax, IsTheLongestWordThatAProgramTakes) {
-  const std::string longest(platform::argument_max(), 'x');
-  EXPECT_TRUE(run({"true", longest}).succeeded());
-  EXPECT_FALSE(run({"true", longest + 'x'}).succeeded());
-}
-
 }  // namespace

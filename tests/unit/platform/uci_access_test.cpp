@@ -104,32 +104,6 @@ TEST_F(UciAccess, AddListAndDelListCommit) {
   EXPECT_EQ(UciAddList(dir(), "pkg", "nosection", "l", "1"), 1U);
 }
 
-// In the folder of the system's packages: the function takes no other.
-TEST(UciStageListElement, AppendsWholeAndWaitsForACommit) {
-  const std::string file = "/etc/config/staged_test";
-  std::filesystem::create_directories("/etc/config");
-  ASSERT_TRUE(platform::write_file(file.c_str(), "config thing 's'\n\tlist l 'first'\n"));
-  const std::string text = std::string(300000, '\'') + "\n$(x) \\ %s";
-  EXPECT_EQ(uci_stage_list_element("staged_test", "s", "l", text), 0U);
-  EXPECT_EQ(platform::read_file(file.c_str()), "config thing 's'\n\tlist l 'first'\n");
-  EXPECT_EQ(uci_read_list("staged_test", "s", "l", text.size() + 1, 3), (std::vector<std::string>{"first", text}));
-  EXPECT_EQ(UciAddList(nullptr, "staged_test", "s", "l", "last"), 0U);
-  EXPECT_EQ(uci_read_list("staged_test", "s", "l", text.size() + 1, 4),
-            (std::vector<std::string>{"first", text, "last"}));
-  EXPECT_GT(platform::read_file(file.c_str()).value_or("").size(), text.size());
-  std::filesystem::remove(file);
-}
-
-TEST(UciStageListElement, FailsWithoutSectionAndOnWhatUciCannotHold) {
-  std::filesystem::create_directories("/etc/config");
-  ASSERT_TRUE(platform::write_file("/etc/config/staged_test", "config thing 's'\n"));
-  EXPECT_EQ(uci_stage_list_element("staged_test", "none", "l", "x"), 1U);
-  EXPECT_EQ(uci_stage_list_element("nopackage", "s", "l", "x"), 1U);
-  EXPECT_EQ(uci_stage_list_element("staged_test", "s", "l", "\x01"), 1U);
-  EXPECT_FALSE(uci_read_list("staged_test", "s", "l", 8, 8));
-  std::filesystem::remove("/etc/config/staged_test");
-}
-
 TEST_F(UciAccess, SectionsAreCheckedCreatedAndDeleted) {
   EXPECT_EQ(UciCheckSection(dir(), "pkg", "@system[0]"), 0U);
   EXPECT_EQ(UciCheckSection(dir(), "pkg", "@system[1]"), 1U);
