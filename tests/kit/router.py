@@ -139,6 +139,7 @@ class Router:
         self.real_time = False  # True: waits take their time and are not kept as calls
         self.time_rate = 1  # how much sooner the program's limits (of tools, of clients) are over
         self.count_uci = False  # True: uci_calls() tells which packages the program loads and commits
+        self.preload: list[Path] = []  # further shared objects of the test's own
         self.environment: dict[str, str] = {}
         self._process: subprocess.Popen | None = None
         self._ended = False
@@ -278,6 +279,7 @@ class Router:
         environment["FAST_TIME_RATE"] = str(self.time_rate)
         shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci}
         loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None]
+        loaded += self.preload
         for shim in loaded:
             self.root.mount(shim, f"/router/{shim.name}")
         if loaded:
