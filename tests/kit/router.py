@@ -6,6 +6,7 @@ README of the kit: the docstrings of Router, in the order in which a test uses t
 from __future__ import annotations
 
 import base64
+import errno
 import json
 import os
 import re
@@ -500,7 +501,20 @@ class Router:
         if self.directory.exists():
             self._listener.close()
             self._log.close()
-            shutil.rmtree(self.directory)
+            _remove(self.directory)
+
+
+def _remove(directory: Path) -> None:
+    """Removes a root. What was still running in it is ended by the kernel a moment after the program, and may have put
+    a file into a folder that was being removed."""
+    end = time.monotonic() + _END_DEADLINE_S
+    while True:
+        try:
+            return shutil.rmtree(directory)
+        except OSError as error:
+            if error.errno not in (errno.ENOTEMPTY, errno.ENOENT) or time.monotonic() > end:
+                raise
+            time.sleep(_POLL_S)
 
 
 def body_bytes(body) -> bytes:

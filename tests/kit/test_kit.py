@@ -1,7 +1,9 @@
 """The kit itself: what its stand-ins keep and answer, and what it does not let pass."""
 
+import errno
 import json
 import os
+import shutil
 import subprocess
 import tempfile
 import time
@@ -219,3 +221,17 @@ def test_calls_are_json_lines(router):
     line = json.loads((router.read("/router/calls.jsonl") or "").strip())
     assert time.time() - line.pop("time") < 3600.0
     assert line == {"tool": "ubus", "args": ['a"b\\c\n\x01']}
+
+
+def test_a_root_is_removed_though_something_in_it_ends_late(monkeypatch):
+    router = kit.Router()
+    remove, refusals = shutil.rmtree, [OSError(errno.ENOTEMPTY, "written to meanwhile")]
+
+    def remove_at_the_second_try(path):
+        if refusals:
+            raise refusals.pop()
+        return remove(path)
+
+    monkeypatch.setattr("shutil.rmtree", remove_at_the_second_try)
+    router.discard()
+    assert not refusals and not router.directory.exists()
