@@ -68,11 +68,12 @@ def peak_kib(pid):
     return int(open(f"/proc/{pid}/status").read().split("VmHWM:")[1].split()[0])
 
 
-def test_a_jose_that_never_stops_printing_is_a_decrypt_error(hurried):
-    hurried.remove("/router/bin/jose")
-    hurried.write("/router/bin/jose", "#!/bin/sh\nexec yes\n", 0o755)
-    assert hurried.post(LAN, "x").body == b"decrypt error"
-    assert hurried.logged("jose printed more than 67108864 bytes", priority=3)
+def test_a_jose_that_never_stops_printing_is_a_decrypt_error(router):
+    """In the clock's own time: the bound of the output is met before the limit of the time."""
+    router.remove("/router/bin/jose")
+    router.write("/router/bin/jose", "#!/bin/sh\nexec yes\n", 0o755)
+    assert router.post(LAN, "x").body == b"decrypt error"
+    assert router.logged("jose printed more than 67108864 bytes", priority=3)
 
 
 def test_work_that_outlives_its_request_has_no_limit(hurried):
