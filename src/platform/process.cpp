@@ -115,7 +115,8 @@ class Output {
     result_.output.append(piece.substr(0, kept));
     result_.output_cut = result_.output_cut || kept < piece.size();
     read_ += piece.size();
-    return read_ < std::max(kMostRead, options_.max_output);
+    // One byte beyond the bound tells an output that was cut from one that was whole.
+    return read_ <= std::max(kMostRead, options_.max_output);
   }
 
  private:

@@ -94,6 +94,15 @@ TEST(Run, ClosesThePipeOfAToolThatNeverStopsPrinting) {
   EXPECT_FALSE(result.succeeded());
 }
 
+// `oflag=direct` makes packets of what is written into the pipe, so that each piece that is read is one of them.
+TEST(Run, TellsACutOutputEvenWhereThePiecesFillTheBoundExactly) {
+  constexpr std::size_t kBound = std::size_t{64} << 20;
+  const platform::ProcessResult cut = run({"dd", "if=/dev/zero", "bs=4096", "count=16385", "oflag=direct"},
+                                          {.drop_errors = true, .max_output = kBound});
+  EXPECT_EQ(cut.output.size(), kBound);
+  EXPECT_TRUE(cut.output_cut);
+}
+
 TEST(Run, DropsStandardErrorWhereItIsAskedTo) {
   ::testing::internal::CaptureStderr();
   run_shell("echo seen >&2");
