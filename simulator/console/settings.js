@@ -134,14 +134,20 @@ class RoutePanel {
   #formFields(examples) {
     const twin = successOf(answerSchema(this.route.get), this.document);
     this.form = formFor(this.body, this.document, twin);
-    const fillers = Object.entries(examples).map(([name, example]) => el('button', { type: 'button', class: 'quiet', onclick: () => this.#fill(example.value) }, name));
-    const back = this.route.get ? el('button', { type: 'button', class: 'quiet', onclick: () => this.#fill(prefill(this.body, this.asIs ?? {}, this.document)) }, 'what is set') : null;
+    const fillers = Object.entries(examples).map(([name, example]) => el('button', { type: 'button', class: 'quiet', onclick: () => this.#choose(example.value) }, name));
+    const back = this.route.get ? el('button', { type: 'button', class: 'quiet', onclick: () => this.#choose(prefill(this.body, this.asIs ?? {}, this.document)) }, 'what is set') : null;
     return [fillers.length + (back ? 1 : 0) > 0 ? el('div', { class: 'row fillers' }, el('span', { class: 'faint' }, 'Fill in'), back, fillers) : null, this.form.element];
   }
 
   #fileField() {
     this.file = el('input', { type: 'file', id: 'upload' });
     return el('div', { class: 'field' }, el('label', { for: 'upload' }, 'File, sent as it is'), this.file);
+  }
+
+  // Fills in what a person asked for: what is read afterwards does not replace it.
+  #choose(value) {
+    this.touched = true;
+    this.#fill(value);
   }
 
   #fill(value) {

@@ -225,6 +225,22 @@ withPage('a router that is gone, or that refuses, is told with what to do', 'rou
   await page.getByRole('alert').getByText('The router cannot be reached. Is script/run still running?').waitFor();
 }, { expected: /ERR_FAILED/, prepare: (page) => page.route('**/api/v1/**', (route) => route.abort()) });
 
+withPage('an example that is chosen while the route is still read stays chosen', 'router', '', async (page) => {
+  let letGo;
+  const chosen = new Promise((resolve) => { letGo = resolve; });
+  await page.route('**/api/v1/lan', async (route) => {
+    if (route.request().method() === 'GET') await chosen;
+    await route.continue();
+  });
+  await page.evaluate(() => { location.hash = '#/settings/lan'; });
+  await page.getByRole('button', { name: 'network', exact: true }).click();
+  const address = page.locator('[data-name=lanIpv4Address] input');
+  const example = await address.inputValue();
+  letGo();
+  await page.locator('.current .answer .state').waitFor();
+  assert.equal(await address.inputValue(), example);
+});
+
 withPage('a refused request is told with what to do', 'router', '#/settings/lan', async (page) => {
   await page.getByRole('button', { name: 'network', exact: true }).click();
   await page.getByRole('button', { name: 'Send' }).click();
