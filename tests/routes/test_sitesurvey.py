@@ -1,6 +1,7 @@
 """GET /wireless/sitesurvey: the scans of the three bands."""
 
 import json
+import os
 import sys
 from pathlib import Path
 
@@ -11,7 +12,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parent))
 from kit.hostile import HOSTILE
 from repeater_setup import SURVEY
 
-FIXTURES = Path(__file__).resolve().parents[1] / "unit" / "repeater" / "fixtures"
+FIXTURES = Path(os.environ["ROUTER_API_BUILD"]) / "tests/unit/scans"  # tests/unit/repeater/make_scans.py
 NAMES = ("2g", "5g", "6g")
 FREQ = (2412, 5180, 5955)
 

@@ -12,7 +12,7 @@
 namespace {
 
 std::string fixture(const std::string& name) {
-  return platform::read_file((std::string(UNIT_FIXTURES "/") + name).c_str()).value();
+  return platform::read_file((std::string(UNIT_SCANS "/") + name).c_str()).value();
 }
 
 // The list as it is answered.
