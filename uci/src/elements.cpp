@@ -1,63 +1,15 @@
-// Making, finding and freeing of elements.
+// Making, changing and freeing of elements.
 #include "elements.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <new>
 #include <utility>
+
+#include "piece.h"
 
 namespace uci {
 namespace {
-
-// An element and, behind it, the texts that it was made with. A text that it was given later is a piece of its own.
-template <class Object>
-struct Piece {
-  Object object;
-  std::size_t text_size;
-};
-
-template <class Object>
-char* texts_of(Object* object) {
-  return reinterpret_cast<char*>(reinterpret_cast<Piece<Object>*>(object) + 1);
-}
-
-template <class Object>
-Object* new_piece(std::size_t text_size) {
-  void* memory = std::malloc(sizeof(Piece<Object>) + text_size);
-  if (memory == nullptr) throw std::bad_alloc();
-  auto* piece = ::new (memory) Piece<Object>{};
-  piece->text_size = text_size;
-  return &piece->object;
-}
-
-// Puts a text into a piece; what follows it.
-char* put(char* place, std::string_view text) {
-  if (!text.empty()) std::memcpy(place, text.data(), text.size());
-  place[text.size()] = '\0';
-  return place + text.size() + 1;
-}
-
-char* copy_text(std::string_view text) {
-  char* copy = static_cast<char*>(std::malloc(text.size() + 1));
-  if (copy == nullptr) throw std::bad_alloc();
-  put(copy, text);
-  return copy;
-}
-
-template <class Object>
-void free_text(Object* object, char* text) {
-  const auto offset = reinterpret_cast<std::uintptr_t>(text) - reinterpret_cast<std::uintptr_t>(texts_of(object));
-  if (offset >= reinterpret_cast<Piece<Object>*>(object)->text_size) std::free(text);
-}
-
-template <class Object>
-void replace_text_of(Object& object, char*& text, std::string_view value) {
-  char* copy = copy_text(value);
-  free_text(&object, text);
-  text = copy;
-}
 
 void init(uci_element& element, uci_type type, char* name) {
   element.type = type;
@@ -142,47 +94,7 @@ void make_list(uci_option& option) {
   append(option.v.list, std::move(first));
 }
 
-// Names are short and mostly differ early: a call for each would cost more than the comparing.
-bool is_equal(const char* one, const char* other) {
-  while (*one == *other && *one != '\0') {
-    ++one;
-    ++other;
-  }
-  return *one == *other;
-}
-
 }  // namespace
-
-void list_init(uci_list& list) { list.next = list.prev = &list; }
-
-void list_insert(uci_list& before, uci_list& node) {
-  node.next = &before;
-  node.prev = before.prev;
-  before.prev->next = &node;
-  before.prev = &node;
-}
-
-void list_add_tail(uci_list& list, uci_list& node) { list_insert(list, node); }
-
-void list_remove(uci_list& node) {
-  node.next->prev = node.prev;
-  node.prev->next = node.next;
-  list_init(node);
-}
-
-uci_element* find(uci_list& list, const char* name) {
-  uci_element* element = nullptr;
-  uci_foreach_element(&list, element) {
-    if (is_equal(element->name, name)) return element;
-  }
-  return nullptr;
-}
-
-uci_section* find_section(uci_package& package, const char* name) {
-  return uci_to_section(find(package.sections, name));
-}
-
-uci_option* find_option(uci_section& section, const char* name) { return uci_to_option(find(section.options, name)); }
 
 uci_package* new_package(uci_context& context, std::string_view name) {
   auto* package = new_piece<uci_package>(name.size() + 1);

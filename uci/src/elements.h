@@ -7,23 +7,14 @@
 
 #include <uci.h>
 
+#include "lists.h"
+
 namespace uci {
 
 // Thrown inside the library, turned into a result code at its border.
 struct Failure {
   int code;
 };
-
-// Lists.
-void list_init(uci_list& list);
-void list_add_tail(uci_list& list, uci_list& node);
-void list_insert(uci_list& before, uci_list& node);
-void list_remove(uci_list& node);
-
-// First element of that name, or nullptr.
-uci_element* find(uci_list& list, const char* name);
-uci_section* find_section(uci_package& package, const char* name);
-uci_option* find_option(uci_section& section, const char* name);
 
 // New elements are appended to their parent, which owns them from then on. Each is one piece of memory together with
 // its texts: a function that throws for want of it has changed nothing.
