@@ -1,9 +1,9 @@
 // GET and POST /api/v1/wireless/rebootschedule: a weekly reboot in the cron table. Answers are plain JSON.
+#include "system/reboot_schedule.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <optional>
-#include <string>
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
@@ -14,23 +14,9 @@
 
 namespace {
 
+using reboot::Schedule;
+
 constexpr const char* kSchedulePath = "/etc/config/rebootschedule.txt";
-
-struct Schedule {
-  int status = 0;       // 0 off, 1 on
-  int day_of_week = 0;  // 0 every day, 1 to 7 one day, 1 being cron's day 0
-  std::string time;     // four digits, hours then minutes
-};
-
-std::optional<Schedule> parse_schedule(const std::string& text) {
-  Schedule schedule;
-  std::array<char, 5> time{};
-  if (std::sscanf(text.c_str(), "%9d %9d %4s", &schedule.status, &schedule.day_of_week, time.data()) != 3) {
-    return std::nullopt;
-  }
-  schedule.time = time.data();
-  return schedule;
-}
 
 bool is_time(std::string_view text) {
   const bool four_digits = text.size() == 4 && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
@@ -75,10 +61,20 @@ void switch_off() {
 
 }  // namespace
 
+std::optional<Schedule> reboot::parse_schedule(const std::string& text) {
+  Schedule schedule;
+  std::array<char, 5> time{};
+  if (std::sscanf(text.c_str(), "%9d %9d %4s", &schedule.status, &schedule.day_of_week, time.data()) != 3) {
+    return std::nullopt;
+  }
+  schedule.time = time.data();
+  return schedule;
+}
+
 int handle_get_reboot_schedule(FCGX_Request* request) {
   Schedule schedule{0, 0, "0000"};
   if (const std::optional<std::string> text = platform::read_file(kSchedulePath)) {
-    const std::optional<Schedule> stored = parse_schedule(*text);
+    const std::optional<Schedule> stored = reboot::parse_schedule(*text);
     if (!stored) return answer_plain(request, json::result_text(1));
     schedule = *stored;
   }

@@ -53,54 +53,66 @@ std::pair<int, int> result_of_reachability(int status) {
 
 }  // namespace
 
-int GetPPPoeChkResult() {
+int parse_probe_result(std::string_view content) {
   constexpr std::size_t kPieceSize = 8;
+  const std::vector<std::string> pieces = platform::split_lines(content, kPieceSize);
+  return pieces.empty() ? 0 : std::atoi(pieces.back().c_str());
+}
+
+std::optional<int> parse_session_report(std::string_view text) {
+  constexpr std::size_t kLongestReport = 4085;
+  constexpr std::size_t kLongestProto = 7;
+  const json::Document report(std::string(text.substr(0, kLongestReport)).c_str());
+  if (!report) {
+    log_error_as("get_pppoe_result", "Failed to parse JSON.");
+    return std::nullopt;
+  }
+  const bool up = report->flag("up").value_or(false);
+  const std::string proto(platform::cut_utf8(report->text("proto").value_or(""), kLongestProto));
+  log_debug_as("get_pppoe_result", "up:%d, proto:%s", up ? 1 : 0, proto.c_str());
+  if (up) return proto == "pppoe" ? kConnected : kNotPppoe;
+  const json::List errors = report->list("errors");
+  if (proto != "pppoe" || errors.size() == 0) return std::nullopt;
+  return result_of_error(errors.at(0));
+}
+
+void LastPiece::feed(std::string_view text) {
+  constexpr std::size_t kPieceMax = 31;
+  for (const char c : text) {
+    if (is_whole_) last_.clear();
+    last_ += c;
+    is_whole_ = c == '\n' || last_.size() == kPieceMax;
+  }
+}
+
+int LastPiece::number() const { return std::atoi(last_.c_str()); }
+
+int GetPPPoeChkResult() {
   run_probe(__func__);
   const std::optional<std::string> content = platform::read_file(kProbeResult);
   if (!content) {
     log_error("open pppoechkresult.txt failed.");
     return -1;
   }
-  const std::vector<std::string> pieces = platform::split_lines(*content, kPieceSize);
-  return pieces.empty() ? 0 : std::atoi(pieces.back().c_str());
+  return parse_probe_result(*content);
 }
 
 int get_pppoe_result(int& connect_result) {
-  constexpr std::size_t kLongestReport = 4085;
-  constexpr std::size_t kLongestProto = 7;
   const platform::ProcessResult tool = platform::run_shell("ifstatus wan");
   if (!tool.started) {
     log_error("popen failed.");
     return 1;
   }
-  const json::Document report(tool.output.substr(0, kLongestReport).c_str());
-  if (!report) {
-    log_error("Failed to parse JSON.");
-    return 1;
-  }
-  const bool up = report->flag("up").value_or(false);
-  const std::string proto(platform::cut_utf8(report->text("proto").value_or(""), kLongestProto));
-  log_debug("up:%d, proto:%s", up ? 1 : 0, proto.c_str());
-  if (up) {
-    connect_result = proto == "pppoe" ? kConnected : kNotPppoe;
-    return 0;
-  }
-  const json::List errors = report->list("errors");
-  if (proto != "pppoe" || errors.size() == 0) return 1;
-  connect_result = result_of_error(errors.at(0));
+  const std::optional<int> result = parse_session_report(tool.output);
+  if (!result) return 1;
+  connect_result = *result;
   return 0;
 }
 
 int get_ipvalue_address() {
-  constexpr std::size_t kPieceMax = 31;
-  std::string last;
-  bool is_whole = true;  // what comes next begins a new piece
+  LastPiece last;
   const auto keep_last = [&](std::string_view text) {
-    for (const char c : text) {
-      if (is_whole) last.clear();
-      last += c;
-      is_whole = c == '\n' || last.size() == kPieceMax;
-    }
+    last.feed(text);
     return true;
   };
   const platform::ProcessResult tool = platform::run_shell("inetchk -46 -woi ; echo $?", {.reader = keep_last});
@@ -108,7 +120,7 @@ int get_ipvalue_address() {
     log_error("Failed to run command");
     return 1;
   }
-  return std::atoi(last.c_str());
+  return last.number();
 }
 
 int handle_pppoe_config(FCGX_Request* request, const char* /*body*/) {
