@@ -269,7 +269,7 @@ class Simulator:
 
     def calls(self) -> list[str]:
         """The tools that were called so far, with their arguments."""
-        lines = (self.root.read("/router/calls.jsonl") or "").splitlines()
+        lines = (self.root.read("/router/calls.jsonl") or "").split("\n")[:-1]
         return [" ".join([call["tool"], *call["args"]]) for call in map(json.loads, lines)]
 
 

@@ -359,7 +359,7 @@ class Router:
     def calls(self, tool: str | None = None) -> list[Call]:
         """The calls of one tool, or of all but jose, and the program's waits, in their order."""
         calls = []
-        for line in (self.read("/router/calls.jsonl") or "").splitlines():
+        for line in (self.read("/router/calls.jsonl") or "").split("\n")[:-1]:
             entry = json.loads(line)
             if entry["tool"] == tool or (tool is None and entry["tool"] != "jose"):
                 calls.append(Call(entry["tool"], tuple(entry["args"]), entry.get("stdin")))

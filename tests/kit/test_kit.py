@@ -223,6 +223,12 @@ def test_calls_are_json_lines(router):
     assert line == {"tool": "ubus", "args": ['a"b\\c\n\x01']}
 
 
+def test_a_call_is_one_whatever_ends_lines_elsewhere(router):
+    argument = "a\u2028b\x85c\x0b"
+    router.run("ubus", argument)
+    assert [call.args for call in router.calls()] == [(argument,)]
+
+
 def test_a_root_is_removed_though_something_in_it_ends_late(monkeypatch):
     router = kit.Router()
     remove, refusals = shutil.rmtree, [OSError(errno.ENOTEMPTY, "written to meanwhile")]
