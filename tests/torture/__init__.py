@@ -1,0 +1,1 @@
+"""The sections of script/torture, one module each, and what they share."""

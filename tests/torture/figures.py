@@ -1,0 +1,45 @@
+"""What a section counted, and what it lost: the rows of the table at the end."""
+
+from __future__ import annotations
+
+import time
+from collections import Counter
+from dataclasses import dataclass, field
+
+
+@dataclass
+class Figures:
+    """Counts by name ("tries", "kept", ...), and a text for each loss that says how to see it again."""
+
+    counts: Counter = field(default_factory=Counter)
+    losses: list[str] = field(default_factory=list)
+
+    def count(self, name: str, by: int = 1) -> None:
+        self.counts[name] += by
+
+    def lose(self, what: str) -> None:
+        self.losses.append(what)
+
+    def add(self, other: Figures) -> None:
+        self.counts.update(other.counts)
+        self.losses += other.losses
+
+
+@dataclass(frozen=True)
+class Bounds:
+    """How far a section goes. Each of its parts gets its share of `count`; after `until` nothing new is begun."""
+
+    seed: int = 1
+    count: int | None = None  # tries of a section
+    until: float = float("inf")  # as time.monotonic() tells it
+
+    def over(self) -> bool:
+        return time.monotonic() > self.until
+
+
+def table(sections: dict[str, Figures], seconds: dict[str, float]) -> str:
+    rows = ["| section | tries | of these | losses | time |", "|---|---|---|---|---|"]
+    for name, figures in sections.items():
+        rest = ", ".join(f"{number:,} {what}" for what, number in sorted(figures.counts.items()) if what != "tries")
+        rows.append(f"| {name} | {figures.counts['tries']:,} | {rest} | {len(figures.losses)} | {seconds[name]:.0f} s |")
+    return "\n".join(rows)
