@@ -1,8 +1,9 @@
 // The floor of a route: runs the children that the program ran for it, bare, one after the other, with the same
-// arguments and input, and prints the nanoseconds that each round took.
+// arguments and input: once for each line of standard input. A round prints the nanoseconds that it took, and the
+// microseconds of processor time of the children and of this program, which does nothing but start and reap them.
 //
-//   bare_children LIST ROUNDS     LIST: records as keep_children writes them, each followed by "length\n" and the bytes
-//                                 of its standard input
+//   bare_children LIST     LIST: records as keep_children writes them, each followed by "length\n" and the bytes of its
+//                          standard input
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -11,8 +12,10 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <fstream>
+#include <iostream>
 #include <spawn.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -74,16 +77,26 @@ void run(const Child& child) {
   if (error == 0) waitpid(pid, nullptr, 0);
 }
 
+long long processor_us(int whose) {
+  rusage used{};
+  getrusage(whose, &used);
+  return (used.ru_utime.tv_sec + used.ru_stime.tv_sec) * 1'000'000LL + used.ru_utime.tv_usec + used.ru_stime.tv_usec;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) return 2;
+  if (argc != 2) return 2;
   std::signal(SIGPIPE, SIG_IGN);
   const std::vector<Child> children = read_list(argv[1]);
-  for (int round = std::atoi(argv[2]); round > 0; --round) {
+  for (std::string line; std::getline(std::cin, line);) {
+    const long long own = processor_us(RUSAGE_SELF);
+    const long long theirs = processor_us(RUSAGE_CHILDREN);
     const auto begin = std::chrono::steady_clock::now();
     for (const Child& child : children) run(child);
     const auto taken = std::chrono::steady_clock::now() - begin;
-    std::printf("%lld\n", static_cast<long long>(std::chrono::nanoseconds(taken).count()));
+    std::printf("%lld %lld %lld\n", static_cast<long long>(std::chrono::nanoseconds(taken).count()),
+                processor_us(RUSAGE_CHILDREN) - theirs, processor_us(RUSAGE_SELF) - own);
+    std::fflush(stdout);
   }
 }

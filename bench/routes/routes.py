@@ -1,140 +1,131 @@
 #!/usr/bin/python3
-"""routes.py BUILD [--rounds N] [--only TEXT]
+"""routes.py BUILD [--before PROGRAM] [--rounds N] [--only TEXT]
 
-Every GET and a set of POSTs in a simulated router, against the floor: the same children started bare, one after the
-other, with the same arguments and input. Waits that a route prescribes are skipped on both sides. Prints a table:
+Every GET and a set of POSTs in a simulated router with the real jose, against the floor: the children that the answer
+waits for, started bare, one after the other, with the same arguments and input. The two are measured in turn, so that a
+machine whose speed drifts does not favour one. Waits that a route prescribes are skipped on both sides. With --before,
+an older program answers in the same rounds. Prints a table, times in ms:
 
-  wall        median of a request, ms
-  own         processor time of the program itself, children apart, ms
-  children    how many, and their processor time, ms
-  floor       median of the bare children, ms; and wall / floor
+  children    how many the answer waits for; their processor time
+  floor       median of the bare children
+  wall        median of a request, from the first byte sent to the last received
+  over        wall / floor, the median of the rounds
+  own         processor time of the program itself, all its threads, children apart
+  spawn       of it, what a program needs that does nothing but start and reap the same children
+  share       own / processor time of the children
   reads, commits of packages
 """
 
 import argparse
-import os
-import statistics
-import sys
-import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[2]
-sys.path[:0] = [str(ROOT / "tests"), str(ROOT / "simulator")]
-sys.dont_write_bytecode = True
-
-TICK = os.sysconf("SC_CLK_TCK")
-MAC = "00:11:22:33:44:{:02x}"
-
-POSTS = {
-    "/api/v1/lan": {"lanIpv4Address": "192.168.0.1", "lanIpv4SubMask": "255.255.255.0"},
-    "/api/v1/ntp": {"enable": 1, "server": "ntp.example"},
-    "/api/v1/dhcp": {"enable": 1, "leaseTime": 24, "startAddress": "192.168.0.50", "endAddress": "192.168.0.99",
-                     "fixedIpCount": 3, "fixedIpAllocation": [
-                         {"ipAddress": f"192.168.0.{n + 10}", "macAddress": "AABBCCDDEE01"} for n in range(3)]},
-    "/api/v1/port-open": {"portOpenSettings": [
-        {"settingName": f"rule {n}", "ipAddress": "192.168.0.9", "protocol": 1, "lanPortNum": n, "wanPortNum": n}
-        for n in range(10)]},
-    "/api/v1/parental-control": {"enable": "1", "parentalControls": [
-        {"explain": f"child {n}", "macAddress": MAC.format(n), "startTime": "07:00", "endTime": "20:00"}
-        for n in range(10)]},
-    "/api/v1/wireless/mac-filter": {"macFilterStatus": 0, "macFilterTable": [
-        {"description": f"device {n}", "macAddress": MAC.format(n)} for n in range(5)]},
-    "/api/v1/security/passthrough": {"pptpEnable": 1, "ipsecEnable": 1},
-    "/api/v1/wireless/wps-status": {"status": 0},
-}
-SENT_BACK = ("/api/v1/wireless/setting", "/api/v1/wireless/detail-setting")  # what GET tells, as it was told
+from measured_router import Measured, about_machine, median, own_cpu, use
+from request_list import all_requests
 
 
-def get_routes():
-    text = (ROOT / "src/request/route_table.cpp").read_text().partition("get_routes{{")[2]
-    return [line.split('"')[1] for line in text.splitlines() if '"/api/' in line]
+def kept_children(text: str) -> list[str]:
+    """The records that stand before the answer."""
+    return text.partition("ANSWER\n")[0].split("CHILD ")[1:]
 
 
-def cpu_of(pid):
-    """Seconds of the program's threads that live, and of its children that ended."""
-    own = sum(int((task / "schedstat").read_text().split()[0]) for task in Path(f"/proc/{pid}/task").iterdir()) / 1e9
-    fields = Path(f"/proc/{pid}/stat").read_text().rpartition(")")[2].split()
-    return own, (int(fields[13]) + int(fields[14])) / TICK
-
-
-def prepare(kit):
-    router = kit.Router()
-    router.config("portmapping", "\n")
-    router.config("mia", "config basic\n\toption enable '1'\n")
-    return router
-
-
-def children_of(kit, ask, shim):
-    """What one request starts, as bare_children reads it; and its reads and commits."""
-    router = prepare(kit)
+def children_of(program: Path, request, shim: Path):
+    """What the answer to one request waits for, as bare_children reads it; and the request's reads and commits."""
+    router = Measured(program, [shim], count_uci=True)
     try:
-        router.preload.append(shim)
-        router.count_uci = True
-        ask(router)
-        inputs = {tool: [call.stdin or "" for call in router.calls(tool)] for tool in ("jose", "passwd")}
+        for tool in ("jose", "passwd"):
+            router.router.root.record_stdin(tool)
+        router.start()
+        router.ask(*request)
+        router.wait_until_quiet()
+        inputs = {tool: [call.stdin or "" for call in router.router.calls(tool)] for tool in ("jose", "passwd")}
         records = []
-        for record in (router.read("/router/children") or "").split("CHILD ")[1:]:
+        for record in kept_children(router.router.read("/router/children") or ""):
             first = record.split("\n", 3)[2]
             stdin = inputs[first].pop(0) if inputs.get(first) else ""
             records.append(f"CHILD {record}{len(stdin.encode())}\n{stdin}\n")
-        calls = router.uci_calls()
-        reads, commits = (sum(call.startswith(word) for call in calls) for word in ("load", "commit"))
-        return "".join(records), len(records), reads, commits
+        calls = router.router.uci_calls()
+        return records, *(sum(call.startswith(word) for call in calls) for word in ("load", "commit"))
     finally:
         router.finish()
 
 
-def measure(kit, uri, ask, build, rounds):
-    records, count, reads, commits = children_of(kit, ask, build / "bench/routes/libkeep_children.so")
-    router = prepare(kit)
+class Rounds:
+    """The rounds of one program and one request."""
+
+    def __init__(self, program: Path, request):
+        self.router = Measured(program)
+        self.request = request
+        self.pid = self.router.start()
+        self.walls: list[float] = []
+        self.router.ask_quietly(*request)
+        self._begin = own_cpu(self.pid)
+
+    def ask(self) -> None:
+        self.walls.append(self.router.ask_quietly(*self.request))
+
+    def own_ms(self) -> float:
+        return (own_cpu(self.pid) - self._begin) * 1e3 / len(self.walls)
+
+
+def measure(programs: list[Path], request, build: Path, rounds: int) -> str:
+    counts = [children_of(program, request, build / "bench/routes/libkeep_children.so") for program in programs]
+    records = counts[-1][0]
+    asked = [Rounds(program, request) for program in programs]
     try:
-        router.root.mount(build / "bench/routes/bare_children", "/router/bare_children")
-        router.write("/router/children.list", records)
-        ask(router)
-        pid = router.pid()
-        walls, floors, own, children = [], [], 0.0, 0.0
+        asked[-1].router.start_floor(build / "bench/routes/bare_children", "".join(records))
+        asked[-1].router.floor()
+        floors = []
         for _ in range(rounds):
-            before = cpu_of(pid)
-            begin = time.perf_counter()
-            ask(router)
-            walls.append((time.perf_counter() - begin) * 1e3)
-            after = cpu_of(pid)
-            own, children = own + after[0] - before[0], children + after[1] - before[1]
-            done = router.run("/router/bare_children", "/router/children.list", "1")
-            floors.append(int(done.stdout) / 1e6)
+            for each in asked:
+                each.ask()
+            floors.append(asked[-1].router.floor())
+        own = [each.own_ms() for each in asked]
     finally:
-        router.finish()
-    wall, floor = statistics.median(walls), statistics.median(floors)
-    print(f"| {uri} | {wall:.1f} | {own * 1e3 / rounds:.2f} | {count} | {children * 1e3 / rounds:.1f} | {floor:.1f} | "
-          f"{wall / floor:.2f} | {reads} | {commits} |", flush=True)
+        for each in asked:
+            each.router.finish()
+    return row(request, records, floors, asked, own, counts)
+
+
+def row(request, records, floors, asked, own, counts) -> str:
+    walls, theirs, parents = ([floor[part] for floor in floors] for part in range(3))
+    over = median([wall / floor for wall, floor in zip(asked[-1].walls, walls)]) if records else None
+    spent = sum(theirs) / len(theirs)
+
+    def each(values, form):
+        texts = [form.format(value) for value in values]
+        return texts[0] if len(set(texts)) == 1 else " → ".join(texts)
+
+    return " | ".join([
+        f"| {request[0]} {request[1].removeprefix('/api/v1')}", each([len(c[0]) for c in counts], "{}"), f"{spent:.1f}",
+        f"{median(walls):.1f}" if records else "", each([median(a.walls) for a in asked], "{:.1f}"),
+        f"{over:.2f}" if records else "", each(own, "{:.2f}"), f"{sum(parents) / len(parents):.2f}",
+        f"{own[-1] / spent:.0%}" if records else "", each([c[1] for c in counts], "{}"),
+        each([c[2] for c in counts], "{}")]) + " |"
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("build", type=Path)
+    parser.add_argument("--before", type=Path)
     parser.add_argument("--rounds", type=int, default=30)
     parser.add_argument("--only", default="")
     options = parser.parse_args()
     build = options.build.resolve()
-    for line in (build / "tests/environment").read_text().splitlines():
-        name, _, value = line.partition("=")
-        os.environ[name] = value
-    import kit  # noqa: PLC0415  the environment tells it what was built
-
-    print("| route | wall | own | children | their time | floor | wall / floor | reads | commits |")
-    print("|---|---|---|---|---|---|---|---|---|")
-    asks = [(f"GET {uri}", lambda router, uri=uri: router.get(uri)) for uri in get_routes()]
-    asks += [(f"POST {uri}", lambda router, uri=uri, body=body: router.post(uri, body)) for uri, body in POSTS.items()]
-    for uri in SENT_BACK:
-        asks.append((f"POST {uri}", lambda router, uri=uri: router.post(uri, documents[uri])))
-    sender = prepare(kit)
+    use(build)
+    programs = [program.resolve() for program in (options.before, build / "router-api") if program]
+    sender = Measured(programs[-1])
     try:
-        documents = {uri: sender.get(uri).json for uri in SENT_BACK}
+        sender.start()
+        requests = all_requests(sender)
     finally:
         sender.finish()
-    for name, ask in asks:
-        if options.only in name:
-            measure(kit, name, ask, build, options.rounds)
+    print(f"{about_machine()}; {options.rounds} rounds{', before → after' if options.before else ''}\n")
+    print("| route | children | their time | floor | wall | over | own | spawn | share | reads | commits |")
+    print("|---|---|---|---|---|---|---|---|---|---|---|", flush=True)
+    for request in requests:
+        if options.only in f"{request[0]} {request[1]}":
+            print(measure(programs, request, build, options.rounds), flush=True)
+    print(f"\nload at the end: {about_machine().rpartition(' ')[2]}")
 
 
 if __name__ == "__main__":
