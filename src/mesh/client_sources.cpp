@@ -172,23 +172,31 @@ std::optional<int> get_interface_port(const char* ifname) {
   return port;
 }
 
-std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view mac) {
+std::unordered_map<std::string, int> parse_bridge_ports(std::string_view showmacs) {
+  std::unordered_map<std::string, int> ports;
   bool is_heading = true;
   for (const std::string& line : platform::split_lines(showmacs)) {
     if (std::exchange(is_heading, false)) continue;
     int port = 0;
     std::array<char, 18> learned{};
-    if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2 && mac_equal(learned.data(), mac))
-      return port;
+    if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2) {
+      ports.try_emplace(mac_digits(learned.data()), port);
+    }
   }
-  return std::nullopt;
+  return ports;
+}
+
+std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view mac) {
+  const auto ports = parse_bridge_ports(showmacs);
+  const auto known = ports.find(mac_digits(mac));
+  return known == ports.end() ? std::nullopt : std::optional(known->second);
 }
 
 void WiredPorts::read() {
   read_ = true;
   eth0_ = get_interface_port("eth0");
   eth2_ = get_interface_port("eth2");
-  showmacs_ = platform::run_shell("brctl showmacs br-lan").output;
+  ports_ = parse_bridge_ports(platform::run_shell("brctl showmacs br-lan").output);
 }
 
 bool WiredPorts::is_wired_device(std::string_view mac) {
@@ -196,10 +204,10 @@ bool WiredPorts::is_wired_device(std::string_view mac) {
   if (!eth0_) log_error("Failed to get eth0 port");
   if (eth0_ && !eth2_) log_error("Failed to get eth2 port");
   if (!eth0_ || !eth2_) return false;
-  const std::optional<int> port = get_port_by_mac(showmacs_, mac);
-  if (!port) {
+  const auto known = ports_.find(mac_digits(mac));
+  if (known == ports_.end()) {
     log_error("Target MAC %s not found in bridge", std::string(mac).c_str());
     return false;
   }
-  return *port == *eth0_ || *port == *eth2_;
+  return known->second == *eth0_ || known->second == *eth2_;
 }

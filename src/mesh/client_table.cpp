@@ -45,12 +45,12 @@ std::string normalize_mac(std::string_view text) {
   return mac;
 }
 
-bool mac_equal(std::string_view left, std::string_view right) {
-  return digits_of(left, kMacDigits) == digits_of(right, kMacDigits);
-}
+std::string mac_digits(std::string_view text) { return digits_of(text, kMacDigits); }
+
+bool mac_equal(std::string_view left, std::string_view right) { return mac_digits(left) == mac_digits(right); }
 
 void ClientTable::merge(const ClientRecord& record) {
-  const auto [known, is_new] = positions_.try_emplace(digits_of(record.mac, kMacDigits), rows_.size());
+  const auto [known, is_new] = positions_.try_emplace(mac_digits(record.mac), rows_.size());
   if (is_new) {
     rows_.push_back(record);
   } else {
@@ -59,12 +59,12 @@ void ClientTable::merge(const ClientRecord& record) {
 }
 
 ClientRecord* ClientTable::find(std::string_view mac) {
-  const auto known = positions_.find(digits_of(mac, kMacDigits));
+  const auto known = positions_.find(mac_digits(mac));
   return known == positions_.end() ? nullptr : &rows_[known->second];
 }
 
 const ClientRecord* ClientTable::find(std::string_view mac) const {
-  const auto known = positions_.find(digits_of(mac, kMacDigits));
+  const auto known = positions_.find(mac_digits(mac));
   return known == positions_.end() ? nullptr : &rows_[known->second];
 }
 

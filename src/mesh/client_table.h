@@ -23,6 +23,9 @@ struct ClientRecord {
 // Upper case with colons when the text holds exactly twelve hexadecimal digits, else the text itself (17 bytes).
 std::string normalize_mac(std::string_view text);
 
+// The hexadecimal digits in upper case, twelve at most: what tells one MAC from another.
+std::string mac_digits(std::string_view text);
+
 // The hexadecimal digits of both, twelve at most, are the same in any case and number.
 bool mac_equal(std::string_view left, std::string_view right);
 
@@ -38,7 +41,7 @@ class ClientTable {
 
  private:
   std::vector<ClientRecord> rows_;
-  std::unordered_map<std::string, std::size_t> positions_;  // by hexadecimal digits
+  std::unordered_map<std::string, std::size_t> positions_;  // by mac_digits
 };
 
 void client_table_merge(ClientTable& table, const ClientRecord& record);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 
+#include "mesh/arp_table.h"
 #include "mesh/topology.h"
 #include "mesh_codes.h"
 #include "platform/process.h"
@@ -41,12 +42,12 @@ int arp_lookup_ip(std::string_view mac, std::string& ip) {
 
 TopologyInfo parse_topology(std::string_view dump) {
   // One reading of the ARP table serves all devices whose header has no address.
-  std::optional<std::string> arp_table;
+  std::optional<ArpTable> arp_table;
   const TopologySources sources{
       .ip_of_mac =
           [&arp_table](const std::string& mac) {
-            if (!arp_table) arp_table = platform::run_shell("arp -a").output;
-            return parse_arp_table(*arp_table, mac);
+            if (!arp_table) arp_table.emplace(platform::run_shell("arp -a").output);
+            return arp_table->ip_of(mac);
           },
       .mesh_mode =
           [] {

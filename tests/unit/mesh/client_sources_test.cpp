@@ -76,6 +76,14 @@ TEST(GetPortByMac, ReadsTheBridgesTable) {
   EXPECT_EQ(get_port_by_mac(table, "AA:BB:CC:DD:EE:03"), std::nullopt);
 }
 
+TEST(ParseBridgePorts, KnowsAMacInAnyNotationByItsDigits) {
+  const auto ports =
+      parse_bridge_ports("port no\tmac addr\n  1\taa:bb:cc:dd:ee:02\tno\n  2\tAABBCCDDEE02\n  3\tx\n4\n");
+  EXPECT_EQ(ports.size(), 2U);
+  EXPECT_EQ(ports.at("AABBCCDDEE02"), 1);
+  EXPECT_EQ(ports.at(""), 3);
+}
+
 TEST(GetNetworkSubnet, ReplacesTheLastPart) {
   EXPECT_EQ(get_network_subnet("192.168.7.9"), "192.168.7.0/24");
   EXPECT_EQ(get_network_subnet("nonsense"), "192.168.0.0/24");
