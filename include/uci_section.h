@@ -50,4 +50,10 @@ class Section {
   std::string name_;
 };
 
+// Appends an unnamed section, from then on reachable as position(type, -1). False on failure.
+bool append(const char* package, const char* type);
+
+// The number of sections of a type, named or not; nullopt when the package cannot be read.
+std::optional<int> count(const char* package, const char* type);
+
 }  // namespace uci

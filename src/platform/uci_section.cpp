@@ -50,4 +50,11 @@ bool Section::remove_from_list(const char* option, const std::string& value) con
   return UciDelList(nullptr, package_, name_.c_str(), option, value.c_str()) == 0;
 }
 
+bool append(const char* package, const char* type) { return UciCreateAnonymousSection(nullptr, package, type) == 0; }
+
+std::optional<int> count(const char* package, const char* type) {
+  const int found = uci_count_sections(package, type);
+  return found < 0 ? std::nullopt : std::optional(found);
+}
+
 }  // namespace uci

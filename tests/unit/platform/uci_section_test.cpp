@@ -52,6 +52,20 @@ TEST_F(SectionOfAPackage, IsChanged) {
   EXPECT_TRUE(section_.set("a", "1"));
 }
 
+TEST_F(SectionOfAPackage, IsCountedWithThoseThatAreAppended) {
+  EXPECT_THAT(uci::count("section_test", "thing"), Optional(2));
+  EXPECT_TRUE(uci::append("section_test", "thing"));
+  EXPECT_THAT(uci::count("section_test", "thing"), Optional(3));
+  EXPECT_TRUE(uci::Section("section_test", uci::position("thing", -1)).set("a", "4"));
+  EXPECT_THAT(uci::Section("section_test", "@thing[2]").read_number("a"), Optional(4));
+  EXPECT_THAT(uci::count("section_test", "other"), Optional(0));
+}
+
+TEST(Count, IsNoneOfAPackageThatCannotBeRead) {
+  EXPECT_EQ(uci::count("no_such_package", "thing"), std::nullopt);
+  EXPECT_FALSE(uci::append("no_such_package", "thing"));
+}
+
 TEST(Position, NamesASectionByItsPlace) { EXPECT_EQ(uci::position("redirect", -1), "@redirect[-1]"); }
 
 }  // namespace
