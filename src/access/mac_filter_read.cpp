@@ -7,7 +7,7 @@
 #include "answer/json_text.h"
 #include "platform/file.h"
 #include "platform/log.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "wireless.h"
 
 namespace {
@@ -23,7 +23,7 @@ json::ObjectText entry(const std::string& description, const std::string& mac) {
 }  // namespace
 
 int get_mac_filter_enable(int& out) {
-  const auto enable = uci_read("macfilter", "macfilter", "enable", kEnableSize);
+  const auto enable = uci::Section("macfilter", "macfilter").read("enable", kEnableSize);
   if (!enable) return 1;
   out = *enable == "1" ? 1 : 0;
   return 0;

@@ -11,6 +11,7 @@
 #include "platform/log.h"
 #include "platform/text.h"
 #include "uci_access.h"
+#include "uci_section.h"
 #include "wireless.h"
 
 namespace {
@@ -29,7 +30,7 @@ struct Pbc {
 };
 
 unsigned long read_pbc(const char* ifname, const char* failure, platform::LogPlace place = platform::LogPlace::here()) {
-  const auto pbc = uci_read("wireless", ifname, "wps_pbc", kPbcSize);
+  const auto pbc = uci::Section("wireless", ifname).read("wps_pbc", kPbcSize);
   if (!pbc) log_error_at(place, "%s", failure);
   return pbc ? std::strtoul(pbc->c_str(), nullptr, kDecimal) : 0;
 }
@@ -46,7 +47,7 @@ int fail(const char* message, platform::LogPlace place = platform::LogPlace::her
 }
 
 void set_enable(const char* value) {
-  if (UciSetOption(nullptr, "macfilter", "macfilter", "enable", value) != 0) {
+  if (!uci::Section("macfilter", "macfilter").set("enable", value)) {
     log_error("Failed to set macfilter enable %s", value);
   }
 }

@@ -6,7 +6,7 @@
 #include "platform/log.h"
 #include "platform/process.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -38,10 +38,8 @@ bool add_name(const char* ifname, const std::string& description) {
 }
 
 int set_wps(const char* ifname, const char* state, const char* pbc) {
-  if (UciSetOption(nullptr, "wireless", ifname, "wps_state", state) == 0 &&
-      UciSetOption(nullptr, "wireless", ifname, "wps_pbc", pbc) == 0) {
-    return 0;
-  }
+  const uci::Section ssid("wireless", ifname);
+  if (ssid.set("wps_state", state) && ssid.set("wps_pbc", pbc)) return 0;
   log_error("Failed to set wps disable for %s", ifname);
   return 1;
 }
@@ -50,7 +48,7 @@ int set_wps(const char* ifname, const char* state, const char* pbc) {
 bool add_to_lists(const char* list, const char* mac) {
   bool is_taken = false;
   for (const char* ifname : mac_filter::filtered_interfaces(mac_filter::is_mesh_on())) {
-    if (UciAddList(nullptr, "macfilter", ifname, list, mac) == 0) {
+    if (uci::Section("macfilter", ifname).add_to_list(list, mac)) {
       is_taken = true;
     } else {
       log_error("UciAddList wireless error");
@@ -68,7 +66,7 @@ std::span<const char* const> filtered_interfaces(bool is_mesh) {
 }
 
 bool is_mesh_on() {
-  const auto enable = uci_read("button_mesh", "easymesh", "enable", 4);
+  const auto enable = uci::Section("button_mesh", "easymesh").read("enable", 4);
   if (!enable) log_error("get repacd enable failed.");
   return enable == "1";
 }
@@ -102,20 +100,17 @@ int set_wps_disable(unsigned long ath0_pbc, unsigned long ath1_pbc, int include_
 int set_macFilter_policy() {
   const bool is_mesh = mac_filter::is_mesh_on();
   for (const char* ifname : mac_filter::filtered_interfaces(is_mesh)) {
-    if (UciSetOption(nullptr, "macfilter", ifname, "macfilter_sec", "allow") != 0) {
-      log_error("Failed to set macfilter_sec for %s", ifname);
-    }
-    if (UciSetOption(nullptr, "macfilter", ifname, "macfilter", is_mesh ? "deny" : "allow") != 0) {
-      log_error("Failed to set macfilter for %s", ifname);
-    }
+    const uci::Section filter("macfilter", ifname);
+    if (!filter.set("macfilter_sec", "allow")) log_error("Failed to set macfilter_sec for %s", ifname);
+    if (!filter.set("macfilter", is_mesh ? "deny" : "allow")) log_error("Failed to set macfilter for %s", ifname);
   }
   os_system(kCommit);
   return 0;
 }
 
 int clear_macfilter_policy() {
-  for (const char* ifname : mac_filter::kSecPolicyDeletes) UciDelOption(nullptr, "macfilter", ifname, "macfilter_sec");
-  for (const char* ifname : mac_filter::kPolicyDeletes) UciDelOption(nullptr, "macfilter", ifname, "macfilter");
+  for (const char* ifname : mac_filter::kSecPolicyDeletes) uci::Section("macfilter", ifname).remove("macfilter_sec");
+  for (const char* ifname : mac_filter::kPolicyDeletes) uci::Section("macfilter", ifname).remove("macfilter");
   os_system(kCommit);
   return 0;
 }

@@ -10,19 +10,20 @@
 #include "platform/log.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
-constexpr const char* kConfdir = "/etc/config";
 constexpr std::size_t kTextSize = 256;
+
+uci::Section ntp() { return {"system", "ntp"}; }
 
 // Each answers its part of the result: 0 applied, 1 missing, 2 failed.
 
 int apply_enable(const std::optional<int>& enable) {
   if (!enable) return 1;
   const std::string text = std::to_string(static_cast<unsigned int>(*enable));
-  if (UciSetOption(kConfdir, "system", "ntp", "enabled", text.c_str()) == 0) return 0;
+  if (ntp().set("enabled", text)) return 0;
   log_error("fail to set system.ntp.enabled by uci api");
   return 2;
 }
@@ -30,11 +31,11 @@ int apply_enable(const std::optional<int>& enable) {
 int apply_server(const std::string& server) {
   if (server.empty()) return 1;
   int result = 0;
-  if (UciDelOption(kConfdir, "system", "ntp", "server") != 0) {
+  if (!ntp().remove("server")) {
     log_error("fail to del system.ntp.server by uci api");
     result = 2;
   }
-  if (UciAddList(kConfdir, "system", "ntp", "server", server.c_str()) != 0) {
+  if (!ntp().add_to_list("server", server)) {
     log_error("fail to set system.ntp.server by uci api");
     result = 2;
   }
@@ -44,12 +45,12 @@ int apply_server(const std::string& server) {
 }  // namespace
 
 int handle_get_ntp_server(FCGX_Request* request) {
-  const std::optional<std::string> enabled = uci_read("system", "ntp", "enabled", kTextSize);
+  const std::optional<std::string> enabled = ntp().read("enabled", kTextSize);
   if (!enabled) {
     log_error("Fail to get system.ntp.enabled value by uci api");
     return answer(request, kResultUnusable);
   }
-  const auto servers = uci_read_list("system", "ntp", "server", kTextSize, 1);
+  const auto servers = ntp().read_list("server", kTextSize, 1);
   if (!servers) {
     log_error("Fail to get system.ntp.server value by uci api");
     return answer(request, kResultUnusable);

@@ -14,13 +14,12 @@
 #include "handlers.h"
 #include "platform/log.h"
 #include "platform/text.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
 constexpr const char* kPackage = "mia";
 constexpr const char* kType = "macbind";
-constexpr const char* kConfdir = "/etc/config/";
 constexpr std::size_t kMostIds = 2048;
 constexpr std::size_t kValueSize = 1024;
 constexpr std::string_view kResultOkWait10 = R"({"result": 0, "version": 1, "waitTime": 10})";
@@ -38,18 +37,19 @@ constexpr std::array<Field, 4> kFields{{
     {"endTime", "timeoff", false},
 }};
 
+uci::Section basic() { return {kPackage, "@basic[0]"}; }
+
 // A field of an entry. An empty explanation is stored as an absent option, which therefore reads as empty. nullopt when
 // another field is absent, the entry itself cannot be read, or a list stands in the option's place.
-std::optional<std::string> read_field(const std::string& section, const Field& field) {
-  if (auto text = uci_read(kPackage, section.c_str(), field.option, kValueSize)) return text;
-  const bool is_absent = field.is_free_text && UciCheckSection(nullptr, kPackage, section.c_str()) == 0 &&
-                         !uci_read_list(kPackage, section.c_str(), field.option, kValueSize, 1);
+std::optional<std::string> read_field(const uci::Section& section, const Field& field) {
+  if (auto text = section.read(field.option, kValueSize)) return text;
+  const bool is_absent = field.is_free_text && section.exists() && !section.read_list(field.option, kValueSize, 1);
   return is_absent ? std::optional<std::string>("") : std::nullopt;
 }
 
 // nullopt when a field cannot be read.
 std::optional<json::ObjectText> read_entry(int index) {
-  const std::string section = position_of(kType, index);
+  const uci::Section section(kPackage, uci::position(kType, index));
   json::ObjectText entry;
   entry.add("id", index);
   for (const Field& field : kFields) {
@@ -62,12 +62,12 @@ std::optional<json::ObjectText> read_entry(int index) {
 
 // How many entries there are to list: none, too, when the last one's address cannot be read.
 int count_entries() {
-  const int count = uci_count_sections(kPackage, kType);
-  if (count < 0) {
+  const std::optional<int> count = uci::count(kPackage, kType);
+  if (!count) {
     log_debug("get mia.macbind count error \n");
     return 0;
   }
-  if (uci_read(kPackage, position_of(kType, -1).c_str(), "macaddr", kValueSize)) return count;
+  if (uci::Section(kPackage, uci::position(kType, -1)).read("macaddr", kValueSize)) return *count;
   log_debug("get mia.macbind macaddr error \n");
   return 0;
 }
@@ -124,13 +124,14 @@ bool add_entry(const json::Object& element) {
   for (std::size_t index = 0; index < kFields.size(); ++index) {
     log_debug("%s: %s", kFields[index].key, texts[index].c_str());
   }
-  if (UciCreateAnonymousSection(kConfdir, kPackage, kType) != 0) {
+  if (!uci::append(kPackage, kType)) {
     log_error("Failed to create section %s.%s\n", kPackage, kType);
     return false;
   }
+  const uci::Section section(kPackage, uci::position(kType, -1));
   for (std::size_t index = 0; index < kFields.size(); ++index) {
     const char* option = kFields[index].option;
-    if (UciSetOption(kConfdir, kPackage, "@macbind[-1]", option, texts[index].c_str()) != 0) {
+    if (!section.set(option, texts[index])) {
       log_error("Failed to set %s\n", option);
       return false;
     }
@@ -149,8 +150,8 @@ int parental_control_set_from_json(const char* body) {
     return 1;
   }
   if (!platform::is_storable(*enable) || !is_storable(list)) return 1;
-  if (!delete_all(kConfdir, kPackage, kType)) return 1;
-  if (UciSetOption(kConfdir, kPackage, "@basic[0]", "enable", enable->c_str()) != 0) {
+  if (!delete_all(kPackage, kType)) return 1;
+  if (!basic().set("enable", *enable)) {
     log_error("Failed to set enable\n");
     return 1;
   }
@@ -177,7 +178,7 @@ int answer_change(FCGX_Request* request, int result) {
 }  // namespace
 
 int handle_get_parental_control_info(FCGX_Request* request) {
-  const std::optional<std::string> enable = uci_read(kPackage, "@basic[0]", "enable", kValueSize);
+  const std::optional<std::string> enable = basic().read("enable", kValueSize);
   if (!enable) return answer(request, json::result_text(1));
   const int is_on = std::atoi(enable->c_str());
   std::optional<json::ListText> entries = is_on == 1 ? read_entries() : json::ListText();

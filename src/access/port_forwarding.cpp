@@ -1,4 +1,5 @@
 // GET and POST /api/v1/port-open, POST /api/v1/delete-port.
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <optional>
@@ -14,13 +15,12 @@
 #include "platform/log.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
 constexpr const char* kPackage = "portmapping";
 constexpr const char* kType = "redirect";
-constexpr const char* kConfdir = "/etc/config";
 constexpr std::size_t kMostIds = 256;
 constexpr int kTcp = 1;
 constexpr int kUdp = 2;
@@ -34,7 +34,7 @@ constexpr std::size_t kPortSize = 10;
 
 std::string get_rule_option(int index, const char* option, std::size_t size) {
   std::array<char, 64> text{};
-  const std::string section = position_of(kType, index);
+  const std::string section = uci::position(kType, index);
   get_uci_option_value(kPackage, section.c_str(), option, text.data(), text.size());
   return std::string(platform::cut_utf8(text.data(), size - 1));
 }
@@ -70,10 +70,8 @@ struct Setting {
 };
 
 bool set_rule(const std::vector<Setting>& settings) {
-  for (const Setting& setting : settings) {
-    if (UciSetOption(kConfdir, kPackage, "@redirect[-1]", setting.option, setting.value.c_str()) != 0) return false;
-  }
-  return true;
+  const uci::Section rule(kPackage, uci::position(kType, -1));
+  return std::ranges::all_of(settings, [&](const Setting& setting) { return rule.set(setting.option, setting.value); });
 }
 
 // Every element is a rule that can be stored. One without a destination would open the router itself.
@@ -92,7 +90,7 @@ bool add_rule(const json::Object& element) {
     constexpr std::size_t kDigits = 7;
     return std::to_string(element.number(key).value_or(0)).substr(0, kDigits);
   };
-  if (UciCreateAnonymousSection(kConfdir, kPackage, kType) != 0) return false;
+  if (!uci::append(kPackage, kType)) return false;
   std::vector<Setting> settings{
       {"dest_port", port("lanPortNum")},
       {"src", "wan"},
@@ -131,7 +129,7 @@ int set_rules(const char* body) {
   if (!document) return 1;
   const json::List list = document->list("portOpenSettings");
   if (!list && document->has_any("portOpenSettings")) return 1;
-  if (!is_storable(list) || !delete_all(kConfdir, kPackage, kType)) return 1;
+  if (!is_storable(list) || !delete_all(kPackage, kType)) return 1;
   if (!list_of(document)) return 1;
   for (const json::Object rule : list) {
     if (!add_rule(rule)) return 1;
@@ -155,10 +153,10 @@ int answer_change(FCGX_Request* request, int result) {
 }  // namespace
 
 int handle_get_portopen_json(FCGX_Request* request) {
-  const int count = uci_count_sections(kPackage, kType);
-  if (count < 0) return answer(request, json::result_text(1));
+  const std::optional<int> count = uci::count(kPackage, kType);
+  if (!count) return answer(request, json::result_text(1));
   json::ListText rules;
-  for (int index = 0; index < count; ++index) rules.add(read_rule(index));
+  for (int index = 0; index < *count; ++index) rules.add(read_rule(index));
   json::ObjectText document = json::result_text(0);
   document.add("version", 1).add("portOpenSettings", std::move(rules));
   return answer(request, std::move(document));

@@ -9,7 +9,7 @@
 #include "answer/json_reading.h"
 #include "handlers.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ json::ObjectText read_state() {
   json::ObjectText document = json::result_text(0);
   document.add("version", 1).add(kUpdates.key, int{*enable});
   if (*device != Device::kOrvane) return document;
-  const std::optional<std::string> detail = uci_read(kDetails.package, kDetails.section, kDetails.option, kNumberSize);
+  const auto detail = uci::Section(kDetails.package, kDetails.section).read(kDetails.option, kNumberSize);
   if (!detail) return json::result_text(1);
   document.add(kDetails.key, std::atoi(detail->c_str()));
   return document;

@@ -8,14 +8,13 @@
 #include <string_view>
 
 #include "platform/log.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
-bool delete_section(const char* confdir, const char* package, const std::string& section,
-                    platform::LogPlace place = platform::LogPlace::here()) {
-  if (UciDelSection(confdir, package, section.c_str()) == 0) return true;
-  log_error_at(place, "Failed to delete section: %s.%s\n", package, section.c_str());
+bool delete_section(const uci::Section& section, platform::LogPlace place = platform::LogPlace::here()) {
+  if (section.remove()) return true;
+  log_error_at(place, "Failed to delete section: %s.%s\n", section.package(), section.name().c_str());
   return false;
 }
 
@@ -32,10 +31,6 @@ std::optional<int> read_id(const json::Object& element, std::string_view text) {
 }
 
 }  // namespace
-
-std::string position_of(const char* type, int index) {
-  return std::string("@") + type + "[" + std::to_string(index) + "]";
-}
 
 std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most, platform::LogPlace place) {
   if (elements.size() > most) return std::nullopt;
@@ -55,14 +50,13 @@ bool delete_positions(const char* package, const char* type, std::vector<int> id
   const auto repeated = std::ranges::unique(ids);
   ids.erase(repeated.begin(), repeated.end());
   const platform::LogPlace place = platform::LogPlace::here();
-  return std::ranges::all_of(
-      ids, [&](int id) { return delete_section("/etc/config/", package, position_of(type, id), place); });
+  return std::ranges::all_of(ids, [&](int id) { return delete_section({package, uci::position(type, id)}, place); });
 }
 
-bool delete_all(const char* confdir, const char* package, const char* type) {
-  const int count = uci_count_sections(package, type);
-  for (int index = 0; index < count; ++index) {
-    if (!delete_section(confdir, package, position_of(type, 0))) return false;
+bool delete_all(const char* package, const char* type) {
+  const std::optional<int> count = uci::count(package, type);
+  for (int index = 0; index < count.value_or(0); ++index) {
+    if (!delete_section({package, uci::position(type, 0)})) return false;
   }
-  return count >= 0;
+  return count.has_value();
 }

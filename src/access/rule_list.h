@@ -9,9 +9,6 @@
 #include "answer/json_reading.h"
 #include "platform/log.h"
 
-// "@type[index]"
-std::string position_of(const char* type, int index);
-
 // The `id` of every element: a number from 0, or the digits that its text begins with. nullopt when an element has
 // none, or there are more than `most` elements.
 std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t most,
@@ -23,4 +20,4 @@ bool delete_positions(const char* package, const char* type, std::vector<int> id
 
 // Deletes the first section of that type, as often as there are some. False at the first failure (logged), or when the
 // package cannot be read.
-bool delete_all(const char* confdir, const char* package, const char* type);
+bool delete_all(const char* package, const char* type);

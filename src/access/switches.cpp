@@ -8,16 +8,16 @@
 
 #include "answer/answer.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 std::optional<bool> stored_switch(const SwitchOption& which) {
   constexpr std::size_t kSwitchSize = 8;
-  const std::optional<std::string> text = uci_read(which.package, which.section, which.option, kSwitchSize);
+  const std::optional<std::string> text = uci::Section(which.package, which.section).read(which.option, kSwitchSize);
   return text == "0" || text == "1" ? std::optional(text == "1") : std::nullopt;
 }
 
 bool set_switch(const SwitchOption& which, bool value) {
-  return UciSetOption("/etc/config", which.package, which.section, which.option, value ? "1" : "0") == 0;
+  return uci::Section(which.package, which.section).set(which.option, value ? "1" : "0");
 }
 
 int apply_switch(const json::Object& asked, const SwitchOption& which) {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/file.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -26,8 +26,8 @@ class RuleList : public testing::Test {
 
   static std::string names() {
     std::string all;
-    for (int index = 0; index < uci_count_sections("rules", "rule"); ++index) {
-      all += uci_read_or("rules", position_of("rule", index).c_str(), "name", 8, "?");
+    for (int index = 0; index < uci::count("rules", "rule"); ++index) {
+      all += uci::Section("rules", uci::position("rule", index)).read_or("name", 8, "?");
     }
     return all;
   }
@@ -78,12 +78,12 @@ TEST_F(RuleList, ARepeatedPositionDeletesOneSection) {
 }
 
 TEST_F(RuleList, DeletingAllLeavesTheOtherTypes) {
-  EXPECT_TRUE(delete_all("/etc/config", "rules", "rule"));
+  EXPECT_TRUE(delete_all("rules", "rule"));
   EXPECT_EQ(names(), "");
-  EXPECT_EQ(uci_count_sections("rules", "other"), 4);
-  EXPECT_TRUE(delete_all("/etc/config", "rules", "rule"));
+  EXPECT_EQ(uci::count("rules", "other"), 4);
+  EXPECT_TRUE(delete_all("rules", "rule"));
 }
 
-TEST_F(RuleList, AMissingPackageIsAFailure) { EXPECT_FALSE(delete_all("/etc/config", "nosuch", "rule")); }
+TEST_F(RuleList, AMissingPackageIsAFailure) { EXPECT_FALSE(delete_all("nosuch", "rule")); }
 
 }  // namespace
