@@ -9,7 +9,7 @@
 #include "platform/process.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -18,15 +18,17 @@ constexpr std::size_t kTextMax = 31;
 constexpr int kHoursOfDay = 24;
 constexpr long kMostAddresses = 99999;
 
+uci::Section lan_pool() { return {"dhcp", "lan"}; }
+
 bool set_lan_option(const char* option, const std::string& value, const char* message_tail,
                     platform::LogPlace place = platform::LogPlace::here()) {
-  if (UciSetOption(nullptr, "dhcp", "lan", option, value.c_str()) == 0) return true;
+  if (lan_pool().set(option, value)) return true;
   log_error_at(place, "fail to set dhcp.lan.%s%s by uci api\n", option, message_tail);
   return false;
 }
 
 bool delete_lan_option(const char* option, platform::LogPlace place = platform::LogPlace::here()) {
-  if (UciDelOption(nullptr, "dhcp", "lan", option) == 0) return true;
+  if (lan_pool().remove(option)) return true;
   log_error_at(place, "fail to delete dhcp.lan.%s  by uci api\n", option);
   return false;
 }
@@ -59,7 +61,7 @@ bool add_host(const FixedHost& host, int index, const std::string& lease) {
   os_system("uci add dhcp host");
   std::string mac = host.mac;
   AddColonOfMac(mac);
-  const std::string section = "@host[" + std::to_string(index) + "]";
+  const uci::Section section("dhcp", uci::position("host", index));
   const std::array<HostOption, 5> options{{
       {"ip", "ip", host.ip},
       {"leasetime", "leaseTime", lease},
@@ -68,7 +70,7 @@ bool add_host(const FixedHost& host, int index, const std::string& lease) {
       {"mac", "mac", std::string(platform::cut_utf8(mac, kTextMax))},
   }};
   for (const HostOption& option : options) {
-    if (UciSetOption(nullptr, "dhcp", section.c_str(), option.option, option.value.c_str()) == 0) continue;
+    if (section.set(option.option, option.value)) continue;
     log_error("fail to set dhcp.host.%s by uci api\n", option.message_name);
     return false;
   }
@@ -101,19 +103,19 @@ void read_hosts(DhcpSettings& settings) {
 
 // The pool, of a server that is on. 0, or 1 on failure.
 int read_pool(DhcpSettings& settings) {
-  const std::optional<std::string> lease = uci_read("dhcp", "lan", "leasetime", kOptionSize);
+  const std::optional<std::string> lease = lan_pool().read("leasetime", kOptionSize);
   if (!lease) {
     log_error("Fail to get dhcp.lan.leasetime by uci api\n");
     return 1;
   }
   settings.lease_time = lease_hours(*lease);
-  const std::optional<std::string> start = uci_read("dhcp", "lan", "start", kTextMax + 1);
+  const std::optional<std::string> start = lan_pool().read("start", kTextMax + 1);
   if (!start) {
     log_error("Fail to get dhcp.lan.start value by uci api\n");
     return 1;
   }
   settings.start_address = *start;
-  const std::optional<std::string> limit = uci_read("dhcp", "lan", "limit", kOptionSize);
+  const std::optional<std::string> limit = lan_pool().read("limit", kOptionSize);
   if (!limit) {
     log_error("Fail to get dhcp.lan.limit value by uci api\n");
     return 1;
@@ -181,7 +183,7 @@ void AddColonOfMac(std::string& mac) {
 }
 
 int cmd_get_dhcp(DhcpSettings& settings) {
-  const std::string ignore = uci_read_or("dhcp", "lan", "ignore", kOptionSize, "");
+  const std::string ignore = lan_pool().read_or("ignore", kOptionSize, "");
   const int is_ignored = std::atoi(ignore.c_str());
   log_debug("atoi(getVal) is [%d]", is_ignored);
   settings.enable = is_ignored == 1 ? 0 : 1;

@@ -7,6 +7,7 @@
 #include "platform/log.h"
 #include "platform/process.h"
 #include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -14,7 +15,9 @@ constexpr const char* kResolvConf = "/tmp/resolv.conf.auto";
 constexpr std::size_t kNumberSize = 32;
 constexpr std::size_t kIpv6TextMax = 63;
 
-bool is_lan_dhcp_server_on() { return uci_read_or("dhcp", "lan", "ignore", kNumberSize, "") != "1"; }
+uci::Section lan() { return {"network", "lan"}; }
+
+bool is_lan_dhcp_server_on() { return uci::Section("dhcp", "lan").read_or("ignore", kNumberSize, "") != "1"; }
 
 std::string element_or_none(const std::vector<std::string>& elements, std::size_t index) {
   return index < elements.size() && !elements[index].empty() ? elements[index] : kAddressNotFound;
@@ -43,7 +46,7 @@ void read_ipv6(LanSettings& settings, bool is_client) {
 
 // 0 on success, 1 for a protocol that the LAN never has.
 int read_dhcp_client(LanSettings& settings, const std::string& op_mode, bool is_dhcp_server_on) {
-  const std::string proto = uci_read_or("network", "lan", "proto", kNumberSize, "static");
+  const std::string proto = lan().read_or("proto", kNumberSize, "static");
   if (proto != "dhcp" && proto != "static") {
     log_error("Unkown value of\tnetwork.lan.proto by uci get api \n");
     return 1;
@@ -65,8 +68,8 @@ int is_ap_or_repeater_mode() {
 
 void get_gateway_and_dns_by_uci(std::string& gateway, std::string& dns1, std::string& dns2) {
   constexpr std::size_t kDnsSlot = kIpv4TextSize - 1;  // an element that fills its slot has no terminator
-  gateway = uci_read_or("network", "lan", "gateway", kIpv4TextSize, kAddressNotFound);
-  const auto servers = uci_read_list("network", "lan", "dns", kDnsSlot, 2).value_or(std::vector<std::string>{});
+  gateway = lan().read_or("gateway", kIpv4TextSize, kAddressNotFound);
+  const auto servers = lan().read_list("dns", kDnsSlot, 2).value_or(std::vector<std::string>{});
   dns1 = element_or_none(servers, 0);
   dns2 = element_or_none(servers, 1);
 }
@@ -74,11 +77,11 @@ void get_gateway_and_dns_by_uci(std::string& gateway, std::string& dns1, std::st
 int cmd_get_lan_netowrk(LanSettings& settings) {
   const std::string op_mode = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "");
   const bool is_dhcp_server_on = is_lan_dhcp_server_on();
-  const std::optional<std::string> mac = uci_read("network", "@device[0]", "macaddr", kNumberSize);
+  const std::optional<std::string> mac = uci::Section("network", "@device[0]").read("macaddr", kNumberSize);
   if (!mac) log_error("Fail to get network.lan.macaddr value by uci api\n");
   settings.mac_address = mac.value_or("");
 
-  const std::optional<std::string> protection = uci_read("network", "lan", "globalIp", kNumberSize);
+  const std::optional<std::string> protection = lan().read("globalIp", kNumberSize);
   if (!protection) {
     log_error("Fail to get network.lan.globalIp by uci api\n");
     return 1;
@@ -101,7 +104,7 @@ int cmd_get_lan_netowrk(LanSettings& settings) {
     get_gateway_and_dns_by_uci(settings.ipv4_gateway, settings.ipv4_dns1, settings.ipv4_dns2);
   }
 
-  const std::optional<std::string> ipv6 = uci_read("network", "lan", "ipv6", kNumberSize);
+  const std::optional<std::string> ipv6 = lan().read("ipv6", kNumberSize);
   if (!ipv6) {
     log_error("Fail to get network.lan.ipv6 value by uci api\n");
     return 1;

@@ -6,21 +6,22 @@
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
+uci::Section lan() { return {"network", "lan"}; }
+
 bool set_lan_option(const char* option, const std::string& value,
                     platform::LogPlace place = platform::LogPlace::here()) {
-  if (UciSetOption(nullptr, "network", "lan", option, value.c_str()) == 0) return true;
+  if (lan().set(option, value)) return true;
   log_error_at(place, "fail to set network.lan.%s by uci api\n", option);
   return false;
 }
 
-void delete_lan_option(const char* option) { UciDelOption(nullptr, "network", "lan", option); }
-
 bool is_lan_dhcp_server_off() {
   constexpr std::size_t kIgnoreSize = 8;
-  return uci_read_or("dhcp", "lan", "ignore", kIgnoreSize, "") == "1";
+  return uci::Section("dhcp", "lan").read_or("ignore", kIgnoreSize, "") == "1";
 }
 
 // Gateway and DNS of a unit that is a client of another router. False ends the change without a reload, and that is
@@ -46,8 +47,8 @@ StaticResult apply_static(const LanSettings& settings, const std::string& op_mod
   if (has_gateway && has_dns && is_ap_or_repeater(op_mode) && !apply_gateway_and_dns(settings)) {
     return StaticResult::kDoneWithoutReload;
   }
-  if (!has_gateway) delete_lan_option("gateway");
-  if (!has_dns) delete_lan_option("dns");
+  if (!has_gateway) lan().remove("gateway");
+  if (!has_dns) lan().remove("dns");
   return StaticResult::kReload;
 }
 
@@ -56,9 +57,7 @@ StaticResult apply_static(const LanSettings& settings, const std::string& op_mod
 int remove_lan_static_config() {
   constexpr std::array<const char*, 4> kOptions{"ipaddr", "dns", "gateway", "netmask"};
   for (const char* option : kOptions) {
-    if (UciDelOption(nullptr, "network", "lan", option) != 0) {
-      log_error("fail to delete network.lan.%s by uci api\n", option);
-    }
+    if (!lan().remove(option)) log_error("fail to delete network.lan.%s by uci api\n", option);
   }
   return 0;
 }
@@ -69,18 +68,18 @@ int set_lan_dns(const std::string& dns1, const std::string& dns2) {
     log_error(" First DNS can not be empty!\n");
     return 1;
   }
-  const auto stored = uci_read_list("network", "lan", "dns", kSlot, 2).value_or(std::vector<std::string>{});
+  const auto stored = lan().read_list("dns", kSlot, 2).value_or(std::vector<std::string>{});
   for (std::size_t index = 0; index < stored.size(); ++index) {
-    if (UciDelList(nullptr, "network", "lan", "dns", stored[index].c_str()) != 0) {
+    if (!lan().remove_from_list("dns", stored[index])) {
       log_error(" fail to delete network.lan.dns[%d]  by UciDelList api\n", static_cast<int>(index));
       return 1;
     }
   }
-  if (UciAddList(nullptr, "network", "lan", "dns", dns1.c_str()) != 0) {
+  if (!lan().add_to_list("dns", dns1)) {
     log_error(" fail to set network.lan.dns to first dns by UciAddList api\n");
     return 1;
   }
-  if (!dns2.empty() && UciAddList(nullptr, "network", "lan", "dns", dns2.c_str()) != 0) {
+  if (!dns2.empty() && !lan().add_to_list("dns", dns2)) {
     log_error(" fail to set network.lan.dns to second dns by UciAddList api\n");
     return 1;
   }
