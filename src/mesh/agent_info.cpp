@@ -13,7 +13,7 @@
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/text.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -80,7 +80,7 @@ bool add_agents(json::ListText& array) {
 
 int get_agent_model_info(std::vector<AgentInfo>& agents) {
   constexpr std::size_t kHostNameSize = 64;
-  if (!uci_read("system", "@system[0]", "hostname", kHostNameSize)) {
+  if (!uci::Section("system", "@system[0]").read("hostname", kHostNameSize)) {
     log_error("Failed to get hostname");
     return 1;
   }

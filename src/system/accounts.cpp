@@ -11,7 +11,7 @@
 #include "platform/process.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ int handle_set_accounts(FCGX_Request* request, const char* body) {
     log_error("%s cannot be written: %m\n", kPasswordFile);
     return answer(request, kResultUnusable);
   }
-  UciSetOption("/etc/config", "rpcd", "log_on", "username", user->c_str());
+  uci::Section("rpcd", "log_on").set("username", *user);
   set_admin_password(*password);
   return answer_then(request, kResultOkWait10, [] { os_system("sh /usr/sbin/refreshPasswd.sh"); });
 }

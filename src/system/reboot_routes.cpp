@@ -11,7 +11,7 @@
 #include "platform/repeating_timer.h"
 #include "system/device.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -35,14 +35,15 @@ void start_reboot_timer(unsigned int seconds) {
 
 // The tunnel's agent must not take the reboot for a change of provider. An empty mode counts, too.
 void prepare_map_e() {
-  const std::string mode = uci_read_or("network", "wan", "mode", 16, "");
-  if (std::string_view("MAP-E").starts_with(mode)) UciSetOption(nullptr, "network", "wan", "qvmapebootflag", " ");
+  const uci::Section wan("network", "wan");
+  const std::string mode = wan.read_or("mode", 16, "");
+  if (std::string_view("MAP-E").starts_with(mode)) wan.set("qvmapebootflag", " ");
 }
 
 // A router whose line is provisioned anew after the reboot.
 bool needs_long_wait() {
-  const std::string flag = uci_read_or("network", "wan", "autoflag", 8, "");
-  const std::string button_mode = uci_read_or("system", "@system[0]", "button_mode", 12, "");
+  const std::string flag = uci::Section("network", "wan").read_or("autoflag", 8, "");
+  const std::string button_mode = uci::Section("system", "@system[0]").read_or("button_mode", 12, "");
   return !flag.empty() && std::atoi(flag.c_str()) == 0 && button_mode == "router_mode";
 }
 

@@ -13,6 +13,7 @@
 #include "system/device.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -44,7 +45,7 @@ struct Caller {
 // An option's text; empty, and a line in the log, when it cannot be read.
 std::string get_option(const char* package, const char* section, const char* option, std::size_t size,
                        Caller caller = {__builtin_FUNCTION(), __builtin_LINE()}) {
-  std::optional<std::string> value = uci_read(package, section, option, size);
+  std::optional<std::string> value = uci::Section(package, section).read(option, size);
   if (!value) caller.log_failure("get executed failed.\n");
   return std::move(value).value_or("");
 }
@@ -108,8 +109,9 @@ void get_routerInfo_deviceInfo(RouterInfo& info) {
 void get_routerInfo_imageArea(RouterInfo& info) {
   constexpr std::size_t kStatusSize = 8;
   os_system("/usr/sbin/testinfo");
-  info.image_area_a = uci_read_or("test", "test", "statusa", kStatusSize, "Ready");
-  info.image_area_b = uci_read_or("test", "test", "statusb", kStatusSize, "Ready");
+  const uci::Section test("test", "test");
+  info.image_area_a = test.read_or("statusa", kStatusSize, "Ready");
+  info.image_area_b = test.read_or("statusb", kStatusSize, "Ready");
 }
 
 std::string local_time_text() {
@@ -161,23 +163,17 @@ void get_routerInfo_list(RouterInfo& info) {
 }
 
 void set_routerInfo_model(const std::string& model) {
-  if (UciSetOption(nullptr, "system", "@system[0]", "hostname", model.c_str()) != 0) {
-    log_debug("set routerInfo model failed.\n");
-  }
+  if (!uci::Section("system", "@system[0]").set("hostname", model)) log_debug("set routerInfo model failed.\n");
 }
 
 void set_routerInfo_location(int location) {
   constexpr std::size_t kDigits = 3;  // the field's four bytes
   const std::string text = std::to_string(location).substr(0, kDigits);
-  if (UciSetOption(nullptr, "devicecustom", "info", "location", text.c_str()) != 0) {
-    log_debug("set location model failed.\n");
-  }
+  if (!uci::Section("devicecustom", "info").set("location", text)) log_debug("set location model failed.\n");
 }
 
 void set_routerInfo_locationCustom(const std::string& text) {
-  if (UciSetOption(nullptr, "devicecustom", "info", "locationCustom", text.c_str()) != 0) {
-    log_debug("set location model failed.\n");
-  }
+  if (!uci::Section("devicecustom", "info").set("locationCustom", text)) log_debug("set location model failed.\n");
 }
 
 void set_routerInfo_ledStatus(int status) {

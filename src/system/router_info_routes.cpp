@@ -10,7 +10,7 @@
 #include "platform/text.h"
 #include "system/device.h"
 #include "system/router_info.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -81,7 +81,7 @@ int handle_routerInfo_post(FCGX_Request* request, const char* body) {
 // Plain: clients ask it to recognise the device before they can decrypt.
 int handle_get_device_info(FCGX_Request* request) {
   constexpr std::size_t kTextSize = 16;
-  const std::string model = uci_read_or("system", "@system[0]", "hostname", kTextSize, "");
+  const std::string model = uci::Section("system", "@system[0]").read_or("hostname", kTextSize, "");
   std::string id;
   getFileInfo("/tmp/deviceid", &id, kTextSize);
   for (const Product& product : kProducts) {
