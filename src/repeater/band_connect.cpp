@@ -6,7 +6,7 @@
 #include "platform/log.h"
 #include "repeater/network_config.h"
 #include "repeater/uci_commands.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -94,8 +94,8 @@ int SetConfig5G(const RepeaterConnectInfo& info, const FollowFlags& flags) { ret
 int SetConfig6G(const RepeaterConnectInfo& info, const FollowFlags& flags) { return set_band_config(k6g, info, flags); }
 
 void ClearLastConnect() {
-  for (const Band& band : kBands) UciDelSection(nullptr, "wireless", band.station);
-  UciDelSection(nullptr, "wireless", kStationMld);
+  for (const Band& band : kBands) uci::Section("wireless", band.station).remove();
+  uci::Section("wireless", kStationMld).remove();
 }
 
 int SetWifiConnectInfoByBand(const RepeaterConnectInfo& info) {

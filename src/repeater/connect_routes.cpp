@@ -12,7 +12,7 @@
 #include "repeater/uci_commands.h"
 #include "repeater/uplink_monitor.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -103,7 +103,7 @@ void reload_network(int multi_link) {
 
 int apply_setting(const RepeaterConnectInfo& info) {
   constexpr std::size_t kStatusSize = 8;
-  const std::optional<std::string> status = uci_read("repeater", "repeater_band", "status", kStatusSize);
+  const std::optional<std::string> status = uci::Section("repeater", "repeater_band").read("status", kStatusSize);
   if (!status) {
     log_error_as(kHandler, "get repeater result error\n");
     return 1;

@@ -8,7 +8,7 @@
 
 #include "platform/log.h"
 #include "repeater/uci_commands.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -56,7 +56,7 @@ void set_open(std::string_view ifname, bool sae_was_on) {
 
 bool reads_one(const char* ifname, const char* option) {
   constexpr std::size_t kSwitchSize = 4;
-  return uci_read_or("wireless", ifname, option, kSwitchSize, "") == "1";
+  return uci::Section("wireless", ifname).read_or(option, kSwitchSize, "") == "1";
 }
 
 // A station's key is written only where the access point of its band follows: kept as it is.
@@ -81,7 +81,7 @@ std::optional<FollowFlags> read_follow_flags(const char* caller) {
   constexpr int kDecimal = 10;
   FollowFlags flags{};
   for (std::size_t band = 0; band < kBandCount; ++band) {
-    const std::optional<std::string> value = uci_read("wireless", kBands[band].ap, "ssid_change", kFlagSize);
+    const std::optional<std::string> value = uci::Section("wireless", kBands[band].ap).read("ssid_change", kFlagSize);
     if (!value) {
       log_error_as(caller, "get %s ssid_change error\n", kBands[band].ap);
       return std::nullopt;

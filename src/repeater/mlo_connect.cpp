@@ -11,7 +11,7 @@
 #include "repeater/interface_config.h"
 #include "repeater/network_config.h"
 #include "repeater/uci_commands.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -108,12 +108,15 @@ void set_station_mld(const MloVariant& variant, const RepeaterConnectInfo& info,
   for (const char* option : variant.key_options) uci_set_value(std::string("wireless.") + option, info.encrypt_key);
 }
 
+// A write that fails stops nothing: it is told in the log.
+uci::Section station_of(std::size_t band) { return {"wireless", kBands[band].station}; }
+
 void set_station_option(const MloVariant& variant, const char* option, const char* value) {
-  for (const std::size_t station : variant.stations) set_wireless_option(kBands[station].station, option, value);
+  for (const std::size_t station : variant.stations) station_of(station).set(option, value);
 }
 
 void delete_option_of_all_stations(const char* option) {
-  for (const Band& band : kBands) delete_wireless_option(band.station, option);
+  for (std::size_t band = 0; band < kBandCount; ++band) station_of(band).remove(option);
 }
 
 void set_bridging(const MloVariant& variant) {
@@ -123,18 +126,18 @@ void set_bridging(const MloVariant& variant) {
   set_station_option(variant, compati_mode == kStationUsesExtap ? "extap" : "wds", "1");
 }
 
-void accept_any_security_on_6g() { set_wireless_option(kBands[k6g].station, "en_6g_sec_comp", "0"); }
+void accept_any_security_on_6g() { station_of(k6g).set("en_6g_sec_comp", "0"); }
 
 void attach_stations(const MloVariant& variant) {
   for (std::size_t band = 0; band < kBandCount; ++band) {
-    set_wireless_option(kBands[band].ap, "disabled", variant.ap_disabled[band]);
+    uci::Section("wireless", kBands[band].ap).set("disabled", variant.ap_disabled[band]);
   }
   if (variant.security_check_off == SecurityCheckOff::kAfterAccessPoints) accept_any_security_on_6g();
   set_station_option(variant, "mld", kStationMld);
   if (variant.ifname_before_enabling) delete_option_of_all_stations("ifname");
   set_station_option(variant, "disabled", "0");
   for (const std::size_t station : variant.stations) {
-    set_wireless_option(kBands[station].station, "device", kBands[station].radio);
+    station_of(station).set("device", kBands[station].radio);
   }
   if (!variant.ifname_before_enabling) delete_option_of_all_stations("ifname");
   set_station_option(variant, "mode", "sta");
@@ -223,7 +226,7 @@ std::string derive_mld_mac(std::string bridge_mac) {
 
 int SetWifiConnectInfoByMlo(const RepeaterConnectInfo& info) {
   constexpr std::size_t kMloSize = 4;
-  const std::optional<std::string> previous_mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
+  const std::optional<std::string> previous_mlo = uci::Section("repeater", "repeater_band").read("mlo", kMloSize);
   if (!previous_mlo) {
     log_error("get mlo band error\n");
     return 1;

@@ -12,7 +12,7 @@
 #include "repeater/bands.h"
 #include "repeater/uci_commands.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -48,12 +48,13 @@ std::span<const std::size_t> find_stations(std::string_view mlo, std::string_vie
 }
 
 int attach_stations() {
-  const std::optional<std::string> band = uci_read("repeater", "repeater_band", "repeater_select_band", kBandNameSize);
+  const uci::Section stored("repeater", "repeater_band");
+  const std::optional<std::string> band = stored.read("repeater_select_band", kBandNameSize);
   if (!band) {
     log_error_as(kStart, "get repeater band error\n");
     return 1;
   }
-  const std::optional<std::string> mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
+  const std::optional<std::string> mlo = stored.read("mlo", kMloSize);
   if (!mlo) {
     log_error_as(kStart, "get mlo band error\n");
     return 1;
@@ -117,7 +118,7 @@ int SetNetworkParamInfoToConnect() {
 int StartDhcpServerAfterConnectedSucc() {
   uci_command("set dhcp.lan.ignore=1");  // the upstream network serves DHCP from now on
   if (attach_stations() != 0) return 1;
-  if (!uci_read("network", "lan", "dns", kDnsSize)) {
+  if (!uci::Section("network", "lan").read("dns", kDnsSize)) {
     uci_command("delete network.lan.ipaddr");
     uci_command("delete network.lan.netmask");
     uci_command("delete network.lan.ip6assign");

@@ -13,7 +13,7 @@
 #include "repeater/ordered_members.h"
 #include "repeater/uplink_monitor.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "wireless.h"
 
 namespace {
@@ -61,18 +61,19 @@ struct Report {
 };
 
 std::optional<std::string> read_easymesh(const char* option) {
-  return uci_read("button_mesh", "easymesh", option, kCodeSize);
+  return uci::Section("button_mesh", "easymesh").read(option, kCodeSize);
 }
 
 std::optional<std::string> read_station(const char* station, const char* option, std::size_t size) {
-  return uci_read("wireless", station, option, size);
+  return uci::Section("wireless", station).read(option, size);
 }
 
 void read_modes(Report& report) {
   report.easymesh_enable = report.expect(read_easymesh("enable"), "get repacd enable failed.\n");
-  report.mlo = report.expect(uci_read("repeater", "repeater_band", "mlo", kCodeSize), "get mlo staus failed.\n");
-  report.onboarding_done =
-      report.expect(uci_read("repacd", "MAPConfig", "OnboardingDone", kCodeSize), "get OnboardingDone failed\n");
+  report.mlo =
+      report.expect(uci::Section("repeater", "repeater_band").read("mlo", kCodeSize), "get mlo staus failed.\n");
+  report.onboarding_done = report.expect(uci::Section("repacd", "MAPConfig").read("OnboardingDone", kCodeSize),
+                                         "get OnboardingDone failed\n");
 }
 
 // What the log says of a station. The texts of one band tell of another: kept as they are.
@@ -258,12 +259,12 @@ void add_optional(Report& report, const char* key, const std::optional<std::stri
 }
 
 void add_settings(Report& report) {
-  const std::string multi_ru =
-      report.expect(uci_read("wireless", "wifi1", "dfs_puncture_en", kCodeSize), "get dfs_puncture_en failed.\n");
+  const std::string multi_ru = report.expect(uci::Section("wireless", "wifi1").read("dfs_puncture_en", kCodeSize),
+                                             "get dfs_puncture_en failed.\n");
   report.add("multiRuEnable", std::atoi(multi_ru.c_str()));
   const std::string mode = report.expect(read_easymesh("mode"), "get repacd enable failed.\n");
   report.add("easyMeshBackHaulFrequency", mode == "2" ? 5 : mode == "1" ? 4 : 0);
-  add_optional(report, "compatiMode", uci_read("repeater", "compatiMode", "value", kCodeSize),
+  add_optional(report, "compatiMode", uci::Section("repeater", "compatiMode").read("value", kCodeSize),
                "get compatiMode value failed.\n");
   add_optional(report, "compatiWiFi6Mode", read_easymesh("compatiWiFi6Mode"), "get compatiWiFi6Mode value failed.\n");
 }

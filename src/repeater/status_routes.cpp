@@ -11,7 +11,7 @@
 #include "repeater/status_report.h"
 #include "repeater/uci_commands.h"
 #include "repeater/uplink_monitor.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -54,9 +54,10 @@ int check_connection(const char* station) {
 std::optional<int> read_connect_result() {
   constexpr std::size_t kBandNameSize = 8;
   constexpr std::size_t kMloSize = 4;
-  const std::optional<std::string> band = uci_read("repeater", "repeater_band", "repeater_select_band", kBandNameSize);
+  const uci::Section stored("repeater", "repeater_band");
+  const std::optional<std::string> band = stored.read("repeater_select_band", kBandNameSize);
   if (!band) log_error_as(kHandler, "get repeater_band failed.\r\n");
-  const std::optional<std::string> mlo = uci_read("repeater", "repeater_band", "mlo", kMloSize);
+  const std::optional<std::string> mlo = stored.read("mlo", kMloSize);
   if (!mlo) {
     log_error_as(kHandler, "get repeater_band mlo band failed.\n");
     for (const Band& row : kBands) uci_command(std::string("set wireless.") + row.ap + ".disabled=1");

@@ -6,7 +6,7 @@
 
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 void uci_command(const std::string& arguments) { os_system("uci " + arguments); }
 
@@ -14,17 +14,9 @@ void uci_set_value(const std::string& option, const std::string& value) {
   os_exec({"uci", "set", option + '=' + value});
 }
 
-void set_wireless_option(const char* section, const char* option, const char* value) {
-  UciSetOption(nullptr, "wireless", section, option, value);
-}
-
-void delete_wireless_option(const char* section, const char* option) {
-  UciDelOption(nullptr, "wireless", section, option);
-}
-
 int read_compati_mode(const char* caller) {
   constexpr std::size_t kValueSize = 4;
-  const std::optional<std::string> value = uci_read("repeater", "compatiMode", "value", kValueSize);
+  const std::optional<std::string> value = uci::Section("repeater", "compatiMode").read("value", kValueSize);
   if (!value) log_error_as(caller, "get compatiModevalue error\n");
   return value ? std::atoi(value->c_str()) : 0;
 }

@@ -15,11 +15,6 @@ void uci_commit(const Package*... packages) {
   (uci_command(std::string("commit ") + packages), ...);
 }
 
-// Writes wireless.<section>.<option> or takes it away, through the UCI library. A failure stops nothing: it is logged
-// there.
-void set_wireless_option(const char* section, const char* option, const char* value);
-void delete_wireless_option(const char* section, const char* option);
-
 // repeater.compatiMode.value as a number: kStationUsesExtap, or any other value for a station that uses WDS. A failure
 // counts as 0 and is logged under `caller`.
 inline constexpr int kStationUsesExtap = 1;

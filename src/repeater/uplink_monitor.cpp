@@ -11,6 +11,7 @@
 #include "repeater/uci_commands.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -69,7 +70,7 @@ int GetStaInterfaceMask() {
 
 int read_uplink_down(int previous) {
   constexpr std::size_t kMloSize = 4;
-  if (uci_read_or("repeater", "repeater_band", "mlo", kMloSize, "") != "0") {
+  if (uci::Section("repeater", "repeater_band").read_or("mlo", kMloSize, "") != "0") {
     return GetStaInterfaceConnectStatus(kStationMld);
   }
   switch (GetStaInterfaceMask()) {
