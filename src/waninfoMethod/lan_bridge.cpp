@@ -8,7 +8,7 @@
 
 #include "domain/wan_modes.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "waninfoMethod/wan_config.h"
 
 namespace {
@@ -32,11 +32,13 @@ struct OptionValue {
   const char* value;
 };
 
-void set_lan(const char* option, const char* value) { UciSetOption(nullptr, "network", "lan", option, value); }
+// A write that fails stops nothing: it is told in the log.
+uci::Section lan() { return {"network", "lan"}; }
 
 void set_bridge_ports(std::initializer_list<const char*> ports) {
-  for (const char* port : kPorts) UciDelList(nullptr, "network", "@device[0]", "ports", port);
-  for (const char* port : ports) UciAddList(nullptr, "network", "@device[0]", "ports", port);
+  const uci::Section bridge("network", "@device[0]");
+  for (const char* port : kPorts) bridge.remove_from_list("ports", port);
+  for (const char* port : ports) bridge.add_to_list("ports", port);
 }
 
 const LanDefaults& brand_defaults() {
@@ -50,38 +52,37 @@ const LanDefaults& brand_defaults() {
 
 // The address that the LAN had before it became a client, or else the brand's.
 std::string lan_address() {
-  std::string address = uci_read_or("network", "backlan", "ipaddr1", 16, "");
+  const uci::Section backup("network", "backlan");
+  std::string address = backup.read_or("ipaddr1", 16, "");
   if (!address.empty()) return address;
   const LanDefaults& defaults = brand_defaults();
-  UciSetOption(nullptr, "network", "backlan", "start", defaults.first_client);
+  backup.set("start", defaults.first_client);
   return defaults.address;
 }
 
 void restore_lan() {
-  set_lan("ifname", "eth0");
-  set_lan("proto", "static");
-  set_lan("ipaddr", lan_address().c_str());
+  lan().set("ifname", "eth0");
+  lan().set("proto", "static");
+  lan().set("ipaddr", lan_address());
   constexpr std::array<OptionValue, 4> kRest{
       {{"netmask", "255.255.255.0"}, {"ip6assign", "60"}, {"ieee1905managed", "1"}, {"force_link", "1"}}};
-  for (const OptionValue& row : kRest) set_lan(row.option, row.value);
-  UciSetOption(nullptr, "system", "@system[0]", "op_mode", "router");
-  UciDelOption(nullptr, "dhcp", "lan", "ignore");
+  for (const OptionValue& row : kRest) lan().set(row.option, row.value);
+  uci::Section("system", "@system[0]").set("op_mode", "router");
+  uci::Section("dhcp", "lan").remove("ignore");
 }
 
 }  // namespace
 
 void turn_lan_into_client() {
-  for (const char* option : {"force_link", "ip6assign", "netmask", "ipaddr"}) {
-    UciDelOption(nullptr, "network", "lan", option);
-  }
-  set_lan("proto", "dhcp");
+  for (const char* option : {"force_link", "ip6assign", "netmask", "ipaddr"}) lan().remove(option);
+  lan().set("proto", "dhcp");
   set_bridge_ports({"eth0", "eth1", "eth2"});
-  set_lan("ieee1905managed", "1");
-  set_lan("globalIp", "1");
-  UciSetOption(nullptr, "dhcp", "lan", "ignore", "1");
+  lan().set("ieee1905managed", "1");
+  lan().set("globalIp", "1");
+  uci::Section("dhcp", "lan").set("ignore", "1");
 }
 
 void SetDhcpMode() {
-  if (uci_read_or("network", "wan", "mode", kWanModeSize, "").starts_with("AP")) restore_lan();
+  if (uci::Section("network", "wan").read_or("mode", kWanModeSize, "").starts_with("AP")) restore_lan();
   set_bridge_ports({"eth0", "eth2"});
 }

@@ -11,7 +11,7 @@
 #include "domain/wan_modes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "waninfoMethod/lan_bridge.h"
 #include "waninfoMethod/wan_link.h"
 
@@ -23,17 +23,14 @@ constexpr const char* kWriter = "set_wanInfoConfig";
 constexpr std::size_t kAddressSize = 16;
 constexpr std::size_t kMostNameServers = 8;
 
-void set_wan(const char* option, const char* value) { UciSetOption(nullptr, "network", "wan", option, value); }
-void set_wan(const char* option, const std::string& value) { set_wan(option, value.c_str()); }
-void delete_wan(const char* option) { UciDelOption(nullptr, "network", "wan", option); }
-
-std::string read_wan(const char* option, std::size_t size) { return uci_read_or("network", "wan", option, size, ""); }
+// A write that fails stops nothing: it is told in the log.
+uci::Section wan_section() { return {"network", "wan"}; }
 
 std::vector<std::string> read_name_servers() {
-  return uci_read_list("network", "wan", "dns", kAddressSize, kMostNameServers).value_or(std::vector<std::string>{});
+  return wan_section().read_list("dns", kAddressSize, kMostNameServers).value_or(std::vector<std::string>{});
 }
 
-void delete_name_server(const std::string& server) { UciDelList(nullptr, "network", "wan", "dns", server.c_str()); }
+void delete_name_server(const std::string& server) { wan_section().remove_from_list("dns", server); }
 
 // --- Deletions.
 
@@ -77,7 +74,7 @@ void write_ranged(const wanInfo& info, const RangedField& row) {
     log_error_as(kWriter, "Invalid %s parameter, waninfo->%s = %d", row.name, row.name, value);
     return;
   }
-  UciSetOption(nullptr, row.package, row.section, row.option, text.c_str());
+  uci::Section(row.package, row.section).set(row.option, text);
 }
 
 constexpr RangedField kAutoSelect{&wanInfo::wanAutoSelectStatus, 2, "network", "wan", "autoflag",
@@ -91,20 +88,21 @@ constexpr RangedField kCaptivePortal{&wanInfo::captivePortalStatus, 1, "system",
                                      "captivePortalStatus"};
 
 void write_ipv6_method(int method) {
+  const uci::Section wan = wan_section();
   switch (method) {
     case 0:
-      set_wan("slaac", "0");
-      set_wan("dhcpv6pd", "0");
+      wan.set("slaac", "0");
+      wan.set("dhcpv6pd", "0");
       break;
     case 1:
-      set_wan("slaac", "1");
-      UciSetOption(nullptr, "network", "backwan", "slaac", "1");
-      set_wan("dhcpv6pd", "0");
+      wan.set("slaac", "1");
+      uci::Section("network", "backwan").set("slaac", "1");
+      wan.set("dhcpv6pd", "0");
       break;
     case 2:
-      set_wan("dhcpv6pd", "1");
-      UciSetOption(nullptr, "network", "backwan", "dhcpv6pd", "1");
-      set_wan("slaac", "0");
+      wan.set("dhcpv6pd", "1");
+      uci::Section("network", "backwan").set("dhcpv6pd", "1");
+      wan.set("slaac", "0");
       break;
     default:
       log_error_as(kWriter, "Invalid wanIPv6Method parameter, waninfo->wanIPv6Method = %d", method);
@@ -121,8 +119,9 @@ struct LastSettings {
 };
 
 LastSettings read_last_settings() {
-  LastSettings last{read_wan("mode", kWanModeSize), read_wan("ipaddr", kAddressSize), read_wan("netmask", kAddressSize),
-                    read_wan("gateway", kAddressSize)};
+  const uci::Section wan = wan_section();
+  LastSettings last{wan.read_or("mode", kWanModeSize, ""), wan.read_or("ipaddr", kAddressSize, ""),
+                    wan.read_or("netmask", kAddressSize, ""), wan.read_or("gateway", kAddressSize, "")};
   log_debug_as(kWriter, "lastMode[%s],lastipaddr[%s],lastnetmask[%s],lastgateway[%s]", last.mode.c_str(),
                last.address.c_str(), last.mask.c_str(), last.gateway.c_str());
   return last;
@@ -176,21 +175,21 @@ void replace_name_servers(const wanInfo& info) {
   log_debug_as(kWriter, "dnsListNum = %d", static_cast<int>(servers.size()));
   std::for_each(servers.begin(), servers.end(), delete_name_server);
   for (const std::string& server : {info.wanIpv4Dns1, info.wanIpv4Dns2}) {
-    if (!server.empty()) UciAddList(nullptr, "network", "wan", "dns", server.c_str());
+    if (!server.empty()) wan_section().add_to_list("dns", server);
   }
 }
 
-void set_op_mode(const char* mode) { UciSetOption(nullptr, "system", "@system[0]", "op_mode", mode); }
+void set_op_mode(const char* mode) { uci::Section("system", "@system[0]").set("op_mode", mode); }
 
 void write_ipip6_service(const wanInfo& info) {
   const char* service = v6ServerMode(std::atoi(info.ipipService.c_str()));
   log_debug_as(kWriter, "v6ServerMode = %s", service);
-  set_wan("v6service", service);
+  wan_section().set("v6service", service);
 }
 
 void write_access_point() {
-  set_wan("proto", "none");
-  set_wan("mode", "AP");
+  wan_section().set("proto", "none");
+  wan_section().set("mode", "AP");
   turn_lan_into_client();
   set_op_mode("ap");
 }
@@ -204,22 +203,23 @@ void write_method(const wanInfo& info, const LastSettings& last) {
   }
   if (code == kWanStatic) flush_when_address_changes(info, last);
   const Method& method = kMethods[static_cast<std::size_t>(code)];
-  set_wan("mode", method.mode);
-  set_wan("proto", method.proto);
-  if (code == kWanDsLite) set_wan("aftr", info.aftrAddress);  // an empty one, too: the provider's own is then found
+  const uci::Section wan = wan_section();
+  wan.set("mode", method.mode);
+  wan.set("proto", method.proto);
+  if (code == kWanDsLite) wan.set("aftr", info.aftrAddress);  // an empty one, too: the provider's own is then found
   if (code == kWanIpip6) write_ipip6_service(info);
   for (const FieldOption& row : method.fields) {
-    if (row.option != nullptr && !(info.*(row.field)).empty()) set_wan(row.option, info.*(row.field));
+    if (row.option != nullptr && !(info.*(row.field)).empty()) wan.set(row.option, info.*(row.field));
   }
   if (code == kWanStatic) replace_name_servers(info);
   if (code == kWanPppoe) {
-    set_wan("keepalive", "5 60");
+    wan.set("keepalive", "5 60");
     set_op_mode("router");
   }
 }
 
 void report_missing_section(const char* package, const char* section) {
-  if (UciCheckSection(nullptr, package, section) != 0) log_error_as(kWriter, "create wan failed.");
+  if (!uci::Section(package, section).exists()) log_error_as(kWriter, "create wan failed.");
 }
 
 }  // namespace
@@ -239,16 +239,16 @@ unsigned int delLastModePara(const char* mode, std::size_t length) {
       std::find_if(kOldModes.begin(), kOldModes.end(), [&](const OldMode& row) { return row.name.starts_with(text); });
   if (old == kOldModes.end()) return 0;
   for (const char* option : old->options) {
-    if (option != nullptr) delete_wan(option);
+    if (option != nullptr) wan_section().remove(option);
   }
   if (old->name == "STATIC") delete_static_name_servers();
-  if (old->name == "MAP-E") UciDelSection(nullptr, "network", "wan_mape");
+  if (old->name == "MAP-E") uci::Section("network", "wan_mape").remove();
   return 0;
 }
 
 unsigned int set_wanInfoConfig(const wanInfo* info) {
   if (info == nullptr) return 1;
-  UciSetOption(nullptr, "network", "backwan", "change", "1");
+  uci::Section("network", "backwan").set("change", "1");
   const LastSettings last = read_last_settings();
   // A name against a digit: they differ whenever a mode is stored, so the old mode's options always go.
   const bool differs = std::strncmp(last.mode.c_str(), info->wanMethod.c_str(), last.mode.size()) != 0;
@@ -257,7 +257,7 @@ unsigned int set_wanInfoConfig(const wanInfo* info) {
   write_ranged(*info, kAutoSelect);
   write_ipv6_method(std::atoi(info->wanIPv6Method.c_str()));
   write_ranged(*info, kVneAutoChange);
-  log_debug("globalIp = %s", uci_read_or("network", "lan", "globalIp", 4, "").c_str());
+  log_debug("globalIp = %s", uci::Section("network", "lan").read_or("globalIp", 4, "").c_str());
   SetDhcpMode();
   write_method(*info, last);
   report_missing_section("ecm", "global");

@@ -11,7 +11,7 @@
 #include "platform/log.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "waninfoMethod/tunnel_status.h"
 #include "waninfoMethod/wan_addresses.h"
 #include "waninfoMethod/wan_link.h"
@@ -50,7 +50,7 @@ struct WanState {
 };
 
 std::string read_text(const char* package, const char* section, const char* option, std::size_t size) {
-  return uci_read_or(package, section, option, size, "");
+  return uci::Section(package, section).read_or(option, size, "");
 }
 
 std::string read_wan(const char* option, std::size_t size) { return read_text("network", "wan", option, size); }
@@ -66,11 +66,11 @@ bool is_mesh_agent() {
 
 // What the packages must hold for the document to mean anything; a satellite has no WAN of its own.
 bool has_needed_sections(bool is_agent) {
-  if (UciCheckSection(nullptr, "system", "@system[0]") != 0) {
+  if (!uci::Section("system", "@system[0]").exists()) {
     log_error_as(kHandler, "Invalid system.system section.");
     return false;
   }
-  if (UciCheckSection(nullptr, "network", "wan") != 0 && !is_agent) {
+  if (!uci::Section("network", "wan").exists() && !is_agent) {
     log_error_as(kHandler, "Invalid network.wan section.");
     return false;
   }

@@ -10,7 +10,7 @@
 #include "handlers.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "waninfoMethod/wan_config.h"
 #include "waninfoMethod/wan_reload.h"
 #include "waninfoMethod/wan_request.h"
@@ -26,7 +26,7 @@ constexpr std::string_view kWait300 = R"({"result": 0, "version": 1, "waitTime":
 constexpr std::string_view kWait420 = R"({"result": 0, "version": 1, "waitTime": 420})";
 
 int stored_number(const char* package, const char* section, const char* option) {
-  return std::atoi(uci_read_or(package, section, option, 8, "").c_str());
+  return std::atoi(uci::Section(package, section).read_or(option, 8, "").c_str());
 }
 
 void plan_reload(const wanInfo& info) {
@@ -38,14 +38,14 @@ void plan_reload(const wanInfo& info) {
 
 // A line that has to find its way anew (plain to tunnel and back, or another tunnel) takes longer to come up.
 bool needs_long_wait(const wanInfo& info, const std::string& new_key) {
-  const std::string stored_mode = uci_read_or("network", "wan", "mode", kWanModeSize, "");
+  const std::string stored_mode = uci::Section("network", "wan").read_or("mode", kWanModeSize, "");
   const int old_code = change_wan_mode_string_to_int(stored_mode);
   const int new_code = std::atoi(info.wanMethod.c_str());
   const char old_type = get_wan_mode_type(old_code);
   const char new_type = get_wan_mode_type(new_code);
   log_debug_as(kSetHandler, "cur_wan_mode is [%s],id is [%d],type is [%c]", stored_mode.c_str(), old_code, old_type);
   log_debug_as(kSetHandler, "set_wan_mode is [%s],id is [%d],type is [%c]", info.wanMethod.c_str(), new_code, new_type);
-  const std::string old_key = uci_read_or("network", "backwan", "waninfobak", 32, "");
+  const std::string old_key = uci::Section("network", "backwan").read_or("waninfobak", 32, "");
   return old_type != new_type || (new_type == 'B' && old_key != new_key);
 }
 
@@ -68,7 +68,7 @@ std::string_view apply_wan_info(const char* body) {
   log_debug_as(kSetHandler, "%s", describe(info).c_str());
   const std::string key = backup_key(info);
   const bool long_wait = needs_long_wait(info, key);
-  UciSetOption(nullptr, "network", "backwan", "waninfobak", key.c_str());
+  uci::Section("network", "backwan").set("waninfobak", key);
   if (set_wanInfoConfig(&info) != 0) return kResultFailed;
   return long_wait ? kWait300 : kWait90;
 }
@@ -88,15 +88,17 @@ constexpr std::array<OptionValue, 6> kFirstWan{{
 }};
 
 void write_first_wan() {
-  if (UciCheckSection(nullptr, "system", "@system[0]") != 0) UciCreateAnonymousSection(nullptr, "system", "system");
-  UciSetOption(nullptr, "system", "@system[0]", "op_mode", "router");
-  if (UciCheckSection(nullptr, "network", "wan") != 0) UciCreatSection(nullptr, "network", "interface", "wan");
-  for (const OptionValue& row : kFirstWan) UciSetOption(nullptr, "network", "wan", row.option, row.value);
+  const uci::Section system("system", "@system[0]");
+  if (!system.exists()) uci::append("system", "system");
+  system.set("op_mode", "router");
+  const uci::Section wan("network", "wan");
+  if (!wan.exists()) wan.create("interface");
+  for (const OptionValue& row : kFirstWan) wan.set(row.option, row.value);
 }
 
 // False when there is no mode to leave.
 bool reset_wan() {
-  const std::optional<std::string> mode = uci_read("network", "wan", "mode", kWanModeSize);
+  const std::optional<std::string> mode = uci::Section("network", "wan").read("mode", kWanModeSize);
   if (!mode) return false;
   log_debug_as(kInitHandler, "currentModeValue = %s, strlen(currentModeValue) = %d", mode->c_str(),
                static_cast<int>(mode->size()));
