@@ -27,17 +27,19 @@ const char* find_mld(const Row& row, std::string_view ifname) {
 
 namespace {
 
+constexpr const char* kLookUp = "get_mesh_mld_by_ifname";
+
 // Those who read the log know the uneven naming: an unknown role counts as an unknown device where the brand is not
 // orvane, and an unknown mode of a joined agent as an unknown role.
 void log_unknown(int brand, int role, int mode, int onboarded) {
   const bool has_role = role == kMeshRoleController || role == kMeshRoleAgent;
   const bool is_orvane = brand == kBrandOrvane;
   if (!has_role && !is_orvane) {
-    log_error("Unknown device_id: %u", static_cast<unsigned>(brand));
+    log_error_as(kLookUp, "Unknown device_id: %u", static_cast<unsigned>(brand));
   } else if (!has_role || (!is_orvane && role == kMeshRoleAgent && onboarded != 0)) {
-    log_error("Unknown mesh_role: %u", static_cast<unsigned>(role));
+    log_error_as(kLookUp, "Unknown mesh_role: %u", static_cast<unsigned>(role));
   } else {
-    log_error("Unknown mesh_mode: %u", static_cast<unsigned>(mode));
+    log_error_as(kLookUp, "Unknown mesh_mode: %u", static_cast<unsigned>(mode));
   }
 }
 

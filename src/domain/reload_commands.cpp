@@ -8,13 +8,14 @@
 namespace reload {
 namespace {
 
-void log_unsupported(int brand, int mode) {
+// `caller`: the function that the messages are known by.
+void log_unsupported(const char* caller, int brand, int mode) {
   if (brand == kBrandOrvane) {
-    log_error("Not supported meshMode(%d) for ORVANE device", mode);
+    log_error_as(caller, "Not supported meshMode(%d) for ORVANE device", mode);
   } else if (brand == kBrandTesmir) {
-    log_error("Not supported meshMode(%d) for TESMIR device", mode);
+    log_error_as(caller, "Not supported meshMode(%d) for TESMIR device", mode);
   } else {
-    log_error("Not supported device_id(%d)", brand);
+    log_error_as(caller, "Not supported device_id(%d)", brand);
   }
 }
 
@@ -25,7 +26,7 @@ std::string wifi_reload_command(int brand, int role, int mode) {
   const auto* row = std::ranges::find_if(
       kWifiReload, [=](const MeshRow& r) { return r.brand == brand && r.role == role && r.mode == mode; });
   if (row != kWifiReload.end()) return std::string("wifi reload && ") + row->command;
-  log_unsupported(brand, mode);
+  log_unsupported("wifi_reload", brand, mode);
   // A tesmir controller alone is reloaded in a mode that it does not know.
   return brand == kBrandTesmir && role == kMeshRoleController ? kPlain : "";
 }
@@ -34,7 +35,7 @@ std::string chain_command(int brand, int mode) {
   const auto* row = std::ranges::find_if(
       kChainBringUp, [=](const MeshRow& r) { return r.brand == brand && (r.mode == kAnyMode || r.mode == mode); });
   if (row != kChainBringUp.end()) return std::string(kChainHead) + row->command;
-  log_unsupported(brand, mode);
+  log_unsupported("handle_wireless_setting", brand, mode);
   return "";
 }
 

@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr const char* kHandler = "handle_agent_wifi_client_info";
+
 constexpr const char* kConfdir = "/etc/config";
 constexpr std::size_t kNumberSize = 16;
 constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_agent.sh &";
@@ -60,13 +62,13 @@ bool write_settings(const AgentSettings& settings, AgentState& before) {
     if (row.before != nullptr) {
       const auto text = uci_read(row.package, row.section, row.option, kNumberSize);
       if (!text) {
-        log_error("%s", row.unreadable);
+        log_error_as(kHandler, "%s", row.unreadable);
         return false;
       }
       before.*row.before = std::atoi(text->c_str());
     }
     if (set(row.package, row.section, row.option, row.value(settings))) continue;
-    log_error("%s", row.failure);
+    log_error_as(kHandler, "%s", row.failure);
     return false;
   }
   return true;
@@ -74,12 +76,12 @@ bool write_settings(const AgentSettings& settings, AgentState& before) {
 
 bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
   if (get_mesh_mode_value(before.mesh_mode) != 0) {
-    log_error("get mesh mode value error");
+    log_error_as(kHandler, "get mesh mode value error");
     return false;
   }
   const int mode = settings.multi_link_operation_enable;
   if (!is_mesh_mode(mode) || set("button_mesh", "easymesh", "mode", std::to_string(mode))) return true;
-  log_error("set mesh mode value error");
+  log_error_as(kHandler, "set mesh mode value error");
   return false;
 }
 
@@ -87,13 +89,13 @@ bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
 bool switch_6ghz(const AgentSettings& settings) {
   const bool is_off = settings.compati_wifi6_mode == 1;
   if (is_off && !set("button_mesh", "easymesh", "mode", "1")) {
-    log_error("set mesh mode value error");
+    log_error_as(kHandler, "set mesh mode value error");
     return false;
   }
   for (const char* package : kWirelessPackages) {
     for (const char* section : k6GhzNetworks) {
       if (set(package, section, "disabled", is_off ? "1" : "0")) continue;
-      log_error("set 6GHz disabled error");
+      log_error_as(kHandler, "set 6GHz disabled error");
       return false;
     }
   }
@@ -114,7 +116,7 @@ int join_mesh(FCGX_Request* request) {
 
 int change_mesh(FCGX_Request* request) {
   if (!set("button_mesh", "easymesh", "mode_change", "1")) {
-    log_error("set mode_change error");
+    log_error_as(kHandler, "set mode_change error");
     return answer(request, kResultFailed);
   }
   return close_mesh(request, kAgentOkWait150);

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr const char* kHandler = "handle_agent_wifi_client_info";
+
 // One key: either a number or the text.
 struct Key {
   const char* name;
@@ -54,7 +56,7 @@ std::optional<AgentSettings> parse_agent_settings(const json::Object& json) {
   AgentSettings settings;
   for (const Key& key : kKeys) {
     if (read_member(json, key, settings)) continue;
-    log_error("%s", key.missing);
+    log_error_as(kHandler, "%s", key.missing);
     return std::nullopt;
   }
   return settings;

@@ -19,23 +19,25 @@
 
 namespace {
 
+constexpr const char* kChannelInfo = "get_channel_info";
+
 constexpr std::size_t kTextSize = 8;
 constexpr std::size_t kOnboardingSize = 4;
 constexpr std::size_t kHtmodeSize = 16;
 
 // nullptr, told in the log, outside 0..2.
-const char* radio_of_band(int band_index) {
+const char* radio_of_band(int band_index, platform::LogPlace place = platform::LogPlace::here()) {
   if (band_index >= 0 && band_index < static_cast<int>(kRadios.size())) {
     return kRadios[static_cast<std::size_t>(band_index)].section;
   }
-  log_error("Invalid interface index: %d", band_index);
+  log_error_at(place, "Invalid interface index: %d", band_index);
   return nullptr;
 }
 
 std::string ask_iw_for_channel(const char* radio) {
   std::string channel;
   if (get_channel_by_iw_cmd(radio, channel) == 0) return channel;
-  log_error("Failed to get channel via iw cmd for interface %s", radio);
+  log_error_as(kChannelInfo, "Failed to get channel via iw cmd for interface %s", radio);
   return "0";
 }
 
@@ -48,13 +50,13 @@ struct UplinkState {
 // False when the mesh role cannot be read.
 bool read_uplink_state(UplinkState& state) {
   const std::optional<std::string> onboarding = uci_read("repacd", "MAPConfig", "OnboardingDone", kOnboardingSize);
-  if (!onboarding) log_error("get OnboardingDone failed");
+  if (!onboarding) log_error_as(kChannelInfo, "get OnboardingDone failed");
   state.onboarding = onboarding.value_or("");
   const std::optional<std::string> status = uci_read("repeater", "repeater_band", "status", kTextSize);
-  if (!status) log_error("get repeater result error(if not repeater mode, ignore this error)");
+  if (!status) log_error_as(kChannelInfo, "get repeater result error(if not repeater mode, ignore this error)");
   state.repeater_status = status.value_or("");
   if (get_mesh_role_value(state.role) == 0) return true;
-  log_error("Failed to get meshRole");
+  log_error_as(kChannelInfo, "Failed to get meshRole");
   return false;
 }
 
@@ -63,7 +65,7 @@ std::optional<std::string> read_channel_text(const char* radio, const UplinkStat
   if (state.role == kMeshRoleAgent) return state.onboarding == "1" ? ask_iw_for_channel(radio) : "0";
   if (state.role == kMeshRoleNone && state.repeater_status == "success") return ask_iw_for_channel(radio);
   std::optional<std::string> channel = uci_read("wireless", radio, "channel", kTextSize);
-  if (!channel) log_error("Failed to get channel for interface %s", radio);
+  if (!channel) log_error_as(kChannelInfo, "Failed to get channel for interface %s", radio);
   return channel;
 }
 

@@ -15,6 +15,10 @@
 
 namespace {
 
+constexpr const char* kRepeaterHandler = "handle_get_channel_setting_info";
+
+constexpr const char* kRouterHandler = "handle_get_wireless_channel";
+
 constexpr int kBands = 3;
 
 struct Operating {
@@ -26,12 +30,12 @@ json::ObjectText read_band(int band) {
   int set_channel = 0;
   int set_width = 0;
   Operating current;
-  if (get_channel_info(band, set_channel) != 0) log_debug("get channel info error!");
+  if (get_channel_info(band, set_channel) != 0) log_debug_as(kRouterHandler, "get channel info error!");
   if (get_flash_channel_width_info(band, current.channel, current.width_code) != 0) {
-    log_debug("get flashchannel info error!");
+    log_debug_as(kRouterHandler, "get flashchannel info error!");
   }
   if (set_channel == channels::kRadioOff) current.channel = channels::kRadioOff;
-  if (get_band_info(band, set_width) != 0) log_debug("get band info error!");
+  if (get_band_info(band, set_width) != 0) log_debug_as(kRouterHandler, "get band info error!");
 
   json::ObjectText object;
   object.add("band", band + 1);
@@ -52,7 +56,7 @@ std::optional<std::array<Operating, kBands>> read_operating() {
   for (int band = 0; band < kBands; ++band) {
     Operating& current = bands[static_cast<std::size_t>(band)];
     if (get_flash_channel_width_info(band, current.channel, current.width_code) != 0) {
-      log_error("Failed to get flash channel and width info for interface %d", band);
+      log_error_as(kRepeaterHandler, "Failed to get flash channel and width info for interface %d", band);
       return std::nullopt;
     }
   }
@@ -81,16 +85,16 @@ json::ObjectText build_repeater_channels(int connect_band, const std::optional<s
 std::optional<json::ObjectText> read_repeater_channels() {
   int connect_band = 0;
   if (get_repeater_connect_band(connect_band) != 0) {
-    log_error("Failed to get the connectBand option for repeater.repeater_band.mlo \n");
+    log_error_as(kRepeaterHandler, "Failed to get the connectBand option for repeater.repeater_band.mlo \n");
     return std::nullopt;
   }
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
-    log_error("Failed to get meshRole");
+    log_error_as(kRepeaterHandler, "Failed to get meshRole");
     return std::nullopt;
   }
   const auto onboarding = uci_read("repacd", "MAPConfig", "OnboardingDone", 4);
-  if (!onboarding) log_error("get OnboardingDone failed");
+  if (!onboarding) log_error_as(kRepeaterHandler, "get OnboardingDone failed");
   if (role == kMeshRoleAgent && onboarding == "0") return build_repeater_channels(connect_band, std::nullopt);
   const auto bands = read_operating();
   if (!bands) return std::nullopt;

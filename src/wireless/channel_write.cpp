@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr const char* kSetChannel = "set_channel_Value";
+
 void set_radio_channel(const Radio& radio, int channel, bool is_controller) {
   if (channel == channels::kRadioOff) {
     set_wireless_option(false, radio.section, "disabled", "1");
@@ -28,7 +30,8 @@ void set_radio_channel(const Radio& radio, int channel, bool is_controller) {
 int check_channels(const Channels& channels) {
   for (std::size_t band = 0; band < kRadios.size(); ++band) {
     if (check_channel_value(static_cast<int>(band), channels[band]) == 0) continue;
-    log_error("Invalid channel %d for %s (band: %d)", channels[band], kRadios[band].section, static_cast<int>(band));
+    log_error_as(kSetChannel, "Invalid channel %d for %s (band: %d)", channels[band], kRadios[band].section,
+                 static_cast<int>(band));
     return 1;
   }
   return 0;

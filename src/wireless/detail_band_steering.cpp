@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr const char* kWriter = "set_band_steering_Info";
+
 constexpr std::size_t kValueSize = 256;
 constexpr const char* kModel = kMainSsids[0];  // the 2.4 GHz main SSID, which the two others follow
 constexpr std::array<const char*, 2> kFollowers{kMainSsids[1], kMainSsids[2]};
@@ -37,7 +39,7 @@ void restore(const char* ifname) {
     if (const auto value = uci_read("bandsteering", ifname, option, kValueSize)) {
       set_follower(ifname, option, *value);
     } else {
-      log_error("%s doesn't have value: %s !", ifname, option);
+      log_error_as(kWriter, "%s doesn't have value: %s !", ifname, option);
     }
   }
 }
@@ -58,7 +60,7 @@ constexpr std::array<Place, 3> kPlaces{{
 bool make_place(const Place& place) {
   if (UciCheckSection(nullptr, place.package, place.section) == 0) return true;
   if (UciCreatSection(nullptr, place.package, place.type, place.section) == 0) return true;
-  log_error("Failed to create %s.%s", place.package, place.section);
+  log_error_as(kWriter, "Failed to create %s.%s", place.package, place.section);
   return false;
 }
 
@@ -68,7 +70,7 @@ bool save(const char* ifname) {
     if (const auto value = uci_read("wireless", ifname, option, kValueSize)) {
       if (UciSetOption(nullptr, "bandsteering", ifname, option, value->c_str()) != 0) return false;
     } else {
-      log_error("%s doesn't have value: %s !", ifname, option);
+      log_error_as(kWriter, "%s doesn't have value: %s !", ifname, option);
       UciDelOption(nullptr, "bandsteering", ifname, option);
     }
   }
@@ -79,7 +81,7 @@ void follow_model() {
   for (const char* option : wlan_detail::kFollowedOptions) {
     const auto value = uci_read("wireless", kModel, option, kValueSize);
     if (!value) {
-      log_error("ath0 doesn't have value: %s !", option);
+      log_error_as(kWriter, "ath0 doesn't have value: %s !", option);
       continue;
     }
     for (const char* ifname : kFollowers) set_follower(ifname, option, *value);

@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr const char* kReader = "get_wlan_detail_info";
+
 constexpr std::size_t kNumberSize = 16;
 constexpr std::size_t kHiddenSize = 4;
 constexpr const char* kBandNames[] = {"2.4G", "5G", "6G"};
@@ -51,14 +53,14 @@ int read_switch(const char* section, const char* option) { return read_number(se
 
 int read_ieee80211r() {
   const auto value = uci_read("button_mesh", "easymesh", "ieee80211r", kNumberSize);
-  if (!value) log_error("Failed to get ieee80211r value");
+  if (!value) log_error_as(kReader, "Failed to get ieee80211r value");
   return value && std::atoi(value->c_str()) == 1 ? 1 : 0;
 }
 
 int read_wps() {
   int status = 0;
   if (getWpsStatus(status) == 0) return status;
-  log_error("Failed to get WPS status, return default value");
+  log_error_as(kReader, "Failed to get WPS status, return default value");
   return 1;
 }
 
@@ -76,7 +78,7 @@ bool read_own_values(WlanDetailInfo& info) {
   for (const Source& source : kSources) {
     const auto number = read_number(source.section, source.option);
     if (!number) {
-      log_error("Failed to get %s value", source.name);
+      log_error_as(kReader, "Failed to get %s value", source.name);
       return false;
     }
     const int as_switch = *number == source.on ? 1 : 0;
@@ -86,7 +88,7 @@ bool read_own_values(WlanDetailInfo& info) {
   info.ieee802dot11r = read_ieee80211r();
   info.wps_enable = read_wps();
   if (get_bandSteering_Value(info.band_steering_enable) == 0) return true;
-  log_error("Failed to get band steering status");
+  log_error_as(kReader, "Failed to get band steering status");
   return false;
 }
 
@@ -99,7 +101,7 @@ bool read_powers(WlanDetailInfo& info) {
       switch_tx_power_to_percent(kBandNames[band], *tx_power_dbm, *powers[band]);
       continue;
     }
-    log_error("Failed to get %s txpower value", kBandNames[band]);
+    log_error_as(kReader, "Failed to get %s txpower value", kBandNames[band]);
     if (band != 2) return false;
     *powers[band] = 100;
   }
@@ -111,12 +113,12 @@ bool read_widths(WlanDetailInfo& info) {
   for (std::size_t band = 0; band < kRadios.size(); ++band) {
     const auto htmode = uci_read("wireless", kRadios[band].section, "htmode", kNumberSize);
     if (!htmode) {
-      log_error("Failed to get %s htmode value", kBandNames[band]);
+      log_error_as(kReader, "Failed to get %s htmode value", kBandNames[band]);
       return false;
     }
     const auto width = wlan_detail::width_of_htmode(*htmode);
     if (!width) {
-      log_error("Failed to match %s htmode bandwidth", kBandNames[band]);
+      log_error_as(kReader, "Failed to match %s htmode bandwidth", kBandNames[band]);
       return false;
     }
     *widths[band] = *width;

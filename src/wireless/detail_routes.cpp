@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr const char* kHandler = "handle_set_wireless_detail_setting";
+
 // A key of both documents, in their order.
 struct Key {
   const char* name;
@@ -70,7 +72,7 @@ std::optional<WlanDetailInfo> read_settings(const json::Object& json) {
   for (const Key& key : kKeys) {
     const auto value = json.number(key.name);
     if (!value || !is_permitted(key, *value)) {
-      if (key.refusal != nullptr) log_error("%s", key.refusal);
+      if (key.refusal != nullptr) log_error_as(kHandler, "%s", key.refusal);
       return std::nullopt;
     }
     info.*key.field = *value;
@@ -90,7 +92,7 @@ std::string_view apply_settings(WlanDetailInfo info) {
   if (set_wlan_detail_info(info) != 0) return kResultFailed;
   int mesh = 0;
   if (get_mesh_value(mesh) != 0) {
-    log_error("Failed to get meshRole");
+    log_error_as(kHandler, "Failed to get meshRole");
     return kResultFailed;
   }
   return mesh == 1 ? kDetailOkWait100 : kDetailOkWait50;

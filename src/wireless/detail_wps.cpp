@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr const char* kWriter = "set_wps_enable";
+
 constexpr std::size_t kFlagSize = 4;
 constexpr std::size_t kBands = 2;  // WPS is of 2.4 and 5 GHz alone
 constexpr const char* kBandNames[kBands] = {"2G", "5G"};
@@ -29,7 +31,7 @@ struct Band {
 bool read_disabled(const char* section, bool& out, const char* what) {
   const auto disabled = uci_read("wireless", section, "disabled", kFlagSize);
   if (!disabled) {
-    log_error("Failed to get %s disable status", what);
+    log_error_as(kWriter, "Failed to get %s disable status", what);
     return false;
   }
   out = std::atoi(disabled->c_str()) == 1;
@@ -46,7 +48,7 @@ std::optional<bool> has_enabled_band() {
     return std::nullopt;
   }
   if ((!radio_off[0] && !ssid_off[0]) || (!radio_off[1] && !ssid_off[1])) return true;
-  log_error("2G and 5G band is disabled, cannot set WPS status");
+  log_error_as(kWriter, "2G and 5G band is disabled, cannot set WPS status");
   return false;
 }
 
@@ -57,12 +59,12 @@ std::optional<Bands> read_bands() {
   Bands bands;
   for (std::size_t i = 0; i < kBands; ++i) {
     if (get_encryption_mode_value(kMainSsids[i], bands[i].security) == 0) continue;
-    log_error("Failed to get %s encryption value", kBandNames[i]);
+    log_error_as(kWriter, "Failed to get %s encryption value", kBandNames[i]);
     return std::nullopt;
   }
   for (std::size_t i = 0; i < kBands; ++i) {
     if (get_hidden_value(kMainSsids[i], bands[i].hidden) == 0) continue;
-    log_error("Failed to get %s hidden value", kBandNames[i]);
+    log_error_as(kWriter, "Failed to get %s hidden value", kBandNames[i]);
     return std::nullopt;
   }
   return bands;
@@ -70,18 +72,18 @@ std::optional<Bands> read_bands() {
 
 bool permit_wps(const Bands& bands) {
   if (!bands[0].has_wpa2() && !bands[1].has_wpa2()) {
-    log_error("2G and 5G encryption modes do not match");
+    log_error_as(kWriter, "2G and 5G encryption modes do not match");
     return false;
   }
   if (bands[0].hidden != 1 || bands[1].hidden != 1) return true;
-  log_error("2G and 5G hidden_value  not match");
+  log_error_as(kWriter, "2G and 5G hidden_value  not match");
   return false;
 }
 
 bool set_wps_option(bool is_mirrored, const char* ifname, const char* option, const char* value) {
   for (const char* package : wireless_packages(is_mirrored)) {
     if (UciSetOption("/etc/config", package, ifname, option, value) == 0) continue;
-    log_error("Failed to set %s.%s.%s", package, ifname, option);
+    log_error_as(kWriter, "Failed to set %s.%s.%s", package, ifname, option);
     return false;
   }
   return true;

@@ -19,6 +19,7 @@ namespace {
 
 using wlan_detail::Switch;
 
+constexpr const char* kWriter = "set_wlan_detail_info";
 constexpr std::size_t kOpModeSize = 16;
 constexpr int kShortestBeaconInterval = 100;
 
@@ -34,7 +35,7 @@ bool set_mirrored(bool is_mirrored, const char* section, const char* option, con
 bool set_beacons(std::span<const char* const> sections, bool is_mirrored, const std::string& interval) {
   for (const char* section : sections) {
     if (set_mirrored(is_mirrored, section, "bintval", interval)) continue;
-    log_error("Failed to set wireless.%s.bintval", section);
+    log_error_as("set_wlan_beacon_interval", "Failed to set wireless.%s.bintval", section);
     return false;
   }
   return true;
@@ -66,11 +67,15 @@ const Switch* write_switches(std::span<const Switch> table, int is_on) {
   return failed == table.end() ? nullptr : &*failed;
 }
 
-bool set_switches(std::span<const Switch> table, int is_on) {
+bool set_switches(std::span<const Switch> table, int is_on, platform::LogPlace place = platform::LogPlace::here()) {
   const Switch* failed = write_switches(table, is_on);
-  if (failed != nullptr) log_error("Failed to set wireless.%s.%s", failed->section, failed->option);
+  if (failed != nullptr) log_error_at(place, "Failed to set wireless.%s.%s", failed->section, failed->option);
   return failed == nullptr;
 }
+
+bool set_wlan_multicast_conversion(int is_on) { return set_switches(wlan_detail::kMulticast, is_on); }
+
+bool set_wlan_beam_forming(std::span<const Switch> table, int is_on) { return set_switches(table, is_on); }
 
 bool set_wlan_mu_mimo(int is_on) {
   if (const Switch* failed = write_switches(wlan_detail::kEhtMuMimo, is_on)) {
@@ -81,9 +86,11 @@ bool set_wlan_mu_mimo(int is_on) {
   return set_switches(wlan_detail::kHeMuMimo, is_on);
 }
 
+bool set_wlan_ofdma(int is_on) { return set_switches(wlan_detail::kOfdma, is_on); }
+
 void follow_band_steering(int requested) {
   int current = 0;
-  if (get_bandSteering_Value(current) != 0) log_error("Failed to get band steering status");
+  if (get_bandSteering_Value(current) != 0) log_error_as(kWriter, "Failed to get band steering status");
   if (requested != current) set_band_steering_Info(requested);  // its refusal of other values is no failure here
 }
 
@@ -99,7 +106,7 @@ bool set_radio_options(std::span<const RadioOption> options, bool is_mirrored) {
   for (const char* package : wireless_packages(is_mirrored)) {
     for (const RadioOption& row : options) {
       if (set_option(package, row.section, row.option, row.value)) continue;
-      log_error("Failed to set %s.%s", package, row.name);
+      log_error_as(kWriter, "Failed to set %s.%s", package, row.name);
       return false;
     }
   }
@@ -145,18 +152,16 @@ constexpr std::array<Step, 9> kSteps{{
      }, "beacon interval"},
     {[](const Info& info, const Unit& unit) { return set_wlan_dtim_period(info.dtim_period, unit.role); }, "DTIM period"},
     {[](const Info& info, const Unit&) {
-       return set_switches(wlan_detail::kMulticast, info.multicast_conversion_enable);
+       return set_wlan_multicast_conversion(info.multicast_conversion_enable);
      }, "multicast conversion"},
     {[](const Info& info, const Unit&) {
-       return set_switches(wlan_detail::kBeamforming5g, info.beamforming_5g_enable);
+       return set_wlan_beam_forming(wlan_detail::kBeamforming5g, info.beamforming_5g_enable);
      }, "beamforming5GEnable"},
     {[](const Info& info, const Unit&) {
-       return set_switches(wlan_detail::kBeamforming6g, info.beamforming_6g_enable);
+       return set_wlan_beam_forming(wlan_detail::kBeamforming6g, info.beamforming_6g_enable);
      }, "beamforming6GEnable"},
     {[](const Info& info, const Unit&) { return set_wlan_mu_mimo(info.mu_mimo_enable); }, "set_eht_ulmumimo"},
-    {[](const Info& info, const Unit&) {
-       return set_switches(wlan_detail::kOfdma, info.ofdma_enable);
-     }, "set_eht_ulofdma"},
+    {[](const Info& info, const Unit&) { return set_wlan_ofdma(info.ofdma_enable); }, "set_eht_ulofdma"},
     {[](const Info& info, const Unit& unit) { return set_wps_enable(info.wps_enable, unit.role) == 0; }, "wpsEnable"},
 }};
 // clang-format on

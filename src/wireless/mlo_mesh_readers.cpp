@@ -10,6 +10,8 @@
 
 namespace {
 
+constexpr const char* kMeshInfo = "get_mesh_info";
+
 constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kFlagSize = 8;
 constexpr std::size_t kBssidSize = 32;
@@ -35,12 +37,12 @@ int read_backhaul(WirelessIfaceInfo& info, int role) {
   const BackhaulPlace& place = role == kMeshRoleAgent ? kAgentBackhaul : kBackhaul;
   const auto ssid = uci_read(place.package, place.section, place.ssid, kSsidSize);
   if (!ssid) {
-    log_error("Failed to get BackhaulSSID");
+    log_error_as(kMeshInfo, "Failed to get BackhaulSSID");
     return 1;
   }
   const auto key = uci_read(place.package, place.section, place.key, kPasswordSize);
   if (!key) {
-    log_error("Failed to get BackhaulKey");
+    log_error_as(kMeshInfo, "Failed to get BackhaulKey");
     return 1;
   }
   info.ssid = *ssid;
@@ -53,14 +55,14 @@ int read_backhaul_state(WirelessIfaceInfo& info, int mesh_enabled) {
   if (mesh_enabled != 1) return 0;
   const auto status = uci_read("repacd", "repacd", "Enable", kNumberSize);
   if (!status) {
-    log_error("Failed to get ssidStatusValue");
+    log_error_as(kMeshInfo, "Failed to get ssidStatusValue");
     return 1;
   }
   info.ssid_status = std::atoi(status->c_str());
   if (const auto bssid = uci_read("repacd", "MAPConfig", "mld_mac_addr", kBssidSize)) {
     info.bssid = *bssid;
   } else {
-    log_error("Failed to get bssid, return default value");
+    log_error_as(kMeshInfo, "Failed to get bssid, return default value");
   }
   return 0;
 }

@@ -15,6 +15,8 @@
 
 namespace {
 
+constexpr const char* kWriter = "set_mlo_info";
+
 // Which of kMloLinks are on, by MLO mode. Modes 0 and 2 cannot be written.
 struct MloMode {
   int mode;
@@ -63,7 +65,7 @@ WirelessIfaceInfo fronthaul_info(const WirelessIfaceInfo& info, std::string_view
 int set_fronthaul(const WirelessIfaceInfo& info) {
   for (const char* link : kMloLinks) {
     if (set_repacd_info(fronthaul_info(info, link), link) == 0) continue;
-    log_error("set_repacd_info failed");
+    log_error_as(kWriter, "set_repacd_info failed");
     return 1;
   }
   return 0;
@@ -92,14 +94,14 @@ std::optional<std::string> escape_key(const WirelessIfaceInfo& info, const Unit&
       !is_key_cut(escaped, info.wifi_security, unit)) {
     return escaped;
   }
-  log_error("Failed to escape password (buffer too small or invalid input)");
+  log_error_as(kWriter, "Failed to escape password (buffer too small or invalid input)");
   return std::nullopt;
 }
 
 int set_security(int wifi_security, const std::string& escaped, int role) {
   for (const char* link : kMloLinks) {
     if (set_mlo_encryption(link, link_security(wifi_security, link), escaped.c_str(), role) == 0) continue;
-    log_error("set_mlo_encryption failed");
+    log_error_as(kWriter, "set_mlo_encryption failed");
     return 1;
   }
   return 0;
@@ -121,13 +123,13 @@ MloAction plan_mlo(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled
   if (mode == kModes.end()) return MloAction::kClear;
   plan.mode = mode;
   if (get_mesh_role_value(plan.unit.role) != 0) {
-    log_error("get_mesh_role_value failed");
+    log_error_as(kWriter, "get_mesh_role_value failed");
     return MloAction::kRefuse;
   }
   plan.unit.is_tesmir_mesh = plan.unit.brand == kBrandTesmir && mesh_enabled == 1;
   for (const char* link : kMloLinks) {
     if (!plan.unit.is_tesmir_mesh || check_repacd_info(fronthaul_info(info, link), link) == 0) continue;
-    log_error("set_repacd_info failed");
+    log_error_as(kWriter, "set_repacd_info failed");
     return MloAction::kRefuse;
   }
   const std::optional<std::string> escaped = escape_key(info, plan.unit);

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr const char* kWriter = "set_repacd_info";
+
 void set_map_option(const char* option, const char* value) {
   UciSetOption(nullptr, "repacd", "MAPConfig", option, value);
 }
@@ -19,7 +21,7 @@ int check_repacd_info(const WirelessIfaceInfo& info, const char* ifname) {
   if (find_repacd_override(ifname) == nullptr || info.wifi_security == kSecurityOpen) return 0;
   const auto* auth = std::ranges::find(fronthaul::kAuths, info.wifi_security, &fronthaul::Auth::code);
   if (auth != fronthaul::kAuths.end()) return 0;
-  log_error("set_repacd_info: unknown wifiSecurity %d", info.wifi_security);
+  log_error_as(kWriter, "set_repacd_info: unknown wifiSecurity %d", info.wifi_security);
   return 1;
 }
 

@@ -19,6 +19,10 @@
 
 namespace {
 
+constexpr const char* kHandler = "handle_get_wireless_setting";
+
+constexpr const char* kChannels = "get_channel_value";
+
 constexpr std::size_t kTextSize = 8;
 constexpr int kNotApplicable = 9;  // copySsid and guestSsid of slots that have none
 
@@ -42,7 +46,7 @@ std::optional<std::array<std::string, 3>> ask_mlds() {
   for (std::size_t band = 0; band < outputs.size(); ++band) {
     platform::ProcessResult result = platform::run_shell(kBandChannels[band].uplink_command);
     if (!result.started) {
-      log_error("popen error");
+      log_error_as(kChannels, "popen error");
       return std::nullopt;
     }
     outputs[band] = std::move(result.output);
@@ -55,13 +59,13 @@ bool read_slot(SsidSlot& slot, WirelessIfaceInfo& info, int mlo, int mesh) {
   const std::string_view name = slot.ssid_name;
   if (name.starts_with(kMloSlotName)) {
     if (get_mlo_info(slot, info, mlo) == 0) return true;
-    log_error("Failed to handle MLO SSID, continue next");
+    log_error_as(kHandler, "Failed to handle MLO SSID, continue next");
   } else if (name.starts_with(kMeshSlotName)) {
     if (get_mesh_info(slot, info, mesh) == 0) return true;
-    log_error("Failed to get mesh info, continue next");
+    log_error_as(kHandler, "Failed to get mesh info, continue next");
   } else {
     if (get_wireless_info(slot, info) == 0) return true;
-    log_error("Failed to get wireless info for %s, continue next", slot.ifname);
+    log_error_as(kHandler, "Failed to get wireless info for %s, continue next", slot.ifname);
   }
   return false;
 }
@@ -98,30 +102,30 @@ std::optional<json::ObjectText> read_wireless_setting() {
   json::ObjectText root = json::result_text(0);
   root.add("version", 1);
   int mlo = 0;
-  if (get_mlo_value(mlo) != 0) log_error("Failed to get MLO");
+  if (get_mlo_value(mlo) != 0) log_error_as(kHandler, "Failed to get MLO");
   root.add("mlo", mlo);
   int mesh = 0;
   if (get_mesh_value(mesh) != 0) {
-    log_error("Failed to get mesh");
+    log_error_as(kHandler, "Failed to get mesh");
     return std::nullopt;
   }
   root.add("mesh", mesh);
   int band_steering = 0;
   if (get_bandSteering_Value(band_steering) != 0) {
-    log_error("Failed to get bandSteering");
+    log_error_as(kHandler, "Failed to get bandSteering");
     return std::nullopt;
   }
   root.add("bandSteering", band_steering);
   const auto op_mode = uci_read("system", "@system[0]", "op_mode", kTextSize);
   if (!op_mode) {
-    log_error("Failed to get opmode");
+    log_error_as(kHandler, "Failed to get opmode");
     return std::nullopt;
   }
   const auto ieee80211r = uci_read("button_mesh", "easymesh", "ieee80211r", kTextSize);
-  if (!ieee80211r) log_error("Failed to get 80211r");
+  if (!ieee80211r) log_error_as(kHandler, "Failed to get 80211r");
   root.add("ieee802dot11r", std::atoi(ieee80211r.value_or("0").c_str()));
   if (get_channel_value(root, *op_mode, mesh) != 0) {
-    log_error("Failed to get channel");
+    log_error_as(kHandler, "Failed to get channel");
     return std::nullopt;
   }
   root.add("wirelessConfig", read_slots(*op_mode, mlo, mesh));

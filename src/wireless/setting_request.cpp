@@ -12,6 +12,8 @@
 
 namespace {
 
+constexpr const char* kHandler = "handle_wireless_setting";
+
 constexpr std::size_t kOpModeSize = 16;
 
 int rekey_interval(int seconds) {
@@ -35,7 +37,7 @@ bool read_slots(const json::List& elements, std::vector<SlotRequest>& slots) {
   for (const json::Object element : elements) {
     read_info(element, info);
     if (!platform::is_storable(info.ssid) || !platform::is_storable(info.password)) {
-      log_error("ssidValue or ssidPassword holds control characters");
+      log_error_as(kHandler, "ssidValue or ssidPassword holds control characters");
       return false;
     }
     slots.push_back({element.text("ssidName"), element.text("band").value_or(""), info});
@@ -55,18 +57,18 @@ bool read_channels(const json::Object& json, Channels& channels) {
   for (std::size_t band = 0; band < channels.size(); ++band) {
     const std::optional<int> channel = json.number(kChannelKeys[band].key);
     if (!channel) {
-      log_error("Failed to parse %s", kChannelKeys[band].name);
+      log_error_as(kHandler, "Failed to parse %s", kChannelKeys[band].name);
       return false;
     }
     channels[band] = *channel;
   }
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
-    log_error("get_mesh_role_value failed");
+    log_error_as("set_channel_Value", "get_mesh_role_value failed");
   } else if (check_channels(channels) == 0) {
     return true;
   }
-  log_error("Failed to set channel2G, channel5G, channel6G");
+  log_error_as(kHandler, "Failed to set channel2G, channel5G, channel6G");
   return false;
 }
 
@@ -74,12 +76,12 @@ bool read_channels(const json::Object& json, Channels& channels) {
 bool read_switches(const json::Object& json, SettingRequest& request) {
   const std::optional<int> mesh = request.is_repeater ? 0 : json.number("mesh");
   if (!mesh) {
-    log_error("Failed to parse mesh");
+    log_error_as(kHandler, "Failed to parse mesh");
     return false;
   }
   const std::optional<int> mlo = json.number("mlo");
   if (!mlo) {
-    log_error("Failed to parse mlo");
+    log_error_as(kHandler, "Failed to parse mlo");
     return false;
   }
   request.mesh = *mesh;
@@ -91,16 +93,16 @@ bool read_switches(const json::Object& json, SettingRequest& request) {
 bool read_members(const json::Object& json, SettingRequest& request) {
   const auto op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
   if (!op_mode) {
-    log_error("Failed to get opmode");
+    log_error_as(kHandler, "Failed to get opmode");
     return false;
   }
   request.is_repeater = *op_mode == "re";
   if (!json.has("bandSteering")) {
-    log_error("Failed to parse bandSteering");
+    log_error_as(kHandler, "Failed to parse bandSteering");
     return false;
   }
   const std::optional<int> ieee802dot11r = json.number("ieee802dot11r");
-  if (!ieee802dot11r) log_error("Failed to parse ieee802dot11r");
+  if (!ieee802dot11r) log_error_as(kHandler, "Failed to parse ieee802dot11r");
   request.ieee802dot11r = ieee802dot11r.value_or(0);
   return read_channels(json, request.channels) && read_switches(json, request);
 }
@@ -117,11 +119,11 @@ bool is_backhaul_sent_back(const WirelessIfaceInfo& info, int brand) {
 int check_mlo_slot(const SettingRequest& request, const SlotRequest& slot) {
   int mesh = 0;
   if (!request.is_repeater && get_mesh_value(mesh) != 0) {
-    log_error("Failed to get meshRole");
+    log_error_as(kHandler, "Failed to get meshRole");
     return 1;
   }
   if (check_mlo_info(request.mlo, slot.info, mesh) == 0) return 0;
-  log_error("Failed to set Wifimlo");
+  log_error_as(kHandler, "Failed to set Wifimlo");
   return 1;
 }
 
@@ -130,7 +132,7 @@ int check_access_point(const SettingRequest& request, const SlotRequest& slot, B
       0) {
     return 0;
   }
-  if (!request.is_repeater) log_error("Failed to set wireless info");
+  if (!request.is_repeater) log_error_as(kHandler, "Failed to set wireless info");
   return 1;
 }
 
@@ -147,12 +149,12 @@ std::optional<SettingRequest> read_setting_request(const char* body) {
   if (body == nullptr) return std::nullopt;
   const json::Document document(body);
   if (!document.is_json()) {
-    log_error("Can't parse request_body to json format.");
+    log_error_as(kHandler, "Can't parse request_body to json format.");
     return std::nullopt;
   }
   const json::List elements = document->list("wirelessConfig");
   if (!elements || !elements.holds_objects_alone()) {
-    log_error("Failed to parse wirelessConfig");
+    log_error_as(kHandler, "Failed to parse wirelessConfig");
     return std::nullopt;
   }
   SettingRequest request;

@@ -16,6 +16,8 @@
 
 namespace {
 
+constexpr const char* kHandler = "handle_wireless_setting";
+
 constexpr std::size_t kNumberSize = 8;
 
 enum class Verdict {
@@ -38,11 +40,11 @@ const char* text_or_null(const std::optional<std::string>& text) { return text ?
 Verdict set_mlo(const SettingRequest& request, const WirelessIfaceInfo& info) {
   int mesh = 0;  // a repeater's MLO network counts as outside a mesh
   if (!request.is_repeater && get_mesh_value(mesh) != 0) {
-    log_error("Failed to get meshRole");
+    log_error_as(kHandler, "Failed to get meshRole");
     return Verdict::kFailed;
   }
   if (set_mlo_info(request.mlo, info, mesh) == 0) return Verdict::kApplied;
-  log_error("Failed to set Wifimlo");
+  log_error_as(kHandler, "Failed to set Wifimlo");
   return Verdict::kFailed;
 }
 
@@ -62,7 +64,7 @@ Verdict set_mesh(const SettingRequest& request, const SlotRequest& slot, Change&
 
 Verdict set_access_point(const SettingRequest& request, const SlotRequest& slot) {
   if (set_wireless_info(request.is_repeater ? 1 : 0, text_or_null(slot.name), slot.info) == 0) return Verdict::kApplied;
-  if (!request.is_repeater) log_error("Failed to set wireless info");
+  if (!request.is_repeater) log_error_as(kHandler, "Failed to set wireless info");
   return Verdict::kFailed;
 }
 
@@ -86,7 +88,7 @@ Verdict apply_setting(const SettingRequest& request, Change& change) {
   }
   UciSetOption(nullptr, "button_mesh", "easymesh", "ieee80211r", request.ieee802dot11r == 1 ? "1" : "0");
   if (set_channel_Value(request.channels[0], request.channels[1], request.channels[2]) != 0) {
-    log_error("Failed to set channel2G, channel5G, channel6G");
+    log_error_as(kHandler, "Failed to set channel2G, channel5G, channel6G");
     return Verdict::kUnusable;
   }
   for (const SlotRequest& slot : request.slots) {
@@ -101,7 +103,7 @@ Verdict apply_setting(const SettingRequest& request, Change& change) {
 // The mesh stays on: its daemons are told, and its MLDs brought up by the mode that UCI has now.
 std::string_view run_reload_chain(int brand) {
   int mode = -1;
-  if (get_mesh_mode_value(mode) != 0) log_error("Failed to get mesh_mode");
+  if (get_mesh_mode_value(mode) != 0) log_error_as(kHandler, "Failed to get mesh_mode");
   const std::string chain = reload::chain_command(brand, mode);
   if (chain.empty()) return kResultFailed;
   os_system(chain);
@@ -114,7 +116,8 @@ std::string_view start_reload(const SettingRequest& request, const Change& chang
   if (change.mesh_before == 1 && request.mesh == 1) return run_reload_chain(change.brand);
   if (!change.answer.empty()) return change.answer;
   if (request.is_repeater) {
-    log_debug(
+    log_debug_as(
+        kHandler,
         "opmode is repaeter,no need to wifi reload ,just return success. because detail_setting will handle it.\n");
     return kWirelessOkWait20;
   }

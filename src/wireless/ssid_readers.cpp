@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr const char* kInfo = "get_wireless_info";
+
 constexpr std::size_t kFlagSize = 8;
 constexpr std::size_t kBssidSize = 32;
 constexpr std::size_t kMacSize = 18;
@@ -32,7 +34,7 @@ const char* default_disabled(std::string_view ifname, int brand, int role) {
 
 int mesh_role_or_none() {
   int role = kMeshRoleNone;
-  if (get_mesh_role_value(role) != 0) log_error("Failed to get mesh role");
+  if (get_mesh_role_value(role) != 0) log_error_as(kInfo, "Failed to get mesh role");
   return role;
 }
 

@@ -14,6 +14,10 @@
 
 namespace {
 
+constexpr const char* kInfo = "set_wireless_info";
+
+constexpr const char* kEncryption = "set_wireless_encryption";
+
 constexpr int kLeaveWpsAlone = -1;
 
 BandSteeringTemplate process_template;
@@ -61,24 +65,24 @@ int set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
     UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulKey", info.password.c_str());
   }
   if (set_repacd_info(info, slot.ifname) == 0) return 0;
-  log_error("set_repacd_info failed");
+  log_error_as(kInfo, "set_repacd_info failed");
   return 1;
 }
 
 bool is_password_usable(const WirelessIfaceInfo& info) {
   if (info.wifi_security == kSecurityOpen || check_wifi_password(info.password.c_str()) == 0) return true;
-  log_error("Password check failed");
+  log_error_as(kEncryption, "Password check failed");
   return false;
 }
 
 // What a slot can be refused for, before the first of its options is written.
 int check_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
   if (!is_password_usable(info)) {
-    log_error("set_wireless_encryption failed");
+    log_error_as(kInfo, "set_wireless_encryption failed");
     return 1;
   }
   if (!is_controller || check_repacd_info(info, slot.ifname) == 0) return 0;
-  log_error("set_repacd_info failed");
+  log_error_as(kInfo, "set_repacd_info failed");
   return 1;
 }
 
@@ -90,7 +94,7 @@ int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_contro
   int wps_state = kLeaveWpsAlone;
   const int role = is_controller ? kMeshRoleController : kMeshRoleNone;
   if (set_wireless_encryption(info, slot.ifname, role, wps_state) != 0) {
-    log_error("set_wireless_encryption failed");
+    log_error_as(kInfo, "set_wireless_encryption failed");
     return 1;
   }
   if (is_controller && set_fronthaul(slot, info) != 0) return 1;
@@ -111,11 +115,11 @@ bool find_target(int repeater_flag, const char* ssid_name, Target& target) {
   if (ssid_name == nullptr) return false;
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
-    log_error("get_mesh_role_value failed");
+    log_error_as(kInfo, "get_mesh_role_value failed");
     return false;
   }
   target = {find_wireless_config(repeater_flag, ssid_name), role == kMeshRoleController};
-  if (target.slot == nullptr) log_error("Find_wireless_config: ssidName %s not found", ssid_name);
+  if (target.slot == nullptr) log_error_as(kInfo, "Find_wireless_config: ssidName %s not found", ssid_name);
   return target.slot != nullptr;
 }
 
