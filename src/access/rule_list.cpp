@@ -47,8 +47,8 @@ std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t
 
 bool delete_positions(const char* package, const char* type, std::vector<int> ids) {
   std::ranges::sort(ids, std::greater<>());
-  const auto repeated = std::ranges::unique(ids);
-  ids.erase(repeated.begin(), repeated.end());
+  const auto repeated = std::unique(ids.begin(), ids.end());
+  ids.erase(repeated, ids.end());
   const platform::LogPlace place = platform::LogPlace::here();
   return std::ranges::all_of(ids, [&](int id) { return delete_section({package, uci::position(type, id)}, place); });
 }
