@@ -3,12 +3,14 @@
 #include <cstdio>
 #include <filesystem>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "captured_log.h"
 #include "platform/file.h"
+#include "platform/startup.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 
@@ -173,6 +175,19 @@ TEST_F(Messages, OfTheDeviceReadersGoToStandardError) {
   const std::string read = captured([](char* out) { return getDeviceId(out, 8); }, out_.data(), 0);
   EXPECT_NE(read.find("get deviceId,devIdBuf = 0221\n."), std::string::npos) << read;
   std::remove("/tmp/deviceid");
+}
+
+TEST(TellOfUnwritablePackages, SpeaksOnlyWhereNothingCouldBeStored) {
+  CapturedLog log;
+  std::filesystem::create_directories("/etc/config");
+  platform::tell_of_unwritable_packages();
+  EXPECT_EQ(log.texts(), std::vector<std::string>{});
+  std::filesystem::rename("/etc/config", "/etc/config.away");
+  platform::tell_of_unwritable_packages();
+  std::filesystem::rename("/etc/config.away", "/etc/config");
+  EXPECT_EQ(log.entries(),
+            (Entries{{3, "user " + std::to_string(geteuid()) +
+                             " cannot write /etc/config (No such file or directory): no setting will be stored\n"}}));
 }
 
 }  // namespace
