@@ -13,6 +13,7 @@ own_ipv4() {
 
 own_name_servers() {
   set -f
+  # shellcheck disable=SC2046  # one argument for each server
   if [ "$wan_mode" = STATIC ]; then name_servers $(wan_option dns); else name_servers 203.0.113.53 203.0.113.54; fi
 }
 
