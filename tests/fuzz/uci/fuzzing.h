@@ -8,6 +8,8 @@
 
 #include <uci.h>
 
+#include "require.h"
+
 namespace fuzzing {
 
 struct FreeContext {
@@ -19,12 +21,6 @@ struct CloseStream {
   void operator()(std::FILE* stream) const noexcept { std::fclose(stream); }
 };
 using StreamPtr = std::unique_ptr<std::FILE, CloseStream>;
-
-inline void require(bool condition, const char* what) {
-  if (condition) return;
-  std::fprintf(stderr, "%s\n", what);
-  std::abort();
-}
 
 // A stream on the text, which must outlive it.
 inline StreamPtr stream_on(std::string& text) {
