@@ -13,7 +13,7 @@ void read_argument(uci_parse_context& state, std::FILE* stream, bool fresh) {
   state.word.clear();
   try {
     if (fresh) {
-      state.arguments.use(stream);
+      state.lines.use(stream);
       if (!state.arguments.next_line()) return;
     }
     state.arguments.read_word(state.word);

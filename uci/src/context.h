@@ -15,8 +15,10 @@ struct uci_parse_context {
   int line = 0;
   std::size_t byte = 0;
 
-  uci::WordReader arguments;  // of uci_parse_argument
-  std::string word;           // its last result
+  // Of uci_parse_argument.
+  uci::StreamLines lines;
+  uci::WordReader arguments{lines};
+  std::string word;  // its last result
 };
 
 namespace uci {

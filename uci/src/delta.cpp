@@ -137,8 +137,8 @@ std::string format_record(std::string_view package, const Record& record) {
 
 Record record_of(const uci_delta& delta) { return {delta.cmd, delta.section, delta.e.name, delta.value}; }
 
-void read_records(std::string_view text, std::string_view package, const std::function<void(const Record&)>& use) {
-  WordReader words(text);
+void read_records(LineSource& lines, std::string_view package, const std::function<void(const Record&)>& use) {
+  WordReader words(lines);
   std::string word;
   std::string extra;
   while (true) {
@@ -154,10 +154,10 @@ void read_records(std::string_view text, std::string_view package, const std::fu
   }
 }
 
-int apply_records(std::string_view text, uci_package& package) {
+int apply_records(LineSource& lines, uci_package& package) {
   const bool note = (package.ctx->flags & UCI_FLAG_SAVED_DELTA) != 0;
   int applied = 0;
-  read_records(text, package.e.name, [&](const Record& record) {
+  read_records(lines, package.e.name, [&](const Record& record) {
     if (note) append(package.saved_delta, make_delta(record.command, record.section, record.option, record.value));
     if (apply(package, record)) ++applied;
   });

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "elements.h"
+#include "lines.h"
 
 namespace uci {
 
@@ -20,11 +21,11 @@ struct Record {
 std::string format_record(std::string_view package, const Record& record);
 Record record_of(const uci_delta& delta);
 
-// Reads the records of `package` from a text. Lines that are no record of it are passed over.
-void read_records(std::string_view text, std::string_view package, const std::function<void(const Record&)>& use);
+// Reads the records of `package`. Lines that are no record of it are passed over.
+void read_records(LineSource& lines, std::string_view package, const std::function<void(const Record&)>& use);
 
 // Reads the records, notes them in saved_delta where the context asks for it, and applies them; one that no longer
 // applies is passed over. Returns the number of those that did.
-int apply_records(std::string_view text, uci_package& package);
+int apply_records(LineSource& lines, uci_package& package);
 
 }  // namespace uci

@@ -20,7 +20,8 @@ std::string delta_path(std::string_view directory, const uci_package& package) {
 
 int apply_delta_file(const LockedFile& file, uci_package& package) {
   if (!file.is_regular()) return 0;
-  return apply_records(file.read(), package);
+  FileLines lines(file);
+  return apply_records(lines, package);
 }
 
 struct DeltaFile {
@@ -104,10 +105,13 @@ void filter_delta_file(uci_context& context, const uci_package& package, const u
   if (file.is_missing()) return;
   if (!file.is_regular()) throw Failure{UCI_ERR_IO};
   std::string kept;
-  read_records(file.read(), package.e.name, [&](const Record& record) {
+  FileLines lines(file);
+  read_records(lines, package.e.name, [&](const Record& record) {
     if (!is_reverted(record, ptr)) kept += format_record(package.e.name, record);
   });
-  if (!file.is_empty()) replace_file(path, kept, file);
+  if (file.size() > 0)
+    replace_file(
+        path, [&](const PutText& put) { put(kept); }, file);
 }
 
 }  // namespace uci

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "context.h"
+#include "package_file.h"
 #include "package_parser.h"
 #include "tuple.h"
 
@@ -260,8 +261,9 @@ int uci_rename(uci_context* ctx, uci_ptr* ptr) {
 }
 
 int uci_add_section(uci_context* ctx, uci_package* p, const char* type, uci_section** res) {
-  return guarded(ctx, [&](uci_context&) {
+  return guarded(ctx, [&](uci_context& context) {
     uci::require(p != nullptr && type != nullptr && res != nullptr, UCI_ERR_INVAL);
+    uci::complete_package(context, *p);
     uci::require(p->has_delta || uci::is_type(type), UCI_ERR_INVAL);
     const std::string name = uci::generated_name(p->n_section + 1, type);
     uci::Note note(*p, UCI_CMD_ADD, name, nullptr, type);

@@ -23,6 +23,14 @@ void destroy_element(Object* object, uci_element& element) {
   std::free(object);
 }
 
+struct NotedPackage {
+  uci_package package;
+  PackageNotes notes;
+};
+
+// Every package is one.
+NotedPackage* noted(uci_package* package) { return reinterpret_cast<NotedPackage*>(package); }
+
 struct DestroyItem {
   void operator()(uci_element* element) const noexcept { destroy_element(element, *element); }
 };
@@ -97,8 +105,9 @@ void make_list(uci_option& option) {
 }  // namespace
 
 uci_package* new_package(uci_context& context, std::string_view name) {
-  auto* package = new_piece<uci_package>(name.size() + 1);
-  init(package->e, UCI_TYPE_PACKAGE, texts_of(package));
+  auto* const piece = new_piece<NotedPackage>(name.size() + 1);
+  uci_package* const package = &piece->package;
+  init(package->e, UCI_TYPE_PACKAGE, texts_of(piece));
   put(package->e.name, name);
   list_init(package->sections);
   list_init(package->delta);
@@ -189,13 +198,20 @@ void free_section(uci_section* section) {
 
 void free_deltas(uci_list& list) { destroy_all<uci_delta>(list, DestroyDelta()); }
 
+void clear(uci_package& package) {
+  destroy_all<uci_section>(package.sections, destroy_section);
+  free_deltas(package.saved_delta);
+  package.n_section = 0;
+}
+
+PackageNotes& notes_of(uci_package& package) { return noted(&package)->notes; }
+
 void free_package(uci_package* package) {
   list_remove(package->e.list);
-  destroy_all<uci_section>(package->sections, destroy_section);
+  clear(*package);
   free_deltas(package->delta);
-  free_deltas(package->saved_delta);
   std::free(package->path);
-  destroy_element(package, package->e);
+  destroy_element(noted(package), package->e);
 }
 
 void make_string(uci_option& option, std::string_view value) {

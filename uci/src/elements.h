@@ -8,6 +8,7 @@
 #include <uci.h>
 
 #include "lists.h"
+#include "locked_file.h"
 
 namespace uci {
 
@@ -39,6 +40,15 @@ void free_section(uci_section* section);
 void free_option(uci_option* option);
 void free_element(uci_element* element);  // items and paths
 void free_deltas(uci_list& list);
+// Frees all sections, and the records that were applied to them.
+void clear(uci_package& package);
+
+// What the library knows of a package beside its public face.
+struct PackageNotes {
+  FileState read_from;   // the file, when the elements were read from it without skipping anything
+  bool is_whole = true;  // false: the elements could not all be read, and must not be taken for the package
+};
+PackageNotes& notes_of(uci_package& package);
 
 // Change an element where it stands.
 void make_string(uci_option& option, std::string_view value);

@@ -7,6 +7,7 @@
 
 #include "context.h"
 #include "edit.h"
+#include "package_file.h"
 #include "package_parser.h"
 #include "package_text.h"
 
@@ -109,8 +110,10 @@ class MergeSink final : public StatementSink {
 
 void import(uci_context& context, std::FILE* stream, const char* name, uci_package** package, bool single) {
   if (stream == nullptr || (name != nullptr && !is_package_name(name))) throw Failure{UCI_ERR_INVAL};
-  WordReader words(stream);
+  StreamLines lines(stream);
+  WordReader words(lines);
   if (single && package != nullptr && *package != nullptr) {
+    complete_package(context, **package);
     MergeSink sink(**package);
     parse_statements(context, words, sink);
     return;
@@ -121,9 +124,10 @@ void import(uci_context& context, std::FILE* stream, const char* name, uci_packa
   if (package != nullptr && last != nullptr) *package = last;
 }
 
-void export_package(std::FILE* stream, const uci_package& package, bool header) {
-  const std::string text = format_package(package, header);
-  std::fwrite(text.data(), 1, text.size(), stream);
+void export_package(uci_context& context, std::FILE* stream, uci_package& package, bool header) {
+  complete_package(context, package);
+  write_package_text(package, header,
+                     [stream](std::string_view text) { std::fwrite(text.data(), 1, text.size(), stream); });
 }
 
 }  // namespace
@@ -138,9 +142,9 @@ int uci_import(uci_context* ctx, FILE* stream, const char* name, uci_package** p
 int uci_export(uci_context* ctx, FILE* stream, uci_package* package, bool header) {
   return uci::guarded(ctx, [&](uci_context& context) {
     if (stream == nullptr) throw uci::Failure{UCI_ERR_INVAL};
-    if (package != nullptr) return uci::export_package(stream, *package, header);
+    if (package != nullptr) return uci::export_package(context, stream, *package, header);
     uci_element* element = nullptr;
-    uci_foreach_element(&context.root, element) uci::export_package(stream, *uci_to_package(element), header);
+    uci_foreach_element(&context.root, element) uci::export_package(context, stream, *uci_to_package(element), header);
   });
 }
 

@@ -109,8 +109,11 @@ class TemporaryFile {
     if (fchmod(descriptor_, other.mode()) != 0) fail_io();
   }
 
-  void fill(std::string_view content) {
-    if (!write_all(descriptor_, content) || fsync(descriptor_) != 0) fail_io();
+  void fill(const WriteText& write) {
+    write([this](std::string_view text) {
+      if (!write_all(descriptor_, text)) fail_io();
+    });
+    if (fsync(descriptor_) != 0) fail_io();
     if (close(std::exchange(descriptor_, -1)) != 0) fail_io();
   }
 
@@ -196,19 +199,12 @@ void LockedFile::close() {
   if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
 }
 
-std::string LockedFile::read() const {
-  std::string text(static_cast<std::size_t>(status_.st_size) + 1, '\0');  // with room to see the end in
-  std::size_t size = 0;
+std::size_t LockedFile::read(char* place, std::size_t size, off_t offset) const {
   while (true) {
-    const ssize_t count = pread(descriptor_, text.data() + size, text.size() - size, static_cast<off_t>(size));
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) fail_io();
-    if (count == 0) break;
-    size += static_cast<std::size_t>(count);
-    if (size == text.size()) text.resize(2 * size);
+    const ssize_t count = pread(descriptor_, place, size, offset);
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) fail_io();
   }
-  text.resize(size);
-  return text;
 }
 
 void LockedFile::append_lines(std::string_view text) {
@@ -225,17 +221,17 @@ void LockedFile::truncate() {
   if (ftruncate(descriptor_, 0) != 0) fail_io();
 }
 
-void replace_file(const std::string& path, std::string_view content, const LockedFile& old) {
+void replace_file(const std::string& path, const WriteText& write, const LockedFile& old) {
   const std::string target = resolved(path);
   const Folder folder(folder_of(target));
   TemporaryFile file(target);
   file.be_like(old);
-  file.fill(content);
+  file.fill(write);
   file.rename_to(target);
   folder.sync();
 }
 
-bool create_file(const std::string& path, std::string_view content) {
+bool create_file(const std::string& path, const WriteText& write) {
   struct stat status {};
   if (lstat(path.c_str(), &status) == 0) return false;
   const std::size_t slash = path.rfind('/');
@@ -243,7 +239,7 @@ bool create_file(const std::string& path, std::string_view content) {
                              path.substr(slash == std::string::npos ? 0 : slash + 1);
   const Folder folder(folder_of(target));
   TemporaryFile file(target);
-  file.fill(content);
+  file.fill(write);
   if (!file.link_to(target)) return false;
   folder.sync();
   return true;

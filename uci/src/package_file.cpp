@@ -53,23 +53,41 @@ void require_readable(const LockedFile& file) {
   if (!file.is_regular()) throw Failure{UCI_ERR_NOTFOUND};
 }
 
-PackagePtr parse_file(uci_context& context, const Location& location, const LockedFile& file) {
-  PackagePtr package(new_package(context, location.name));
-  const std::string text = file.read();
-  WordReader words(text);
-  parse_package(context, words, *package);
-  replace_text(package->path, location.path);
-  package->has_delta = location.has_delta;
-  package->uses_conf2 = location.uses_conf2;
-  return package;
+bool is_strict(const uci_context& context) { return (context.flags & UCI_FLAG_STRICT) != 0; }
+
+// Fills the package from its file and with what is staged for it; the number of staged changes that applied. When this
+// throws, the package is not whole.
+int fill_package(uci_context& context, uci_package& package, const LockedFile& file, const LockedFile* savedir_file) {
+  PackageNotes& notes = notes_of(package);
+  notes = {is_strict(context) ? file.state() : FileState{}, false};
+  clear(package);
+  FileLines lines(file);
+  WordReader words(lines);
+  parse_package(context, words, package);
+  const int applied = package.has_delta ? apply_delta_files(context, package, file, savedir_file) : 0;
+  notes.is_whole = true;
+  return applied;
+}
+
+// Throws what reading the file would throw, unless `package` was read from the same. Without UCI_FLAG_STRICT no text is
+// refused.
+void check_readable(uci_context& context, uci_package& package, const LockedFile& file) {
+  if (!is_strict(context) || notes_of(package).read_from == file.state()) return;
+  const PackagePtr sections(new_package(context, ""));
+  FileLines lines(file);
+  WordReader words(lines);
+  parse_sections(context, words, *sections);
 }
 
 // The package as it stands in its file, with what is staged for it; in no context yet.
 PackagePtr read_package(uci_context& context, const Location& location) {
   const LockedFile file(location.path, Lock::kShared);
   require_readable(file);
-  PackagePtr package = parse_file(context, location, file);
-  if (package->has_delta) apply_delta_files(context, *package, file, nullptr);
+  PackagePtr package(new_package(context, location.name));
+  replace_text(package->path, location.path);
+  package->has_delta = location.has_delta;
+  package->uses_conf2 = location.uses_conf2;
+  fill_package(context, *package, file, nullptr);
   return package;
 }
 
@@ -100,27 +118,26 @@ void require_writable(uci_package& package) {
   }
 }
 
+WriteText text_of(const uci_package& package) {
+  return [&package](const PutText& put) { write_package_text(package, false, put); };
+}
+
 void write_package(uci_package& package, const LockedFile& file) {
   require_writable(package);
-  replace_file(package.path, format_package(package, false), file);
+  replace_file(package.path, text_of(package), file);
 }
 
 // Re-reads the file under its lock, applies all that is staged, writes it, and only then empties the delta file.
-void commit_with_delta(uci_context& context, uci_package*& handle) {
-  const LockedFile file = open_for_commit(handle->path);
-  LockedFile delta_file = open_delta_file(context, *handle);
-  append_pending(delta_file, *handle);
-  const Location location{handle->path, handle->e.name, handle->has_delta, handle->uses_conf2};
-  PackagePtr fresh = parse_file(context, location, file);
-  const bool has_changes = apply_delta_files(context, *fresh, file, &delta_file) > 0;
-  // From here on the caller's package is the new one, whatever the disk says: two of them and the text would be much.
-  free_package(handle);
-  handle = fresh.get();
-  link_package(context, fresh);
-  if (!has_changes) return;
-  write_package(*handle, file);
+void commit_with_delta(uci_context& context, uci_package& package) {
+  const LockedFile file = open_for_commit(package.path);
+  LockedFile delta_file = open_delta_file(context, package);
+  append_pending(delta_file, package);
+  check_readable(context, package, file);
+  // From here on the caller's package is the new one, whatever the disk says: both at a time would be much memory.
+  if (fill_package(context, package, file, &delta_file) == 0) return;
+  write_package(package, file);
   if (delta_file.is_open()) delta_file.truncate();
-  free_deltas(handle->saved_delta);
+  free_deltas(package.saved_delta);
 }
 
 // The caller's own elements, with what is staged applied on top.
@@ -144,21 +161,20 @@ void commit_from_memory(uci_package& package) {
 void commit_imported(const uci_context& context, uci_package& package) {
   const std::string path = std::string(context.confdir) + "/" + package.e.name;
   require_writable(package);
-  const std::string text = format_package(package, false);
-  if (!create_file(path, text)) replace_file(path, text, open_for_commit(path));
+  if (!create_file(path, text_of(package))) replace_file(path, text_of(package), open_for_commit(path));
   replace_text(package.path, path);
 }
 
-void commit(uci_context& context, uci_package*& handle, bool overwrite) {
-  if (handle->path == nullptr) {
+void commit(uci_context& context, uci_package& package, bool overwrite) {
+  if (package.path == nullptr) {
     if (!overwrite) throw Failure{UCI_ERR_INVAL};
-    commit_imported(context, *handle);
-  } else if (!handle->has_delta) {
-    commit_from_memory(*handle);
-  } else if (overwrite) {
-    commit_overwriting(context, *handle);
+    commit_imported(context, package);
+  } else if (!package.has_delta) {
+    commit_from_memory(package);
+  } else if (overwrite && notes_of(package).is_whole) {
+    commit_overwriting(context, package);
   } else {
-    commit_with_delta(context, handle);
+    commit_with_delta(context, package);
   }
 }
 
@@ -189,6 +205,13 @@ uci_package* load_package(uci_context& context, const char* name) {
   uci_package* loaded = package.get();
   link_package(context, package);
   return loaded;
+}
+
+void complete_package(uci_context& context, uci_package& package) {
+  if (notes_of(package).is_whole) return;
+  const LockedFile file(package.path, Lock::kShared);
+  require_readable(file);
+  fill_package(context, package, file, nullptr);
 }
 
 void save_package(uci_context& context, uci_package& package) {
@@ -231,7 +254,7 @@ int uci_save(uci_context* ctx, uci_package* p) {
 int uci_commit(uci_context* ctx, uci_package** p, bool overwrite) {
   return guarded(ctx, [&](uci_context& context) {
     if (p == nullptr || *p == nullptr) throw Failure{UCI_ERR_INVAL};
-    uci::commit(context, *p, overwrite);
+    uci::commit(context, **p, overwrite);
   });
 }
 

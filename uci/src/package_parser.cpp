@@ -139,11 +139,18 @@ const std::array<StatementParser::Keyword, 8> StatementParser::kKeywords{{
 }};
 
 // Fills one package; "package" lines were checked and change nothing.
-class PackageSink final : public FillSink {
+class PackageSink : public FillSink {
  public:
   explicit PackageSink(uci_package& package) { fill(&package); }
   void package(const std::string&) override {}
   bool has_package() const override { return true; }
+};
+
+class SectionsSink final : public PackageSink {
+ public:
+  using PackageSink::PackageSink;
+  void option(const std::string&, const std::string&) override {}
+  void list(const std::string&, const std::string&) override {}
 };
 
 }  // namespace
@@ -194,6 +201,11 @@ void parse_statements(uci_context& context, WordReader& words, StatementSink& si
 
 void parse_package(uci_context& context, WordReader& words, uci_package& package) {
   PackageSink sink(package);
+  parse_statements(context, words, sink);
+}
+
+void parse_sections(uci_context& context, WordReader& words, uci_package& package) {
+  SectionsSink sink(package);
   parse_statements(context, words, sink);
 }
 

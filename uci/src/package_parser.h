@@ -52,6 +52,8 @@ void parse_statements(uci_context& context, WordReader& words, StatementSink& si
 
 // Puts the statements into `package`, which owns what was read even when this throws.
 void parse_package(uci_context& context, WordReader& words, uci_package& package);
+// Puts only the sections there, without their options: throws where parse_package would, for much less memory.
+void parse_sections(uci_context& context, WordReader& words, uci_package& package);
 
 bool is_package_name(std::string_view name);  // letters, digits, '_', '-'
 bool is_name(std::string_view name);          // letters, digits, '_'; not empty

@@ -1,10 +1,14 @@
 // Writing of elements as the statements that package_parser.cpp reads.
 #include "package_text.h"
 
+#include <string>
+
 #include "text.h"
 
 namespace uci {
 namespace {
+
+constexpr std::size_t kPieceSize = 65536;
 
 // A type stands bare unless that would not be read back.
 void append_type(std::string& text, std::string_view type) {
@@ -46,7 +50,7 @@ void append_section(std::string& text, uci_section& section, bool with_generated
 
 }  // namespace
 
-std::string format_package(const uci_package& package, bool header) {
+void write_package_text(const uci_package& package, bool header, const PutText& put) {
   const bool all_names = (package.ctx->flags & UCI_FLAG_EXPORT_NAME) != 0;
   std::string text;
   if (header) {
@@ -57,9 +61,12 @@ std::string format_package(const uci_package& package, bool header) {
   const uci_element* element = nullptr;
   uci_foreach_element(&package.sections, element) {
     append_section(text, *uci_to_section(const_cast<uci_element*>(element)), all_names);
+    if (text.size() < kPieceSize) continue;
+    put(text);
+    text.clear();
   }
   text += '\n';
-  return text;
+  put(text);
 }
 
 }  // namespace uci

@@ -84,6 +84,7 @@ uci_section* find_named_section(uci_context& context, uci_ptr& ptr) {
 
 void find_elements(uci_context& context, uci_ptr& ptr) {
   if (ptr.p == nullptr) ptr.p = find_or_load_package(context, ptr.package);
+  complete_package(context, *ptr.p);
   ptr.last = &ptr.p->e;
   add_flag(ptr, uci_ptr::UCI_LOOKUP_DONE);
   if (ptr.section == nullptr && ptr.s == nullptr) {

@@ -3,14 +3,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <new>
-#include <sys/types.h>
 #include <utility>
-
-#include "elements.h"
 
 namespace uci {
 namespace {
@@ -27,27 +20,8 @@ constexpr std::array<bool, 256> kSpecial = [] {
 
 }  // namespace
 
-WordReader::~WordReader() { std::free(raw_line_); }
-
-// With its line end; empty at the end of the text or stream.
-std::string_view WordReader::next_raw_line() {
-  if (stream_ == nullptr) {
-    const std::size_t end = rest_.find('\n');
-    const std::string_view line = rest_.substr(0, end == std::string_view::npos ? end : end + 1);
-    rest_.remove_prefix(line.size());
-    return line;
-  }
-  errno = 0;
-  const ssize_t length = getline(&raw_line_, &raw_size_, stream_);
-  if (length > 0) return {raw_line_, static_cast<std::size_t>(length)};
-  // A text that broke off must not pass for a short one: a commit would write what was read of it.
-  if (errno == ENOMEM) throw std::bad_alloc();
-  if (std::ferror(stream_) != 0) throw Failure{UCI_ERR_IO};
-  return {};
-}
-
 bool WordReader::append_line() {
-  const std::string_view line = next_raw_line();
+  const std::string_view line = lines_.next();
   // Padding behind the last line end, as of a text in a C buffer, is no line.
   if (line.find_first_not_of('\0') == std::string_view::npos) return false;
   if (line.back() == '\n') ++line_;

@@ -2,9 +2,10 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 #include <string>
 #include <string_view>
+
+#include "lines.h"
 
 namespace uci {
 
@@ -13,16 +14,11 @@ struct WordError {
   std::string reason;
 };
 
-// Reads statement lines from a text or a stream and cuts them into words. A statement line grows while a quote or a
+// Reads statement lines and cuts them into words. A statement line grows while a quote or a
 // backslash carries it over a line end.
 class WordReader {
  public:
-  WordReader() = default;
-  explicit WordReader(std::FILE* stream) : stream_(stream) {}
-  explicit WordReader(std::string_view text) : rest_(text) {}  // which outlives the reader
-  WordReader(const WordReader&) = delete;
-  WordReader& operator=(const WordReader&) = delete;
-  ~WordReader();
+  explicit WordReader(LineSource& lines) : lines_(lines) {}
 
   // Begins a new statement line; false at the end. A NUL byte throws WordError, a read error Failure{UCI_ERR_IO}.
   bool next_line();
@@ -44,11 +40,9 @@ class WordReader {
   [[nodiscard]] std::size_t keyword_position() const { return keyword_position_; }
   [[nodiscard]] std::size_t length() const { return text_.size(); }
   [[nodiscard]] bool keyword_ended_file() const { return keyword_ended_file_; }
-  void use(std::FILE* stream) { stream_ = stream; }
 
  private:
   bool append_line();
-  std::string_view next_raw_line();
   bool at_end() const { return position_ >= text_.size(); }
   void read_plain(std::string& word);
   void read_single_quoted(std::string& word);
@@ -58,10 +52,7 @@ class WordReader {
   void skip_space();
   void end_statement(bool plain_word_before);
 
-  std::FILE* stream_ = nullptr;
-  std::string_view rest_;     // of the text, where there is no stream
-  char* raw_line_ = nullptr;  // of the stream
-  std::size_t raw_size_ = 0;
+  LineSource& lines_;
   std::string text_;
   std::size_t position_ = 0;
   std::size_t keyword_position_ = 0;

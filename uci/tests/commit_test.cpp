@@ -44,8 +44,45 @@ TEST_F(Commit, OfAPackageThatBrokeMeanwhileKeepsWhatIsStaged) {
   put("conf/pkg", "bogus\n");
   EXPECT_EQ(uci_commit(context_.get(), &package, false), UCI_ERR_PARSE);
   EXPECT_STREQ(package->e.name, "pkg");  // still a package that can be used
+  EXPECT_EQ(value("pkg.s.a"), "2");
   EXPECT_EQ(get("conf/pkg"), "bogus\n");
   EXPECT_EQ(get("save/pkg"), "pkg.s.a='2'\n");
+}
+
+// An editor that writes in place, and no time tells: what was loaded is gone, but nobody takes the rest for the
+// package.
+TEST_F(Commit, OfAPackageThatBrokeUnnoticedReadsItAgain) {
+  const std::string sound = "config thing 's'\n\toption a '1'\n\toption b '3'\n";
+  const auto put_unnoticed = [&](const std::string& text) {
+    put("conf/pkg", text);
+    const utimbuf same{1000000000, 1000000000};
+    utime(path("conf/pkg").c_str(), &same);
+  };
+  put_unnoticed(sound);
+  uci_package* package = set("pkg.s.a=2");
+  put_unnoticed(std::string(sound).replace(sound.rfind("option"), 6, "optiom"));
+  EXPECT_EQ(commit(package), UCI_ERR_PARSE);
+  EXPECT_EQ(uci_commit(context_.get(), &package, true), UCI_ERR_PARSE);
+  char tuple[] = "pkg.s.b";
+  uci_ptr ptr{};
+  EXPECT_EQ(uci_lookup_ptr(context_.get(), &ptr, tuple, true), UCI_ERR_PARSE);
+  put_unnoticed(sound);
+  EXPECT_EQ(value("pkg.s.a"), "2");
+  EXPECT_EQ(value("pkg.s.b"), "3");
+  EXPECT_EQ(uci_commit(context_.get(), &package, true), UCI_OK);
+  EXPECT_EQ(get("conf/pkg"), "\nconfig thing 's'\n\toption a '2'\n\toption b '3'\n\n");
+}
+
+TEST_F(Commit, OfTextsThatAreLongerThanAPieceOfTheFileKeepsThem) {
+  const std::string lines = "a line\n" + std::string(200000, 'x') + "\nanother";
+  std::string options;
+  for (int at = 0; at < 5000; ++at) options.append("\toption n").append(std::to_string(at)).append(" 'a value'\n");
+  put("conf/pkg", "\nconfig thing 's'\n\toption a '1'\n\toption lines '" + lines + "'\n" + options + "\n");
+  const std::string before = get("conf/pkg");
+  EXPECT_EQ(value("pkg.s.lines"), lines);
+  EXPECT_EQ(commit(set("pkg.s.a=2")), UCI_OK);
+  EXPECT_EQ(get("conf/pkg"), std::string(before).replace(before.find("'1'"), 3, "'2'"));
+  EXPECT_EQ(value("pkg.s.n4999"), "a value");
 }
 
 TEST_F(Commit, BringsInWhatAnotherWriterStaged) {

@@ -19,7 +19,8 @@ struct CloseStream {
 // The words of the first statement line; {"(error)"} for an unterminated quote.
 Words words_of(std::string text) {
   const std::unique_ptr<std::FILE, CloseStream> stream(fmemopen(text.data(), text.size(), "r"));
-  uci::WordReader reader(stream.get());
+  uci::StreamLines lines(stream.get());
+  uci::WordReader reader(lines);
   Words words;
   std::string word;
   try {
