@@ -1,5 +1,5 @@
-// What the code under test logs. One source of a test program includes this; the program's folder has a link.cmake with
-// the option --wrap for syslog and __syslog_chk.
+// What the code under test logs. The folder of a test program that includes this has a link.cmake with the option
+// --wrap for syslog and __syslog_chk.
 #pragma once
 
 #include <array>
@@ -60,14 +60,15 @@ class CapturedLog {
   std::vector<LogEntry> entries_;
 };
 
+// Weak: each source of a program that includes this has one.
 extern "C" {
-[[gnu::format(printf, 2, 3)]] void __wrap_syslog(int priority, const char* format, ...) {
+[[gnu::weak, gnu::format(printf, 2, 3)]] void __wrap_syslog(int priority, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
   CapturedLog::pass_on(priority, format, arguments);
   va_end(arguments);
 }
-[[gnu::format(printf, 3, 4)]] void __wrap___syslog_chk(int priority, int /*flag*/, const char* format, ...) {
+[[gnu::weak, gnu::format(printf, 3, 4)]] void __wrap___syslog_chk(int priority, int /*flag*/, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
   CapturedLog::pass_on(priority, format, arguments);
