@@ -13,32 +13,35 @@ namespace {
 // The messages of the helpers are known by the name of the function that they work for.
 constexpr const char* kConnect = "SetWifiConnectInfoByBand";
 
-// What the configuration of one band has beyond the others.
+// How a band is configured, and what it has beyond the others.
 struct BandConfig {
-  int (*set_config)(const RepeaterConnectInfo& info, const FollowFlags& flags);
-  const char* extra_radio_command;    // nullptr: none
-  const char* extra_station_command;  // nullptr: none
-  const char* name_in_log;
-  const char* function;  // that the messages are known by
+  Band band;
+  const char* function;                         // that the messages are known by
+  const char* extra_radio_command = nullptr;    // nullptr: none
+  const char* extra_station_command = nullptr;  // nullptr: none
 };
 
-constexpr std::array<BandConfig, kBandCount> kBandConfigs{{
-    {SetConfig24G, nullptr, nullptr, "24g", "SetConfig24G"},
-    {SetConfig5G, "set wireless.ath1.cactimeout=0", nullptr, "5g", "SetConfig5G"},
-    {SetConfig6G, nullptr, "set wireless.ath23.en_6g_sec_comp=0", "6g", "SetConfig6G"},
-}};
+struct BandStep {
+  int (*set_config)(const RepeaterConnectInfo& info, const FollowFlags& flags);
+  const char* name_in_log;
+};
+// By frequency, from 1.
+constexpr std::array<BandStep, kBandCount> kBandSteps{
+    {{SetConfig24G, "24g"}, {SetConfig5G, "5g"}, {SetConfig6G, "6g"}}};
 
 void set_option(const char* section, const char* option, const char* value) {
   uci_command(std::string("set wireless.") + section + '.' + option + '=' + value);
 }
 
-void set_radio(const Band& band, const BandConfig& config) {
+void set_radio(const BandConfig& config) {
+  const Band& band = config.band;
   set_option(band.radio, "disabled", "0");
   set_option(band.radio, "channel", "0");  // automatic
   if (config.extra_radio_command != nullptr) uci_command(config.extra_radio_command);
 }
 
-void attach_interfaces(const Band& band, const BandConfig& config) {
+void attach_interfaces(const BandConfig& config) {
+  const Band& band = config.band;
   set_option(band.ap, "mode", "ap");
   set_option(band.ap, "device", band.radio);
   set_option(band.station, "device", band.radio);
@@ -48,15 +51,14 @@ void attach_interfaces(const Band& band, const BandConfig& config) {
   uci_command(std::string("set repeater.repeater_band.repeater_select_band=") + band.name);
 }
 
-int set_band_config(std::size_t index, const RepeaterConnectInfo& info, const FollowFlags& flags) {
-  const Band& band = kBands[index];
-  const BandConfig& config = kBandConfigs[index];
-  set_radio(band, config);
+int set_band_config(const BandConfig& config, const RepeaterConnectInfo& info, const FollowFlags& flags) {
+  const char* station = config.band.station;
+  set_radio(config);
   if (set_security_of_following_aps(info.encrypt_type, flags, config.function) != 0) return 1;
-  if (set_security(band.station, info.encrypt_type, config.function) != 0) return 1;
+  if (set_security(station, info.encrypt_type, config.function) != 0) return 1;
   if (set_ssid_and_key_of_aps(info, flags, config.function) != 0) return 1;
-  if (set_ssid_and_key(band.station, info, flags, config.function) != 0) return 1;
-  attach_interfaces(band, config);
+  if (set_ssid_and_key(station, info, flags, config.function) != 0) return 1;
+  attach_interfaces(config);
   return 0;
 }
 
@@ -70,7 +72,7 @@ int set_bands_of_frequency(const RepeaterConnectInfo& info, const FollowFlags& f
   if (info.frequency == kFrequencyAllBands) {
     record_select_band(info.frequency);
     int result = 0;
-    for (const BandConfig& config : kBandConfigs) result |= config.set_config(info, flags);
+    for (const BandStep& step : kBandSteps) result |= step.set_config(info, flags);
     if (result != 0) log_error_as(kConnect, "set wifi param error\n");
     return result;
   }
@@ -79,19 +81,29 @@ int set_bands_of_frequency(const RepeaterConnectInfo& info, const FollowFlags& f
     return 1;
   }
   record_select_band(info.frequency);
-  const BandConfig& config = kBandConfigs[static_cast<std::size_t>(info.frequency - 1)];
-  if (config.set_config(info, flags) == 0) return 0;
-  log_error_as(kConnect, "set %s wifi param error\n", config.name_in_log);
+  const BandStep& step = kBandSteps[static_cast<std::size_t>(info.frequency - 1)];
+  if (step.set_config(info, flags) == 0) return 0;
+  log_error_as(kConnect, "set %s wifi param error\n", step.name_in_log);
   return 1;
 }
 
 }  // namespace
 
 int SetConfig24G(const RepeaterConnectInfo& info, const FollowFlags& flags) {
-  return set_band_config(k24g, info, flags);
+  return set_band_config({.band = kBands[k24g], .function = __func__}, info, flags);
 }
-int SetConfig5G(const RepeaterConnectInfo& info, const FollowFlags& flags) { return set_band_config(k5g, info, flags); }
-int SetConfig6G(const RepeaterConnectInfo& info, const FollowFlags& flags) { return set_band_config(k6g, info, flags); }
+
+int SetConfig5G(const RepeaterConnectInfo& info, const FollowFlags& flags) {
+  return set_band_config(
+      {.band = kBands[k5g], .function = __func__, .extra_radio_command = "set wireless.ath1.cactimeout=0"}, info,
+      flags);
+}
+
+int SetConfig6G(const RepeaterConnectInfo& info, const FollowFlags& flags) {
+  return set_band_config(
+      {.band = kBands[k6g], .function = __func__, .extra_station_command = "set wireless.ath23.en_6g_sec_comp=0"}, info,
+      flags);
+}
 
 void ClearLastConnect() {
   for (const Band& band : kBands) uci::Section("wireless", band.station).remove();

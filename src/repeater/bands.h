@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstddef>
+#include <span>
+#include <string_view>
 
 struct Band {
   const char* name;     // as repeater.repeater_band.repeater_select_band tells it
@@ -23,6 +25,29 @@ inline constexpr std::array<Band, kBandCount> kBands{{
     {"5GHz", "wifi1", "ath12", "ath13", "ath15", "mld5"},
     {"6GHz", "wifi2", "ath22", "ath23", "ath25", "mld6"},
 }};
+
+inline constexpr std::array<std::size_t, kBandCount> kEveryBand{k24g, k5g, k6g};
+inline constexpr std::span<const std::size_t> kBands24And5 = std::span(kEveryBand).first<2>();
+inline constexpr std::span<const std::size_t> kBands5And6 = std::span(kEveryBand).last<2>();
+
+// A multi-link (MLO) uplink.
+struct MloVariant {
+  int code;                            // of multiLinkOperationEnable
+  const char* stored;                  // as repeater.repeater_band.mlo holds it
+  std::span<const std::size_t> bands;  // its stations, in the order in which they are written
+};
+inline constexpr std::array<MloVariant, 3> kMloVariants{{
+    {1, "1", kBands24And5},
+    {2, "2", kBands5And6},
+    {3, "3", kEveryBand},
+}};
+// The variant that is stored as this text; nullptr when there is none, as for "0".
+constexpr const MloVariant* find_mlo_variant(std::string_view stored) {
+  for (const MloVariant& variant : kMloVariants) {
+    if (stored == variant.stored) return &variant;
+  }
+  return nullptr;
+}
 
 // Groups the stations of a multi-link uplink.
 inline constexpr const char* kStationMld = "mld7";

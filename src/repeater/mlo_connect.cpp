@@ -21,13 +21,11 @@ constexpr const char* kConnect = "SetWifiConnectInfoByMlo";
 // When the 6 GHz station learns that it accepts any security.
 enum class SecurityCheckOff { kNever, kLast, kAfterAccessPoints };
 
-// What the variants differ in. Stations stand in the order in which they are written.
-struct MloVariant {
-  const char* value;  // of repeater.repeater_band.mlo
-  int (*set_info)(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac);
-  const char* name_in_log;
-  const char* unused_station;  // nullptr: all are used
-  std::span<const std::size_t> stations;
+// What the variants differ in beyond their bands.
+struct MloSteps {
+  MloVariant variant;
+  const char* function;                         // that the messages are known by
+  const char* unused_station;                   // nullptr: all are used
   std::span<const char* const> stale_stations;  // unlinked from an MLD that no variant has set up
   std::span<const char* const> key_options;
   std::array<const char*, kBandCount> ap_disabled;
@@ -35,9 +33,6 @@ struct MloVariant {
   bool ifname_before_enabling;
 };
 
-constexpr std::array<std::size_t, 2> kStations25{k24g, k5g};
-constexpr std::array<std::size_t, 2> kStations56{k5g, k6g};
-constexpr std::array<std::size_t, 3> kStations256{k24g, k5g, k6g};
 constexpr std::array<const char*, 2> kStale25{"ath03", "ath13"};
 constexpr std::array<const char*, 2> kStale56{"ath23", "ath13"};
 constexpr std::array<const char*, 3> kStale256{"ath03", "ath23", "ath13"};
@@ -46,113 +41,80 @@ constexpr std::array<const char*, 2> kKeys56{"ath13.key", "ath23.key"};
 constexpr std::array<const char*, 6> kKeys256{"ath13.key",          "ath13.sae_password", "ath23.key",
                                               "ath23.sae_password", "ath03.sae_password", "ath03.key"};
 
-constexpr std::array<MloVariant, 3> kVariants{{
-    {"1",
-     SetMlo25GInfo,
-     "SetMlo25GInfo",
-     "ath23",
-     kStations25,
-     kStale25,
-     kKeys25,
-     {"0", "0", "1"},
-     SecurityCheckOff::kNever,
-     false},
-    {"2",
-     SetMlo56GInfo,
-     "SetMlo56GInfo",
-     "ath03",
-     kStations56,
-     kStale56,
-     kKeys56,
-     {"1", "0", "0"},
-     SecurityCheckOff::kLast,
-     false},
-    {"3",
-     SetMlo256GInfo,
-     "SetMlo256GInfo",
-     nullptr,
-     kStations256,
-     kStale256,
-     kKeys256,
-     {"0", "0", "0"},
-     SecurityCheckOff::kAfterAccessPoints,
-     true},
-}};
-
-int set_security_and_ssids(const MloVariant& variant, const RepeaterConnectInfo& info) {
-  const char* caller = variant.name_in_log;
+int set_security_and_ssids(const MloSteps& steps, const RepeaterConnectInfo& info) {
+  const char* caller = steps.function;
   const std::optional<FollowFlags> flags = read_follow_flags(caller);
   if (!flags) return 1;
   if (set_security_of_following_aps(info.encrypt_type, *flags, caller) != 0) return 1;
   if (set_ssid_and_key_of_aps(info, *flags, caller) != 0) return 1;
-  for (const std::size_t station : variant.stations) {
+  for (const std::size_t station : steps.variant.bands) {
     if (set_security(kBands[station].station, info.encrypt_type, caller) != 0) return 1;
   }
   return 0;
 }
 
-void unlink_stale_stations(const MloVariant& variant) {
+void unlink_stale_stations(const MloSteps& steps) {
   uci_command("delete wireless.mld7");
-  for (const char* station : variant.stale_stations) uci_command(std::string("delete wireless.") + station + ".mld");
+  for (const char* station : steps.stale_stations) uci_command(std::string("delete wireless.") + station + ".mld");
 }
 
-void set_station_mld(const MloVariant& variant, const RepeaterConnectInfo& info, const std::string& mld_mac) {
-  uci_command(std::string("set repeater.repeater_band.mlo=") + variant.value);
+void set_station_mld(const MloSteps& steps, const RepeaterConnectInfo& info, const std::string& mld_mac) {
+  uci_command(std::string("set repeater.repeater_band.mlo=") + steps.variant.stored);
   uci_command("set wireless.mld7=wifi-mld");
   uci_set_value("wireless.mld7.mld_ssid", info.ssid);
   uci_set_value("wireless.mld7.mld_macaddr", mld_mac);
-  for (const std::size_t station : variant.stations) {
+  for (const std::size_t station : steps.variant.bands) {
     uci_set_value(std::string("wireless.") + kBands[station].station + ".ssid", info.ssid);
   }
   if (info.encrypt_key.empty()) return;
-  for (const char* option : variant.key_options) uci_set_value(std::string("wireless.") + option, info.encrypt_key);
+  for (const char* option : steps.key_options) uci_set_value(std::string("wireless.") + option, info.encrypt_key);
 }
 
 // A write that fails stops nothing: it is told in the log.
 uci::Section station_of(std::size_t band) { return {"wireless", kBands[band].station}; }
 
-void set_station_option(const MloVariant& variant, const char* option, const char* value) {
-  for (const std::size_t station : variant.stations) station_of(station).set(option, value);
+void set_station_option(const MloSteps& steps, const char* option, const char* value) {
+  for (const std::size_t station : steps.variant.bands) station_of(station).set(option, value);
 }
 
 void delete_option_of_all_stations(const char* option) {
   for (std::size_t band = 0; band < kBandCount; ++band) station_of(band).remove(option);
 }
 
-void set_bridging(const MloVariant& variant) {
-  const int compati_mode = read_compati_mode(variant.name_in_log);
+void set_bridging(const MloSteps& steps) {
+  const int compati_mode = read_compati_mode(steps.function);
   delete_option_of_all_stations("extap");
   delete_option_of_all_stations("wds");
-  set_station_option(variant, compati_mode == kStationUsesExtap ? "extap" : "wds", "1");
+  set_station_option(steps, compati_mode == kStationUsesExtap ? "extap" : "wds", "1");
 }
 
 void accept_any_security_on_6g() { station_of(k6g).set("en_6g_sec_comp", "0"); }
 
-void attach_stations(const MloVariant& variant) {
+void attach_stations(const MloSteps& steps) {
   for (std::size_t band = 0; band < kBandCount; ++band) {
-    uci::Section("wireless", kBands[band].ap).set("disabled", variant.ap_disabled[band]);
+    uci::Section("wireless", kBands[band].ap).set("disabled", steps.ap_disabled[band]);
   }
-  if (variant.security_check_off == SecurityCheckOff::kAfterAccessPoints) accept_any_security_on_6g();
-  set_station_option(variant, "mld", kStationMld);
-  if (variant.ifname_before_enabling) delete_option_of_all_stations("ifname");
-  set_station_option(variant, "disabled", "0");
-  for (const std::size_t station : variant.stations) {
+  if (steps.security_check_off == SecurityCheckOff::kAfterAccessPoints) accept_any_security_on_6g();
+  set_station_option(steps, "mld", kStationMld);
+  if (steps.ifname_before_enabling) delete_option_of_all_stations("ifname");
+  set_station_option(steps, "disabled", "0");
+  for (const std::size_t station : steps.variant.bands) {
     station_of(station).set("device", kBands[station].radio);
   }
-  if (!variant.ifname_before_enabling) delete_option_of_all_stations("ifname");
-  set_station_option(variant, "mode", "sta");
-  set_station_option(variant, "network", "lan");
-  if (variant.security_check_off == SecurityCheckOff::kLast) accept_any_security_on_6g();
+  if (!steps.ifname_before_enabling) delete_option_of_all_stations("ifname");
+  set_station_option(steps, "mode", "sta");
+  set_station_option(steps, "network", "lan");
+  if (steps.security_check_off == SecurityCheckOff::kLast) accept_any_security_on_6g();
 }
 
-int set_mlo_info(const MloVariant& variant, const RepeaterConnectInfo& info, std::string_view previous_mlo,
+int set_mlo_info(const MloSteps& steps, const RepeaterConnectInfo& info, std::string_view previous_mlo,
                  const std::string& mld_mac) {
-  if (variant.unused_station != nullptr) uci_command(std::string("delete wireless.") + variant.unused_station);
-  if (set_security_and_ssids(variant, info) != 0) return 1;
-  if (previous_mlo == "0") unlink_stale_stations(variant);
-  set_station_mld(variant, info, mld_mac);
-  set_bridging(variant);
-  attach_stations(variant);
+  if (steps.unused_station != nullptr) uci_command(std::string("delete wireless.") + steps.unused_station);
+  if (set_security_and_ssids(steps, info) != 0) return 1;
+  if (previous_mlo == "0") unlink_stale_stations(steps);
+  set_station_mld(steps, info, mld_mac);
+  set_bridging(steps);
+  attach_stations(steps);
   uci_commit("wireless", "repeater");
   return 0;
 }
@@ -172,27 +134,62 @@ std::optional<std::string> read_bridge_mac() {
   return platform::split_lines(result.output, kMacMax + 1).front();
 }
 
+struct MloConnect {
+  int code;  // of multiLinkOperationEnable
+  int (*set_info)(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac);
+  const char* name;
+};
+constexpr std::array<MloConnect, kMloVariants.size()> kMloConnects{{
+    {kMloVariants[0].code, SetMlo25GInfo, "SetMlo25GInfo"},
+    {kMloVariants[1].code, SetMlo56GInfo, "SetMlo56GInfo"},
+    {kMloVariants[2].code, SetMlo256GInfo, "SetMlo256GInfo"},
+}};
+
 // Nothing happens for a variant that does not exist.
 int set_variant(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
-  const int number = info.multi_link_operation_enable;
-  if (number == kMloOff) ClearRepeaterMlo();
-  if (number < 1 || number > static_cast<int>(kVariants.size())) return 0;
-  const MloVariant& variant = kVariants[static_cast<std::size_t>(number - 1)];
-  if (variant.set_info(info, previous_mlo, mld_mac) == 0) return 0;
-  log_error_as(kConnect, "%s error\n", variant.name_in_log);
+  if (info.multi_link_operation_enable == kMloOff) ClearRepeaterMlo();
+  const auto* connect = std::ranges::find(kMloConnects, info.multi_link_operation_enable, &MloConnect::code);
+  if (connect == kMloConnects.end() || connect->set_info(info, previous_mlo, mld_mac) == 0) return 0;
+  log_error_as(kConnect, "%s error\n", connect->name);
   return 1;
 }
 
 }  // namespace
 
 int SetMlo25GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
-  return set_mlo_info(kVariants[0], info, previous_mlo, mld_mac);
+  const MloSteps steps{.variant = kMloVariants[0],
+                       .function = __func__,
+                       .unused_station = kBands[k6g].station,
+                       .stale_stations = kStale25,
+                       .key_options = kKeys25,
+                       .ap_disabled = {"0", "0", "1"},
+                       .security_check_off = SecurityCheckOff::kNever,
+                       .ifname_before_enabling = false};
+  return set_mlo_info(steps, info, previous_mlo, mld_mac);
 }
+
 int SetMlo56GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
-  return set_mlo_info(kVariants[1], info, previous_mlo, mld_mac);
+  const MloSteps steps{.variant = kMloVariants[1],
+                       .function = __func__,
+                       .unused_station = kBands[k24g].station,
+                       .stale_stations = kStale56,
+                       .key_options = kKeys56,
+                       .ap_disabled = {"1", "0", "0"},
+                       .security_check_off = SecurityCheckOff::kLast,
+                       .ifname_before_enabling = false};
+  return set_mlo_info(steps, info, previous_mlo, mld_mac);
 }
+
 int SetMlo256GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
-  return set_mlo_info(kVariants[2], info, previous_mlo, mld_mac);
+  const MloSteps steps{.variant = kMloVariants[2],
+                       .function = __func__,
+                       .unused_station = nullptr,
+                       .stale_stations = kStale256,
+                       .key_options = kKeys256,
+                       .ap_disabled = {"0", "0", "0"},
+                       .security_check_off = SecurityCheckOff::kAfterAccessPoints,
+                       .ifname_before_enabling = true};
+  return set_mlo_info(steps, info, previous_mlo, mld_mac);
 }
 
 void ClearRepeaterMlo() {

@@ -24,16 +24,9 @@ constexpr std::size_t kMloSize = 4;
 constexpr std::size_t kBandNameSize = 8;
 constexpr std::size_t kDnsSize = 8;
 
-constexpr std::array<std::size_t, 2> kMlo25{k24g, k5g};
-constexpr std::array<std::size_t, 2> kMlo56{k5g, k6g};
-constexpr std::array<std::size_t, 3> kMlo256{k24g, k5g, k6g};
-constexpr std::array<std::size_t, 3> kSingleBands{k24g, k5g, k6g};
-
 // The stations that the stored configuration uses; empty (logged) when there is no such configuration.
 std::span<const std::size_t> find_stations(std::string_view mlo, std::string_view band_name) {
-  if (mlo == "1") return kMlo25;
-  if (mlo == "2") return kMlo56;
-  if (mlo == "3") return kMlo256;
+  if (const MloVariant* variant = find_mlo_variant(mlo)) return variant->bands;
   if (mlo != "0") {
     log_error_as(kStart, "get mlo band error\n");
     return {};
@@ -44,7 +37,7 @@ std::span<const std::size_t> find_stations(std::string_view mlo, std::string_vie
     log_error_as(kStart, "repeater band error\n");
     return {};
   }
-  return std::span(kSingleBands).subspan(static_cast<std::size_t>(band - kBands.begin()), 1);
+  return std::span(kEveryBand).subspan(static_cast<std::size_t>(band - kBands.begin()), 1);
 }
 
 int attach_stations() {

@@ -178,34 +178,19 @@ void add_stations(Report& report) {
   }
 }
 
-constexpr std::array<std::size_t, 1> kBand5{k5g};
-constexpr std::array<std::size_t, 2> kBands25{k24g, k5g};
-constexpr std::array<std::size_t, 2> kBands56{k5g, k6g};
-constexpr std::array<std::size_t, 3> kBands256{k24g, k5g, k6g};
-
-struct MloReport {
-  const char* mlo;
-  std::size_t station_band;  // whose SSID, key and security are told
-  std::span<const std::size_t> bands;
-  int multi_link;
-};
-constexpr std::array<MloReport, 3> kMloReports{{
-    {"1", k24g, kBands25, 1},
-    {"2", k5g, kBands56, 2},
-    {"3", k24g, kBands256, 3},
-}};
-
-void add_mlo(Report& report, const MloReport& row) {
-  const char* station = kBands[row.station_band].station;
+// SSID, key and security are those of the first station.
+void add_mlo(Report& report, const MloVariant& variant) {
+  const std::size_t first = variant.bands.front();
+  const char* station = kBands[first].station;
   add_ssid(report, station);
   report.add("bssid", get_link_bssid(kStationMld));
-  const BandTexts links = read_links(report, kStationMld, row.bands, kNoMac);
+  const BandTexts links = read_links(report, kStationMld, variant.bands, kNoMac);
   report.add(kLinkKeys, links);
   report.add(kMacKeys, links);
   report.add("frequency", 0);
   add_key(report, station);
-  add_encrypt_type(report, row.station_band);
-  report.add("multiLinkOperationEnable", row.multi_link);
+  add_encrypt_type(report, first);
+  report.add("multiLinkOperationEnable", variant.code);
 }
 
 struct EasyMeshReport {
@@ -215,9 +200,9 @@ struct EasyMeshReport {
 };
 
 EasyMeshReport find_easymesh_report(const std::string& mode) {
-  if (mode == "1") return {kBands25, 0, 1};
-  if (mode == "2") return {kBands56, 0, 2};
-  return {kBand5, 2, 0};
+  if (mode == "1") return {kBands24And5, 0, 1};
+  if (mode == "2") return {kBands5And6, 0, 2};
+  return {kBands5And6.first(1), 2, 0};
 }
 
 void add_easymesh(Report& report) {
@@ -242,9 +227,7 @@ void add_easymesh(Report& report) {
 // Replaces what the stations told where a multi-link or a mesh uplink is in use.
 void add_uplink(Report& report) {
   if (report.easymesh_enable == "0") {
-    for (const MloReport& row : kMloReports) {
-      if (report.mlo == row.mlo) add_mlo(report, row);
-    }
+    if (const MloVariant* variant = find_mlo_variant(report.mlo)) add_mlo(report, *variant);
   }
   if (report.easymesh_enable == "1") add_easymesh(report);
 }
