@@ -17,7 +17,7 @@ constexpr int kAttempts = 15;
 constexpr unsigned int kRetrySeconds = 2;
 constexpr std::size_t kOutputMax = std::size_t{64} << 20;  // of one scan; a busy band tells some 4 MB
 
-enum class ScanResult { kNotStarted, kNoBlock, kDone };
+enum class ScanResult { kNotStarted, kNoBlock, kTooLate, kDone };
 
 ScanResult scan_once(const std::string& command, std::size_t band, json::ListText& list) {
   ScanParser parser(band, list);
@@ -27,9 +27,11 @@ ScanResult scan_once(const std::string& command, std::size_t band, json::ListTex
     read += piece.size();
     return read < kOutputMax;
   };
-  if (!platform::run_shell(command, {.reader = feed}).started) return ScanResult::kNotStarted;
+  const platform::ProcessResult result = platform::run_shell(command, {.reader = feed});
+  if (!result.started) return ScanResult::kNotStarted;
   parser.finish();
-  return parser.seen_block() ? ScanResult::kDone : ScanResult::kNoBlock;
+  if (parser.seen_block()) return ScanResult::kDone;
+  return result.too_late ? ScanResult::kTooLate : ScanResult::kNoBlock;
 }
 
 }  // namespace
@@ -47,6 +49,9 @@ int scan_single_interface(std::size_t band, json::ListText& list) {
         log_error("No BSS blocks found in command output: %s (attempt %d/%d)", command.c_str(), attempt, kAttempts);
         platform::sleep_seconds(kRetrySeconds);
         break;
+      case ScanResult::kTooLate:
+        log_error("Failed to get BSS information in time for command: %s", command.c_str());
+        return 0;
     }
   }
   log_error("Failed to get BSS information after %d attempts for command: %s", kAttempts, command.c_str());

@@ -70,6 +70,15 @@ def test_a_band_without_access_points_is_left_out_after_15_tries(router):
     assert router.logged("Failed to get BSS information after 15 attempts for command: iw dev mld1 scan flush &", priority=3)
 
 
+def test_a_scan_that_hangs_is_not_tried_again(router):
+    router.time_rate = 30  # 60 s are over after 2 s
+    scans(router, bss(0), "", bss(2))
+    router.tool("iw", "dev", "mld2", "scan", hang=True)
+    assert router.get(SURVEY).json["wifiApList"] == [entry(0), entry(2)]
+    router.assert_calls(command(0), command(1), command(2))
+    assert router.logged("Failed to get BSS information in time for command: iw dev mld2 scan flush &", priority=3)
+
+
 def test_a_dead_iw_leaves_an_empty_list(router):
     router.tool("iw", missing=True)
     assert router.get(SURVEY).json == {"result": 0, "version": 1, "waitTime": 0, "wifiApList": []}
