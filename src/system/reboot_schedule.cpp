@@ -17,6 +17,7 @@ namespace {
 using reboot::Schedule;
 
 constexpr const char* kSchedulePath = "/etc/config/rebootschedule.txt";
+constexpr const char* kCronList = "/tmp/tmp_cron_list";  // as the commands below call it
 
 bool is_time(std::string_view text) {
   const bool four_digits = text.size() == 4 && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
@@ -34,6 +35,13 @@ std::optional<Schedule> read_schedule(const json::Document& document) {
 
 int number_at(const std::string& time, std::size_t position) { return std::stoi(time.substr(position, 2)); }
 
+// Makes the list anew that the next command writes by its name, so that nobody's link, FIFO or file is written through.
+bool prepare_cron_list() {
+  if (platform::create_private_file(kCronList).valid()) return true;
+  log_error("%s cannot be made: %m\n", kCronList);
+  return false;
+}
+
 // Earlier entries stay: every call adds one more line.
 void add_cron_entry(const Schedule& schedule) {
   const std::string weekday = schedule.day_of_week == 0 ? "*" : std::to_string(schedule.day_of_week - 1);
@@ -42,8 +50,9 @@ void add_cron_entry(const Schedule& schedule) {
             " reboot &' >> /tmp/tmp_cron_list && crontab /tmp/tmp_cron_list && rm -rf /tmp/tmp_cron_list");
 }
 
-// False, with file and cron table as they were, when the file cannot be written.
+// False, with file and cron table as they were, when a file cannot be written.
 bool switch_on(const Schedule& schedule) {
+  if (!prepare_cron_list()) return false;
   const std::string text = "1 " + std::to_string(schedule.day_of_week) + " " + schedule.time;
   if (!platform::replace_file(kSchedulePath, text)) {
     log_error("%s cannot be written: %m\n", kSchedulePath);
@@ -53,10 +62,13 @@ bool switch_on(const Schedule& schedule) {
   return true;
 }
 
-void switch_off() {
+// False, with file and cron table as they were, when the list cannot be made.
+bool switch_off() {
+  if (!prepare_cron_list()) return false;
   os_system("rm -rf /etc/config/rebootschedule.txt");
   os_system(
       "crontab -l | grep -v reboot> /tmp/tmp_cron_list && crontab /tmp/tmp_cron_list && rm -rf /tmp/tmp_cron_list");
+  return true;
 }
 
 }  // namespace
@@ -87,10 +99,6 @@ int handle_get_reboot_schedule(FCGX_Request* request) {
 int handle_set_reboot_schedule(FCGX_Request* request, const char* body) {
   const std::optional<Schedule> schedule = read_schedule(json::Document(body));
   if (!schedule) return answer_plain(request, kResultUnusable);
-  if (schedule->status == 0) {
-    switch_off();
-  } else if (!switch_on(*schedule)) {
-    return answer_plain(request, kResultUnusable);
-  }
-  return answer_plain(request, kResultOkWait20);
+  const bool is_done = schedule->status == 0 ? switch_off() : switch_on(*schedule);
+  return answer_plain(request, is_done ? kResultOkWait20 : kResultUnusable);
 }

@@ -1,5 +1,8 @@
 """POST /api/v1/reboot, POST /api/v1/system/config/initialize, GET and POST /api/v1/wireless/rebootschedule."""
 
+import os
+import stat
+
 import pytest
 from process_state import descriptors, resources
 
@@ -9,6 +12,7 @@ REBOOT = "/api/v1/reboot"
 RESET = "/api/v1/system/config/initialize"
 SCHEDULE = "/api/v1/wireless/rebootschedule"
 FILE = "/etc/config/rebootschedule.txt"
+CRON_LIST = "/tmp/tmp_cron_list"
 UNUSABLE = {"result": 1}
 
 
@@ -152,6 +156,37 @@ def test_switching_off_takes_every_reboot_line_out(router):
     assert router.post(SCHEDULE, schedule(status=0)).json["result"] == 0
     assert router.read("/tmp/tmp_cron_list") == "1 2 * * * other\n"
     assert not router.exists(FILE)
+
+
+@pytest.mark.parametrize("status", [0, 1])
+def test_a_planted_link_is_not_written_through(router, status):
+    router.write("/etc/victim", "kept\n")
+    os.symlink("/etc/victim", router.root.path(CRON_LIST))
+    router.tool("crontab", "-l", out="1 2 * * * other\n")
+    router.tool("crontab", CRON_LIST, exit=1)  # the list then stays for us to read
+    assert router.post(SCHEDULE, schedule(status=status)).json["result"] == 0
+    assert router.read("/etc/victim") == "kept\n"
+    listed = os.lstat(router.root.path(CRON_LIST))
+    assert stat.S_ISREG(listed.st_mode) and stat.S_IMODE(listed.st_mode) == 0o600
+    assert router.read(CRON_LIST).startswith("1 2 * * * other\n")
+
+
+@pytest.mark.parametrize("status", [0, 1])
+def test_a_planted_fifo_holds_nobody(router, status):
+    os.mkfifo(router.root.path(CRON_LIST))
+    router.tool("crontab", "-l", out="1 2 * * * other\n")
+    assert router.post(SCHEDULE, schedule(status=status)).json["result"] == 0
+    assert router.commands("crontab") == ["crontab -l", f"crontab {CRON_LIST}"]
+    assert not os.path.lexists(router.root.path(CRON_LIST))
+
+
+@pytest.mark.parametrize("status", [0, 1])
+def test_a_list_that_cannot_be_made_is_result_1_and_changes_nothing(router, status):
+    router.write(FILE, "1 7 2359")
+    os.mkdir(router.root.path(CRON_LIST))
+    assert router.post(SCHEDULE, schedule(status=status)).json == UNUSABLE
+    assert router.read(FILE) == "1 7 2359" and router.calls("crontab") == []
+    assert router.logged(f"{CRON_LIST} cannot be made", priority=3)
 
 
 @pytest.mark.parametrize("body", [
