@@ -21,10 +21,24 @@ void sync_folder_of(const std::string& path) {
   if (opened.valid()) fsync(opened.get());
 }
 
+// A FIFO is no file: it would hold its reader until somebody writes.
+UniqueFd open_for_reading(const char* path) {
+  UniqueFd file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  struct stat status {};
+  if (!file.valid() || fstat(file.get(), &status) != 0 || !S_ISFIFO(status.st_mode)) return file;
+  file.reset();
+  errno = EINVAL;
+  return file;
+}
+
 }  // namespace
 
 FilePtr open_file(const char* path, const char* mode) {
-  return FilePtr(std::fopen(path, (std::string(mode) + "e").c_str()));
+  if (std::string_view(mode) != "r") return FilePtr(std::fopen(path, (std::string(mode) + "e").c_str()));
+  UniqueFd file = open_for_reading(path);
+  FilePtr stream(file.valid() ? fdopen(file.get(), mode) : nullptr);
+  if (stream) file.release();
+  return stream;
 }
 
 UniqueFd& UniqueFd::operator=(UniqueFd&& other) noexcept {
@@ -40,7 +54,7 @@ void UniqueFd::reset(int descriptor) {
 }
 
 std::optional<std::string> read_file(const char* path, std::size_t max_bytes) {
-  const UniqueFd file(open(path, O_RDONLY | O_CLOEXEC));
+  const UniqueFd file = open_for_reading(path);
   if (!file.valid()) return std::nullopt;
   std::string content;
   std::array<char, 16384> piece{};

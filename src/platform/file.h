@@ -15,7 +15,7 @@ struct CloseFile {
 };
 using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
 
-// fopen, close-on-exec.
+// fopen, close-on-exec. A FIFO cannot be opened with "r": it would hold its reader.
 FilePtr open_file(const char* path, const char* mode);
 
 // Owner of a descriptor; -1 owns nothing.
@@ -38,7 +38,7 @@ class UniqueFd {
   int descriptor_ = -1;
 };
 
-// The whole file, or nullopt when it cannot be opened or read. At most `max_bytes` are read.
+// The whole file, or nullopt when it is a FIFO or cannot be opened or read. At most `max_bytes` are read.
 std::optional<std::string> read_file(const char* path, std::size_t max_bytes = static_cast<std::size_t>(-1));
 
 // Replaces the content of the file (made with `mode`, whatever the umask, when missing). False, with errno, on any

@@ -163,4 +163,13 @@ TEST(OpenFile, IsCloseOnExec) {
   EXPECT_NE(fcntl(fileno(file.get()), F_GETFD) & FD_CLOEXEC, 0);
 }
 
+TEST(AFifo, IsNoFileToRead) {
+  const std::string path = "/tmp/planted_fifo_test";
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  EXPECT_EQ(platform::read_file(path.c_str()), std::nullopt);
+  EXPECT_EQ(errno, EINVAL);
+  EXPECT_EQ(platform::open_file(path.c_str(), "r"), nullptr);
+  unlink(path.c_str());
+}
+
 }  // namespace
