@@ -3,9 +3,11 @@
 
 #include <fcgiapp.h>
 
+#include "request_body.h"
+
 // A handler writes the whole answer to `request->out`. Its result is for its own tests; the router ignores it.
-// `body` of a POST handler is the decrypted JSON text (the raw upload for the three upload routes), NUL-terminated,
-// or nullptr when the request had no content; it stays the router's and dies when the handler returns.
+// `body` of a POST handler is the decrypted JSON text, NUL-terminated, or nullptr when the request had no content; of
+// the three upload routes it is what arrived, as it arrived. It stays the router's and dies when the handler returns.
 
 // POST handlers, in route order.
 int handle_set_wanInfo_json(FCGX_Request* request, const char* body);
@@ -35,12 +37,12 @@ int handle_test_led(FCGX_Request* request, const char* body);
 int handle_test_switch(FCGX_Request* request, const char* body);
 int handle_test_cert_db_reset(FCGX_Request* request, const char* body);
 int handle_repeater_connect(FCGX_Request* request, const char* body);
-int handle_system_firmware(FCGX_Request* request, const char* body);
+int handle_system_firmware(FCGX_Request* request, const RawBody& body);
 int handle_set_portopen(FCGX_Request* request, const char* body);
 int handle_delete_portopen(FCGX_Request* request, const char* body);
 int handle_set_lan_network(FCGX_Request* request, const char* body);
-int handle_config_restore(FCGX_Request* request, const char* body);
-int handle_config_backup(FCGX_Request* request, const char* body);
+int handle_config_restore(FCGX_Request* request, const RawBody& body);
+int handle_config_backup(FCGX_Request* request, const RawBody& body);
 int handle_agent_wifi_client_info(FCGX_Request* request, const char* body);
 
 // GET handlers, in route order.

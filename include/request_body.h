@@ -1,13 +1,10 @@
-// How much of an upload arrived.
+// The body of an upload, as it arrived.
 #pragma once
 
-#include <cstddef>
+#include <string_view>
 
-#include <fcgiapp.h>
-
-// Bytes of the current request's body that arrived, at most CONTENT_LENGTH; 0 without a body. An upload route looks
-// here: its text may hold NUL bytes, and CONTENT_LENGTH is only what the client claims.
-std::size_t received_body_length(const FCGX_Request* request);
-
-// All that was claimed arrived, and it is not nothing.
-bool is_body_complete(const FCGX_Request* request);
+// What the client claims with CONTENT_LENGTH is never taken for what there is.
+struct RawBody {
+  std::string_view bytes = {};  // at most as many as were claimed; on loan from the router
+  bool is_complete = false;     // all that was claimed arrived, and it is not nothing
+};

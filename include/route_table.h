@@ -4,13 +4,19 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <variant>
 
 #include <fcgiapp.h>
 
-using GetHandler = int (*)(FCGX_Request* request);
-using PostHandler = int (*)(FCGX_Request* request, const char* body);
+#include "request_body.h"
 
-// One row: the whole URI (compared byte for byte, query string included) and its handler, nullptr while not built.
+using GetHandler = int (*)(FCGX_Request* request);
+using TextHandler = int (*)(FCGX_Request* request, const char* body);
+using UploadHandler = int (*)(FCGX_Request* request, const RawBody& body);
+// What a POST handler takes says whether its body is decrypted (a text) or handed over as it came (an upload).
+using PostHandler = std::variant<TextHandler, UploadHandler>;
+
+// One row: the whole URI (compared byte for byte, query string included) and its handler.
 template <class Handler>
 struct RouteEntry {
   std::string_view uri;

@@ -1,6 +1,7 @@
 // Writing of answers; texts go out as bytes, never as a format.
 #include "answer/answer.h"
 
+#include <array>
 #include <string>
 #include <utility>
 
@@ -47,6 +48,18 @@ int answer_plain(FCGX_Request* request, std::string_view text) {
 
 int answer_plain(FCGX_Request* request, json::ObjectText document) {
   return answer_plain(request, std::move(document).text());
+}
+
+int answer_file(FCGX_Request* request, std::string_view name, std::FILE* file) {
+  write_bytes(request, "Status: 200 OK\r\n");
+  write_bytes(request, "Content-Type: application/octet-stream\r\n");
+  write_bytes(request, "Content-Disposition: attachment; filename=\"" + std::string(name) + "\"\r\n\r\n");
+  std::array<char, 1024> piece{};
+  for (std::size_t got = std::fread(piece.data(), 1, piece.size(), file); got > 0;
+       got = std::fread(piece.data(), 1, piece.size(), file)) {
+    write_bytes(request, std::string_view(piece.data(), got));
+  }
+  return 0;
 }
 
 void answer_router_error(FCGX_Request* request, std::string_view message) {

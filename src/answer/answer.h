@@ -1,6 +1,7 @@
 // Answers: the header triple and one JSON text, encrypted or plain. Data is never a format.
 #pragma once
 
+#include <cstdio>
 #include <functional>
 #include <string_view>
 
@@ -24,6 +25,9 @@ int answer_plain(FCGX_Request* request, std::string_view text);
 // request must not be used afterwards; that the loop ends it again does nothing. Returns 0.
 int answer_then(FCGX_Request* request, std::string_view text, const std::function<void()>& work);
 int answer_plain(FCGX_Request* request, json::ObjectText document);
+
+// A download under this name: what the file holds from its position on.
+int answer_file(FCGX_Request* request, std::string_view name, std::FILE* file);
 
 // The router's own errors: text/plain, no status line, no newline behind the message.
 void answer_router_error(FCGX_Request* request, std::string_view message);

@@ -9,11 +9,11 @@
 #include <limits>
 #include <optional>
 #include <string>
-#include <sys/sysinfo.h>
 #include <utility>
 
 #include "answer/answer.h"
 #include "handlers.h"
+#include "platform/host.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/text.h"
@@ -51,8 +51,8 @@ std::optional<std::string> read_lease_lines() {
 }  // namespace
 
 long get_uptime_seconds() {
-  struct sysinfo info {};
-  return sysinfo(&info) == 0 ? info.uptime : std::time(nullptr);
+  const std::optional<long> uptime = platform::uptime_seconds();
+  return uptime ? *uptime : std::time(nullptr);
 }
 
 void for_each_lease(std::string_view lines, long now_s, const std::function<void(const Lease&)>& visit) {

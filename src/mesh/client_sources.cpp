@@ -2,18 +2,16 @@
 #include "mesh/client_sources.h"
 
 #include <algorithm>
-#include <arpa/inet.h>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ifaddrs.h>
-#include <memory>
 #include <utility>
 
 #include "mesh/dump_index.h"
 #include "platform/background.h"
 #include "platform/file.h"
+#include "platform/host.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "system_helpers.h"
@@ -78,21 +76,6 @@ ClientRecord record_of(const WifiClient& client) {
   return record;
 }
 
-std::optional<std::string> address_of(const char* ifname) {
-  ifaddrs* addresses = nullptr;
-  if (getifaddrs(&addresses) != 0) return std::nullopt;
-  const std::unique_ptr<ifaddrs, decltype(&freeifaddrs)> owner(addresses, freeifaddrs);
-  for (const ifaddrs* entry = addresses; entry != nullptr; entry = entry->ifa_next) {
-    if (entry->ifa_addr == nullptr || entry->ifa_addr->sa_family != AF_INET) continue;
-    if (std::strcmp(entry->ifa_name, ifname) != 0) continue;
-    std::array<char, INET_ADDRSTRLEN> text{};
-    const auto* address = reinterpret_cast<const sockaddr_in*>(entry->ifa_addr);
-    inet_ntop(AF_INET, &address->sin_addr, text.data(), text.size());
-    return text.data();
-  }
-  return std::nullopt;
-}
-
 }  // namespace
 
 std::string get_network_subnet(std::string_view ip) {
@@ -109,7 +92,7 @@ void refresh_arp() {
   constexpr unsigned int kScanTime = 2;
   os_system("echo 1 > /proc/sys/net/ipv4/conf/br-lan/arp_accept");
   os_system("ip -4 neigh flush dev br-lan");
-  const std::optional<std::string> address = address_of("br-lan");
+  const std::optional<std::string> address = platform::ipv4_address_of("br-lan");
   if (!address) return;
   // The subnet is made of four numbers of the kernel's.
   os_system("arp-scan -I br-lan --quiet " + get_network_subnet(*address) + " >/dev/null 2>&1");

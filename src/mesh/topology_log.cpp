@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
-#include <sys/stat.h>
 
 #include "platform/file.h"
 
@@ -12,18 +11,13 @@ namespace {
 
 constexpr const char* kLogPath = "/tmp/topology.log";
 constexpr std::size_t kTextSize = 1024;
-constexpr long kLogSize = 20480;
-constexpr long kLogReserve = 5120;
+constexpr std::size_t kLogSize = 20480;
+constexpr std::size_t kLogReserve = 5120;
 constexpr int kIndent = 4;
 
-long size_of(const char* path) {
-  struct stat status {};
-  return stat(path, &status) == 0 ? static_cast<long>(status.st_size) : 0;
-}
-
 void empty_full_log() {
-  const long size = size_of(kLogPath);
-  if (kLogSize - size >= kLogReserve) return;
+  const std::size_t size = platform::file_size(kLogPath).value_or(0);
+  if (size + kLogReserve <= kLogSize) return;
   platform::create_private_file(kLogPath);
   console_print("[TOPO_LOG] Log file full (%.1fKB), truncated to empty\n", static_cast<double>(size) / 1024);
 }

@@ -118,6 +118,20 @@ UniqueFd append_private_file(const std::string& path) {
   return create_private_file(path);
 }
 
+UniqueFd open_existing_for_writing(const char* path) { return UniqueFd(open(path, O_WRONLY | O_CLOEXEC)); }
+
+bool close_file(UniqueFd file) { return close(file.release()) == 0; }
+
 bool file_exists(const char* path) { return access(path, F_OK) == 0; }
+
+std::optional<std::size_t> file_size(const char* path) {
+  struct stat status {};
+  if (stat(path, &status) != 0) return std::nullopt;
+  return static_cast<std::size_t>(status.st_size);
+}
+
+bool set_file_mode(const char* path, unsigned int mode) { return chmod(path, static_cast<mode_t>(mode)) == 0; }
+
+bool remove_file(const char* path) { return unlink(path) == 0; }
 
 }  // namespace platform

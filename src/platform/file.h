@@ -58,10 +58,23 @@ UniqueFd create_private_file(const std::string& path);
 // Opens a file of our own, of that name, for appending; anything else is replaced by create_private_file().
 UniqueFd append_private_file(const std::string& path);
 
+// Opens a file that exists for writing, its content left as it is: a node of the kernel's. Invalid, with errno, when
+// it cannot be opened.
+UniqueFd open_existing_for_writing(const char* path);
+
 // Writes all of `content`. False, with errno, when any of it could not be written.
 bool write_whole(int descriptor, std::string_view content);
 
+// Closes it. False, with errno, when what was written to it cannot be kept.
+bool close_file(UniqueFd file);
+
 // The file exists (access F_OK).
 bool file_exists(const char* path);
+// The size of a file in bytes; nullopt, with errno, when it cannot be told.
+std::optional<std::size_t> file_size(const char* path);
+// Gives the file this mode, whatever the umask. False, with errno, on failure.
+bool set_file_mode(const char* path, unsigned int mode);
+// Removes the file (a link itself, not what it points to). False, with errno, when there is none or it stays.
+bool remove_file(const char* path);
 
 }  // namespace platform

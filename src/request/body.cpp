@@ -8,15 +8,9 @@
 #include <sys/mman.h>
 #include <utility>
 
-#include "request_body.h"
-
 namespace {
 
 constexpr std::size_t kPieceSize = std::size_t{64} * 1024;
-
-// Of the one request that is served at a time.
-std::size_t received = 0;
-std::size_t claimed = 0;
 
 // The claim in bytes; 0 for what is no length. Beyond int, where atoi is undefined, the claim counts as the largest.
 std::size_t claimed_length(const char* text) {
@@ -27,17 +21,16 @@ std::size_t claimed_length(const char* text) {
 
 }  // namespace
 
-Body::Body(std::size_t length) {
-  void* space = mmap(nullptr, length + 1, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+Body::Body(std::size_t claimed) : claimed_(claimed) {
+  void* space = mmap(nullptr, claimed + 1, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (space == MAP_FAILED) throw std::bad_alloc();
-  data_ = std::unique_ptr<char, Unmap>(static_cast<char*>(space), Unmap{length + 1});
+  data_ = std::unique_ptr<char, Unmap>(static_cast<char*>(space), Unmap{claimed + 1});
 }
 
 void Body::Unmap::operator()(char* data) const noexcept { munmap(data, length); }
 
 std::optional<Body> read_body(FCGX_Request* request, const char* content_length) {
-  forget_received_body();
-  claimed = claimed_length(content_length);
+  const std::size_t claimed = claimed_length(content_length);
   if (claimed == 0) return std::nullopt;
   Body body(claimed);
   while (body.size() < claimed) {
@@ -46,12 +39,5 @@ std::optional<Body> read_body(FCGX_Request* request, const char* content_length)
     body.commit(static_cast<std::size_t>(std::max(got, 0)));
     if (got < static_cast<int>(wanted)) break;
   }
-  received = body.size();
   return body;
 }
-
-void forget_received_body() { received = claimed = 0; }
-
-std::size_t received_body_length(const FCGX_Request* /*request*/) { return received; }
-
-bool is_body_complete(const FCGX_Request* /*request*/) { return received > 0 && received == claimed; }

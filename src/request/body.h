@@ -7,6 +7,8 @@
 
 #include <fcgiapp.h>
 
+#include "request_body.h"
+
 // Address space for a claimed length. The system gives memory to it as bytes arrive, so a claim costs nothing and an
 // upload stands in memory once.
 class Body {
@@ -20,6 +22,8 @@ class Body {
   // The text, NUL-terminated: memory that was never written is zero.
   [[nodiscard]] const char* c_str() const { return data_.get(); }
   [[nodiscard]] std::size_t size() const { return size_; }
+  // What an upload's handler gets, on loan.
+  [[nodiscard]] RawBody raw() const { return {{c_str(), size_}, size_ > 0 && size_ == claimed_}; }
 
  private:
   struct Unmap {
@@ -27,6 +31,7 @@ class Body {
     void operator()(char* data) const noexcept;
   };
   std::unique_ptr<char, Unmap> data_{nullptr, Unmap{}};
+  std::size_t claimed_;
   std::size_t size_ = 0;
 };
 
@@ -34,6 +39,3 @@ class Body {
 // read. Otherwise what arrived of at most that many bytes, however little; memory grows with what arrives, not with
 // the claim. Throws std::bad_alloc when even that does not fit.
 std::optional<Body> read_body(FCGX_Request* request, const char* content_length);
-
-// Forgets the last request's body, for a request without one.
-void forget_received_body();

@@ -2,12 +2,12 @@
 #include "request/dispatch.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <variant>
 
 #include "answer/answer.h"
 #include "encrypted_body.h"
@@ -22,33 +22,29 @@ namespace {
 constexpr int kHandled = 0;
 constexpr int kNotHandled = 1;
 
-// Uploads that reach their handler as they came.
-constexpr std::array<std::string_view, 3> kRawBodyUris{
-    "/api/v1/system/firmware",
-    "/api/v1/system/config/restore",
-    "/api/v1/system/config/backup",
-};
-
-bool has_raw_body(std::string_view uri) { return std::ranges::find(kRawBodyUris, uri) != kRawBodyUris.end(); }
-
 // The handler of the first row of `routes` with this URI; nullptr when there is none.
 template <class Routes>
-auto find_handler(const Routes& routes, std::string_view uri) -> decltype(routes.front().handler) {
-  const auto row = std::ranges::find_if(routes, [uri](const auto& route) { return route.uri == uri && route.handler; });
-  return row == routes.end() ? nullptr : row->handler;
+auto find_handler(const Routes& routes, std::string_view uri) -> const decltype(routes.front().handler)* {
+  const auto row = std::ranges::find_if(routes, [uri](const auto& route) { return route.uri == uri; });
+  return row == routes.end() ? nullptr : &row->handler;
 }
 
 int dispatch_get(FCGX_Request* request, std::string_view uri) {
-  const GetHandler handler = find_handler(get_routes, uri);
+  const GetHandler* handler = find_handler(get_routes, uri);
   if (handler == nullptr || has_left(request->ipcFd)) return kNotHandled;
-  handler(request);
+  (*handler)(request);
   return kHandled;
 }
 
-int call_post_handler(FCGX_Request* request, std::string_view uri, const char* body) {
-  const PostHandler handler = find_handler(post_routes, uri);
+int call_upload(UploadHandler handler, FCGX_Request* request, const std::optional<Body>& body) {
+  handler(request, body ? body->raw() : RawBody{});
+  return kHandled;
+}
+
+// nullptr: no such route, which is told only of a body that can be decrypted.
+int call_with_text(const TextHandler* handler, FCGX_Request* request, const char* body) {
   if (handler == nullptr) return kNotHandled;
-  handler(request, body);
+  (*handler)(request, body);
   return kHandled;
 }
 
@@ -65,15 +61,17 @@ int dispatch_post(FCGX_Request* request, std::string_view uri) {
     answer_router_error(request, "Memory allocation error");
     return kNotHandled;
   }
-  if (!body) return call_post_handler(request, uri, nullptr);
-  if (has_raw_body(uri)) return call_post_handler(request, uri, body->c_str());
+  const PostHandler* handler = find_handler(post_routes, uri);
+  if (const auto* upload = std::get_if<UploadHandler>(handler)) return call_upload(*upload, request, body);
+  const auto* text = std::get_if<TextHandler>(handler);
+  if (!body) return call_with_text(text, request, nullptr);
   const std::optional<std::string> plaintext = decrypt_content_api(body->c_str(), std::strlen(body->c_str()));
   if (!plaintext) {
     answer_router_error(request, "decrypt error");
     return kNotHandled;
   }
   body.reset();
-  return call_post_handler(request, uri, plaintext->c_str());
+  return call_with_text(text, request, plaintext->c_str());
 }
 
 }  // namespace

@@ -5,8 +5,7 @@
 #include <array>
 #include <cstdio>
 #include <optional>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 #include "platform/file.h"
 #include "platform/log.h"
@@ -47,9 +46,8 @@ int read_trailer(const char* path, long from_end, std::size_t size, std::string&
 
 // The bytes of the file before its trailer; nullopt when there are none.
 std::optional<std::size_t> archive_size(const char* path) {
-  struct stat status {};
-  if (stat(path, &status) != 0 || status.st_size <= static_cast<off_t>(kTrailer)) return std::nullopt;
-  return static_cast<std::size_t>(status.st_size) - kTrailer;
+  const std::optional<std::size_t> size = platform::file_size(path);
+  return size && *size > kTrailer ? std::optional(*size - kTrailer) : std::nullopt;
 }
 
 bool copy_bytes(std::FILE* from, int to, std::size_t count) {
@@ -68,7 +66,7 @@ bool copy_archive(const char* upload, const char* archive) {
   const platform::FilePtr from = platform::open_file(upload, "r");
   platform::UniqueFd to = platform::create_private_file(archive);
   if (!size || !from || !to.valid() || !copy_bytes(from.get(), to.get(), *size)) return false;
-  return close(to.release()) == 0;
+  return platform::close_file(std::move(to));
 }
 
 }  // namespace
@@ -96,7 +94,7 @@ int read_trailer_id(const char* path, std::string& id) { return read_trailer(pat
 
 bool split_backup_file(const char* upload, const char* archive) {
   if (copy_archive(upload, archive)) return true;
-  unlink(archive);
+  platform::remove_file(archive);
   return false;
 }
 
@@ -114,10 +112,10 @@ int checkBackFileMd5() {
   std::string actual;
   if (read_trailer_md5(kUploadPath, stated) == 0 && get_file_md5(kArchivePath, actual) == 0 && stated == actual) {
     log_debug("md5sum is equal\n");
-    unlink(kUploadPath);
+    platform::remove_file(kUploadPath);
     return 1;
   }
   log_error("md5sum is not equal\n");
-  unlink(kArchivePath);
+  platform::remove_file(kArchivePath);
   return 0;
 }

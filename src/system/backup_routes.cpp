@@ -4,8 +4,6 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "answer/answer.h"
 #include "handlers.h"
@@ -23,10 +21,6 @@ constexpr std::array<const char*, 3> kDownloadNames{"MX-9P300KLD-config.bin", "V
                                                     "response_field.bin"};  // by brand index
 constexpr std::string_view kResultOkWait300 = R"({"result": 0, "version": 1, "waitTime": 300})";
 
-void write_text(FCGX_Request* request, std::string_view text) {
-  FCGX_PutStr(text.data(), static_cast<int>(text.size()), request->out);
-}
-
 // The archive of the restore that runs belongs to it: no other request may touch it.
 std::atomic<bool> is_restoring{false};
 
@@ -35,25 +29,13 @@ std::atomic<bool> is_restoring{false};
 bool make_backup() {
   if (!platform::create_private_file(kBackupPath).valid()) return false;
   if (os_system(std::string("/sbin/sysupgrade --create-backup ") + kBackupPath) != 1) return false;
-  if (chmod(kBackupPath, 0600) != 0) return false;  // where the tool replaced the file
+  if (!platform::set_file_mode(kBackupPath, 0600)) return false;  // where the tool replaced the file
   if (platform::read_file(kBackupPath, 1).value_or("").empty()) return false;
   return append_md5_to_file(kBackupPath) == 0 && append_device_id_to_file(kBackupPath) == 0;
 }
 
-void send_backup(FCGX_Request* request, std::FILE* file) {
-  write_text(request, "Status: 200 OK\r\n");
-  write_text(request, "Content-Type: application/octet-stream\r\n");
-  write_text(request, std::string("Content-Disposition: attachment; filename=\"") +
-                          kDownloadNames[static_cast<std::size_t>(get_brand_index())] + "\"\r\n\r\n");
-  std::array<char, 1024> piece{};
-  for (std::size_t got = std::fread(piece.data(), 1, piece.size(), file); got > 0;
-       got = std::fread(piece.data(), 1, piece.size(), file)) {
-    write_text(request, std::string_view(piece.data(), got));
-  }
-}
-
-bool store_backup(FCGX_Request* request, const char* body) {
-  const Upload upload = store_upload(request, body, kUploadPath);
+bool store_backup(const RawBody& body) {
+  const Upload upload = store_upload(body, kUploadPath);
   if (upload == Upload::kCannotOpen) log_error("open file failed\n");
   if (upload == Upload::kCannotWrite) log_error("write to file failed\n");
   return upload == Upload::kStored;
@@ -77,7 +59,7 @@ platform::ReadyWork prepare_restore() {
   const auto restoring = std::make_shared<Restoring>();
   platform::ReadyWork restore = platform::ready_thread([restoring] {
     os_system(std::string("/sbin/sysupgrade --restore-backup ") + kArchivePath);
-    unlink(kArchivePath);
+    platform::remove_file(kArchivePath);
     os_system("/sbin/reboot");
   });
   if (!restore) log_error("create pthread fail\n");
@@ -86,29 +68,29 @@ platform::ReadyWork prepare_restore() {
 
 }  // namespace
 
-int handle_config_backup(FCGX_Request* request, const char* /*body*/) {
+int handle_config_backup(FCGX_Request* request, const RawBody& /*body*/) {
   const bool made = make_backup();
   const platform::FilePtr file = made ? platform::open_file(kBackupPath, "r") : nullptr;
   if (file) {
-    send_backup(request, file.get());
+    answer_file(request, kDownloadNames[static_cast<std::size_t>(get_brand_index())], file.get());
   } else {
     answer_plain(request, kResultUnusable);
   }
-  unlink(kBackupPath);
+  platform::remove_file(kBackupPath);
   return file ? 0 : 1;
 }
 
-int handle_config_restore(FCGX_Request* request, const char* body) {
+int handle_config_restore(FCGX_Request* request, const RawBody& body) {
   if (is_restoring) {
     log_error("a restore is under way\n");
     answer_plain(request, kResultUnusable);
     return 1;
   }
   platform::ReadyWork restore;
-  if (store_backup(request, body) && is_intact_backup()) restore = prepare_restore();
+  if (store_backup(body) && is_intact_backup()) restore = prepare_restore();
   if (!restore) {
-    unlink(kUploadPath);
-    unlink(kArchivePath);
+    platform::remove_file(kUploadPath);
+    platform::remove_file(kArchivePath);
     answer_plain(request, kResultUnusable);
     return 1;
   }

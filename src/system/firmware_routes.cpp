@@ -1,12 +1,12 @@
 // POST /api/v1/system/firmware (an uploaded image) and POST /api/v1/fwupdatechkandrun (one from the update server).
 #include <cstdlib>
 #include <string>
-#include <unistd.h>
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
 #include "handlers.h"
 #include "platform/background.h"
+#include "platform/file.h"
 #include "platform/log.h"
 #include "system/device.h"
 #include "system/update_tool.h"
@@ -21,12 +21,8 @@ constexpr std::string_view kResultInstalling = R"({"result": 0, "version": 1, "w
 constexpr const char* kVerifyResultPath = "/tmp/Download_Verify_Result";
 
 // False when not all of the upload arrived, or it cannot be stored.
-bool store_image(FCGX_Request* request, const char* body) {
-  if (FCGX_GetParam("CONTENT_LENGTH", request->envp) == nullptr) {
-    log_error(" get content length error\n");
-    return false;
-  }
-  const Upload upload = store_upload(request, body, kFirmwarePath);
+bool store_image(const RawBody& body) {
+  const Upload upload = store_upload(body, kFirmwarePath);
   if (upload == Upload::kCannotOpen) log_error("Failed to open: %s\n", kFirmwarePath);
   if (upload == Upload::kCannotWrite) log_error("Failed to write to: %s\n", kFirmwarePath);
   return upload == Upload::kStored;
@@ -34,7 +30,7 @@ bool store_image(FCGX_Request* request, const char* body) {
 
 bool verify_upload(int brand_index) {
   const UpdateTool* tool = update_tool(brand_index);
-  unlink(kVerifyResultPath);  // an earlier image's verification says nothing of this one
+  platform::remove_file(kVerifyResultPath);  // an earlier image's verification says nothing of this one
   os_system("/usr/sbin/tesmirupg.sh");
   os_system(tool != nullptr ? tool->verify : update_tool(kBrandTesmir)->verify);
   if (tool == nullptr) {
@@ -48,17 +44,17 @@ bool verify_upload(int brand_index) {
 }
 
 // 0 accepted, or the `result` to answer. An upload that is refused leaves nothing behind.
-int accept_upload(FCGX_Request* request, const char* body) {
+int accept_upload(const RawBody& body) {
   std::string running;
   if (count_running_tools(running) != 0) return 1;
   if (std::atoi(running.c_str()) != 0) return 2;
   int result = 0;
-  if (!store_image(request, body)) {
+  if (!store_image(body)) {
     result = 1;
   } else if (!verify_upload(get_brand_index())) {
     result = 3;
   }
-  if (result != 0) unlink(kFirmwarePath);
+  if (result != 0) platform::remove_file(kFirmwarePath);
   return result;
 }
 
@@ -96,7 +92,7 @@ int check_for_update(const json::Document& document, int brand_index) {
 platform::ReadyWork prepare_installation() {
   platform::ReadyWork installation =
       platform::ready_thread([install = update_tool(get_brand_index())->install] { os_system(install); });
-  if (!installation) unlink(kFirmwarePath);
+  if (!installation) platform::remove_file(kFirmwarePath);
   return installation;
 }
 
@@ -109,9 +105,9 @@ int verify_download() {
 
 }  // namespace
 
-int handle_system_firmware(FCGX_Request* request, const char* body) {
+int handle_system_firmware(FCGX_Request* request, const RawBody& body) {
   log_debug(" system upgrade start ...\n");
-  int result = accept_upload(request, body);
+  int result = accept_upload(body);
   platform::ReadyWork installation = result == 0 ? prepare_installation() : platform::ReadyWork();
   if (result == 0 && !installation) result = 1;
   answer_plain(request, answer_of(result));
@@ -130,7 +126,7 @@ int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
   if (result == 0) update = platform::ready_thread([brand_index] { run_hota_update(brand_index); });
   if (result == 0 && !update) result = 1;
   if (result != 0) {
-    unlink(kFirmwarePath);
+    platform::remove_file(kFirmwarePath);
     return answer(request, answer_of(result));
   }
   answer(request, json::result_text(0).add("version", 1).add("waitTime", 300));

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdlib>
 #include <optional>
-#include <unistd.h>
 
 #include "platform/background.h"
 #include "platform/file.h"
@@ -58,8 +57,8 @@ int check_download_fw_res(int& status) {
 
 void exec_automatic_download_and_verify(int brand_index) {
   constexpr int kAttempts = 3;
-  unlink(kFirmwarePath);
-  unlink(kVerifyResultPath);  // an earlier image's verification says nothing of this one
+  platform::remove_file(kFirmwarePath);
+  platform::remove_file(kVerifyResultPath);  // an earlier image's verification says nothing of this one
   for (int attempt = 0; attempt < kAttempts && !platform::file_exists(kFirmwarePath); ++attempt) {
     if (const UpdateTool* tool = update_tool(brand_index)) {
       os_system(tool->download);

@@ -1,7 +1,7 @@
 // Uploads: request bodies that become files.
 #pragma once
 
-#include <fcgiapp.h>
+#include "request_body.h"
 
 enum class Upload {
   kStored,
@@ -10,4 +10,4 @@ enum class Upload {
 };
 
 // Puts the body as it arrived into a file made anew, mode 0600. What is not kStored leaves no file behind.
-Upload store_upload(const FCGX_Request* request, const char* body, const char* path);
+Upload store_upload(const RawBody& body, const char* path);

@@ -3,8 +3,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include "platform/background.h"
 #include "platform/file.h"
@@ -54,13 +52,12 @@ void safe_execute_network_reload(platform::ReadyWork reload) {
 }  // namespace wan
 
 int write_debugfs_node(const char* path, const char* text) {
-  const platform::UniqueFd node(open(path, O_WRONLY | O_CLOEXEC));
+  const platform::UniqueFd node = platform::open_existing_for_writing(path);
   if (!node.valid()) {
     log_error("Failed to open %s: %s", path, std::strerror(errno));
     return -1;
   }
-  const std::size_t length = std::strlen(text);
-  if (write(node.get(), text, length) != static_cast<ssize_t>(length)) {
+  if (!platform::write_whole(node.get(), text)) {
     log_error("Failed to write '%s' to %s: %s", text, path, std::strerror(errno));
     return -1;
   }

@@ -169,7 +169,34 @@ TEST(AFifo, IsNoFileToRead) {
   EXPECT_EQ(platform::read_file(path.c_str()), std::nullopt);
   EXPECT_EQ(errno, EINVAL);
   EXPECT_EQ(platform::open_file(path.c_str(), "r"), nullptr);
-  unlink(path.c_str());
+  platform::remove_file(path.c_str());
+}
+
+TEST(FileFacts, AreToldOfWhatExists) {
+  const std::string path = "/tmp/file_facts_test";
+  ASSERT_TRUE(platform::write_file(path.c_str(), "12345"));
+  EXPECT_EQ(platform::file_size(path.c_str()), 5U);
+  EXPECT_TRUE(platform::set_file_mode(path.c_str(), 0640));
+  struct stat status {};
+  ASSERT_EQ(stat(path.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0640U);
+  EXPECT_TRUE(platform::remove_file(path.c_str()));
+  EXPECT_EQ(platform::file_size(path.c_str()), std::nullopt);
+  EXPECT_FALSE(platform::set_file_mode(path.c_str(), 0640));
+  EXPECT_FALSE(platform::remove_file(path.c_str()));
+}
+
+TEST(OpenExistingForWriting, KeepsWhatIsBehindAndMakesNothing) {
+  const std::string path = "/tmp/open_existing_test";
+  EXPECT_FALSE(platform::open_existing_for_writing(path.c_str()).valid());
+  EXPECT_FALSE(platform::file_exists(path.c_str()));
+  ASSERT_TRUE(platform::write_file(path.c_str(), "12345"));
+  platform::UniqueFd file = platform::open_existing_for_writing(path.c_str());
+  ASSERT_TRUE(file.valid());
+  EXPECT_TRUE(platform::write_whole(file.get(), "ab"));
+  EXPECT_TRUE(platform::close_file(std::move(file)));
+  EXPECT_EQ(platform::read_file(path.c_str()), "ab345");
+  platform::remove_file(path.c_str());
 }
 
 }  // namespace

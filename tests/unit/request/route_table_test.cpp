@@ -96,7 +96,7 @@ TEST(RouteTable, EveryUriIsUniqueWithinItsTable) {
 TEST(RouteTable, EveryRowHasAHandlerOfItsOwn) {
   std::set<PostHandler> posts;
   for (const PostRoute& route : post_routes) {
-    ASSERT_NE(route.handler, nullptr) << route.uri;
+    ASSERT_TRUE(std::visit([](auto handler) { return handler != nullptr; }, route.handler)) << route.uri;
     EXPECT_TRUE(posts.insert(route.handler).second) << route.uri;
   }
   std::set<GetHandler> gets;
@@ -104,6 +104,15 @@ TEST(RouteTable, EveryRowHasAHandlerOfItsOwn) {
     ASSERT_NE(route.handler, nullptr) << route.uri;
     EXPECT_TRUE(gets.insert(route.handler).second) << route.uri;
   }
+}
+
+TEST(RouteTable, ThreeRowsTakeUploads) {
+  std::set<std::string_view> uploads;
+  for (const PostRoute& route : post_routes) {
+    if (std::holds_alternative<UploadHandler>(route.handler)) uploads.insert(route.uri);
+  }
+  EXPECT_EQ(uploads, (std::set<std::string_view>{"/api/v1/system/firmware", "/api/v1/system/config/restore",
+                                                 "/api/v1/system/config/backup"}));
 }
 
 }  // namespace
