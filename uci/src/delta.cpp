@@ -131,7 +131,7 @@ std::string format_record(std::string_view package, const Record& record) {
   if (const char letter = uci_command_char[record.command]; letter != '\0') line += letter;
   ((line += package) += '.') += record.section;
   if (record.option != nullptr) (line += '.') += record.option;
-  if (record.value != nullptr) (line += '=') += quoted(record.value);
+  if (record.value != nullptr) append_quoted(line += '=', record.value);
   return line += '\n';
 }
 

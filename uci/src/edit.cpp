@@ -20,18 +20,20 @@ void require(bool condition, int code) {
   if (!condition) throw Failure{code};
 }
 
+constexpr const char* kEndsAName = "'\"\\#;=.";
+
 // Names stand unquoted in delta and package files. What would end the name, or the record, there could change others.
 bool is_recordable(std::string_view name, const uci_package& package) {
-  if (!package.has_delta) return is_name(name);
+  if (is_name(name) || !package.has_delta) return is_name(name);
   return !name.empty() && std::ranges::none_of(name, [](char character) {
-    return static_cast<unsigned char>(character) < ' ' || std::strchr("'\"\\#;=.", character) != nullptr;
+    return static_cast<unsigned char>(character) < ' ' || std::strchr(kEndsAName, character) != nullptr;
   });
 }
 
 // A record begins with the package's name: it must not look like a kind of record, and end where it ends.
 bool is_recordable(const uci_package& package) {
   if (!package.has_delta) return true;
-  return std::strpbrk(package.e.name, "'\"\\#;=.") == nullptr && std::strchr("+-@^|~", package.e.name[0]) == nullptr;
+  return std::strpbrk(package.e.name, kEndsAName) == nullptr && std::strchr("+-@^|~", package.e.name[0]) == nullptr;
 }
 
 // The record of a change: made before it, so that nothing can fail behind it, and kept after it. Throws

@@ -10,10 +10,14 @@
 namespace uci {
 namespace {
 
-bool is_alnum(char character) {
-  return (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z') ||
-         (character >= 'A' && character <= 'Z');
-}
+constexpr std::array<bool, 256> kNameBytes = [] {
+  std::array<bool, 256> table{};
+  for (const char character : std::string_view("0123456789_ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"))
+    table[static_cast<unsigned char>(character)] = true;
+  return table;
+}();
+
+bool is_name_byte(char character) { return kNameBytes[static_cast<unsigned char>(character)]; }
 
 class StatementParser {
  public:
@@ -156,12 +160,10 @@ class SectionsSink final : public PackageSink {
 }  // namespace
 
 bool is_package_name(std::string_view name) {
-  return !name.empty() && std::ranges::all_of(name, [](char c) { return is_alnum(c) || c == '_' || c == '-'; });
+  return !name.empty() && std::ranges::all_of(name, [](char c) { return is_name_byte(c) || c == '-'; });
 }
 
-bool is_name(std::string_view name) {
-  return !name.empty() && std::ranges::all_of(name, [](char c) { return is_alnum(c) || c == '_'; });
-}
+bool is_name(std::string_view name) { return !name.empty() && std::ranges::all_of(name, is_name_byte); }
 
 bool is_type(std::string_view type) {
   return !type.empty() && std::ranges::all_of(type, [](char c) { return c >= 33 && c <= 126; });

@@ -20,18 +20,25 @@ constexpr std::array<bool, 256> kSpecial = [] {
 
 }  // namespace
 
+// The source's line lives until the next one is read: a text that is to grow moves away first.
+void WordReader::own_text() {
+  if (text_.data() != joined_.data()) joined_.assign(text_);
+}
+
 bool WordReader::append_line() {
+  const bool is_first = text_.empty();
+  if (!is_first) own_text();
   const std::string_view line = lines_.next();
   // Padding behind the last line end, as of a text in a C buffer, is no line.
   if (line.find_first_not_of('\0') == std::string_view::npos) return false;
   if (line.back() == '\n') ++line_;
-  text_.append(line);
+  text_ = is_first ? line : joined_.append(line);
   if (line.find('\0') != std::string_view::npos) throw WordError{"invalid command"};
   return true;
 }
 
 bool WordReader::next_line() {
-  text_.clear();
+  text_ = {};
   position_ = keyword_position_ = 0;
   statement_ended_ = behind_semicolon_ = may_end_line_ = false;
   return append_line();
@@ -61,8 +68,8 @@ std::string_view WordReader::keyword() {
     return "";
   }
   const std::size_t begin = position_;
-  position_ = std::min(text_.find_first_of(" \t", begin), text_.size());
-  const std::string_view keyword = std::string_view(text_).substr(begin, position_ - begin);
+  while (!at_end() && text_[position_] != ' ' && text_[position_] != '\t') ++position_;
+  const std::string_view keyword = text_.substr(begin, position_ - begin);
   keyword_ended_file_ = at_end();
   if (!at_end()) ++position_;
   return keyword;
@@ -83,7 +90,10 @@ void WordReader::end_statement(bool plain_word_before) {
 
 void WordReader::read_escaped(std::string& word) {
   if (is_line_end(position_ + 1)) {
-    text_.resize(position_ + 1);  // the backslash stays in the count of bytes, its line end does not
+    // The backslash stays in the count of bytes, its line end does not.
+    own_text();
+    joined_.resize(position_ + 1);
+    text_ = joined_;
     ++position_;
     append_line();
     return;
@@ -95,7 +105,7 @@ void WordReader::read_escaped(std::string& word) {
 void WordReader::read_single_quoted(std::string& word) {
   ++position_;
   std::size_t end = text_.find('\'', position_);
-  while (end == std::string::npos) {
+  while (end == std::string_view::npos) {
     const std::size_t size = text_.size();
     if (!append_line()) throw WordError{"EOF with unterminated '"};
     end = text_.find('\'', size);

@@ -43,6 +43,7 @@ class WordReader {
 
  private:
   bool append_line();
+  void own_text();
   bool at_end() const { return position_ >= text_.size(); }
   void read_plain(std::string& word);
   void read_single_quoted(std::string& word);
@@ -53,7 +54,8 @@ class WordReader {
   void end_statement(bool plain_word_before);
 
   LineSource& lines_;
-  std::string text_;
+  std::string_view text_;  // the source's line, or, for a statement line of several
+  std::string joined_;
   std::size_t position_ = 0;
   std::size_t keyword_position_ = 0;
   int line_ = 0;

@@ -30,9 +30,11 @@ std::optional<std::string> kept_text(const char* text) {
   return text == nullptr ? std::nullopt : std::optional<std::string>(text);
 }
 
-std::vector<Kept> read(const std::string& text, std::string& written) {
+std::vector<Kept> read(std::string text, std::string& written) {
   std::vector<Kept> records;
-  uci::read_records(text, "t", [&](const uci::Record& record) {
+  const StreamPtr stream = fuzzing::stream_on(text);
+  uci::StreamLines lines(stream.get());
+  uci::read_records(lines, "t", [&](const uci::Record& record) {
     records.push_back({record.command, record.section, kept_text(record.option), kept_text(record.value)});
     written += uci::format_record("t", record);
   });
@@ -55,10 +57,12 @@ uci_package* import_base(uci_context* context) {
   return package;
 }
 
-void check_applying(const std::string& text) {
+void check_applying(std::string text) {
   const ContextPtr context = fuzzing::new_context(true);
   uci_package* package = import_base(context.get());
-  uci::apply_records(text, *package);
+  const StreamPtr stream = fuzzing::stream_on(text);
+  uci::StreamLines lines(stream.get());
+  uci::apply_records(lines, *package);
   const std::string written = fuzzing::export_text(context.get(), package);
   const ContextPtr other = fuzzing::new_context(false);  // two sections may have one name now
   fuzzing::require(fuzzing::import_single(other.get(), written) != nullptr, "what was applied cannot be read");
