@@ -17,6 +17,13 @@ struct Put {
 };
 using JsonPtr = std::unique_ptr<json_object, Put>;
 
+// json-c writes the text as it stands.
+bool is_plain(std::string_view text) {
+  return std::ranges::all_of(text, [](char character) {
+    return character >= ' ' && character <= '~' && character != '"' && character != '\\' && character != '/';
+  });
+}
+
 // Wraps what was collected in place, so that a long text is never copied.
 std::string enclose(char open, std::string inside, char close) {
   if (inside.empty()) return {open, ' ', close};
@@ -37,6 +44,7 @@ std::size_t end_of_string(std::string_view text, std::size_t at) {
 }  // namespace
 
 std::string quoted(std::string_view text) {
+  if (is_plain(text)) return std::string(1, '"').append(text).append(1, '"');
   const std::string valid = platform::valid_utf8(text);
   const JsonPtr value(json_object_new_string_len(valid.data(), static_cast<int>(valid.size())));
   return json_object_to_json_string(value.get());
@@ -46,7 +54,18 @@ ObjectText& ObjectText::add(const char* key, const char* value) {
   return value == nullptr ? add_raw(key, "null") : add(key, std::string_view(value));
 }
 
-ObjectText& ObjectText::add(const char* key, ListText value) { return add_raw(key, std::move(value).text()); }
+// A long list becomes the object's text where it stands, behind what was added before it.
+ObjectText& ObjectText::add(const char* key, ListText value) {
+  std::string list = std::move(value).text();
+  add_raw(key, {});
+  if (list.capacity() - list.size() >= members_.size()) {
+    list.insert(0, members_);
+    members_ = std::move(list);
+    return *this;
+  }
+  members_ += list;
+  return *this;
+}
 
 // Each member begins with the ',' before it; the first one's place becomes the brace.
 ObjectText& ObjectText::add_raw(const char* key, std::string_view value) {

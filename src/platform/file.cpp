@@ -57,7 +57,7 @@ std::optional<std::string> read_file(const char* path, std::size_t max_bytes) {
   const UniqueFd file = open_for_reading(path);
   if (!file.valid()) return std::nullopt;
   std::string content;
-  std::array<char, 16384> piece{};
+  std::array<char, 16384> piece;
   while (content.size() < max_bytes) {
     const ssize_t got = read(file.get(), piece.data(), std::min(piece.size(), max_bytes - content.size()));
     if (got < 0 && errno == EINTR) continue;

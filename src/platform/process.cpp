@@ -127,7 +127,7 @@ class Output {
 
 // Reads a piece of the output; closes the pipe at its end, or when no more is wanted.
 void drain(UniqueFd& pipe, Output& output) {
-  std::array<char, 65536> piece{};
+  std::array<char, 65536> piece;  // not cleared: that would take longer than most outputs
   const ssize_t got = read(pipe.get(), piece.data(), piece.size());
   if (got < 0 && (errno == EINTR || errno == EAGAIN)) return;
   if (got <= 0 || !output.take({piece.data(), static_cast<std::size_t>(got)})) pipe.reset();
@@ -271,8 +271,7 @@ ProcessResult run_shell(const std::string& command, const ProcessOptions& option
   return run({"/bin/sh", "-c", command}, options);
 }
 
-std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
-  std::vector<std::string> lines;
+void for_each_line(std::string_view text, std::size_t size, const std::function<void(const std::string&)>& visit) {
   while (!text.empty()) {
     const std::size_t line_feed = text.find('\n');
     std::size_t taken = line_feed == std::string_view::npos ? text.size() : line_feed + 1;
@@ -280,8 +279,13 @@ std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
     std::string_view line = text.substr(0, taken);
     text.remove_prefix(taken);
     if (line.ends_with('\n')) line.remove_suffix(1);
-    lines.emplace_back(line);
+    visit(std::string(line));
   }
+}
+
+std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
+  std::vector<std::string> lines;
+  for_each_line(text, size, [&lines](const std::string& line) { lines.push_back(line); });
   return lines;
 }
 

@@ -30,6 +30,28 @@ TEST(ObjectText, IsSpacedAsJsonCDoes) {
   EXPECT_EQ(ListText().text(), "[ ]");
 }
 
+TEST(ObjectText, QuotesEveryByteAsJsonCDoes) {
+  for (int byte = 0; byte < 128; ++byte) {
+    const std::string text = std::string("a") + static_cast<char>(byte) + "z";
+    json_object* value = json_object_new_string_len(text.data(), static_cast<int>(text.size()));
+    EXPECT_EQ(json::quoted(text), json_object_to_json_string(value)) << byte;
+    json_object_put(value);
+  }
+}
+
+TEST(ObjectText, TakesAListOfAnyLengthBehindWhatItHolds) {
+  for (const std::size_t length : {0, 1, 5, 1000}) {
+    ListText list;
+    std::string expected;
+    for (std::size_t count = 0; count < length; ++count) expected += (count == 0 ? "1" : ", 1");
+    for (std::size_t count = 0; count < length; ++count) list.add(1);
+    ObjectText document;
+    document.add("before", std::string(100, 'b')).add("list", std::move(list)).add("after", 2);
+    EXPECT_EQ(document.text(), "{ \"before\": \"" + std::string(100, 'b') + "\", \"list\": [ " + expected +
+                                   (length == 0 ? "" : " ") + "], \"after\": 2 }");
+  }
+}
+
 TEST(ObjectText, IsAlwaysValidUtf8) {
   EXPECT_EQ(ObjectText().add("ssid", std::string_view("caf\xE9 \xC3\xA9")).text(),
             "{ \"ssid\": \"caf\xEF\xBF\xBD \xC3\xA9\" }");
