@@ -77,9 +77,11 @@ int main(int argc, char** argv) {
   FCGX_Init();
   FCGX_Request request;
   FCGX_InitRequest(&request, listening_socket, 0);
+  platform::return_free_memory();
   while (FCGX_Accept_r(&request) == 0) {
     dispatch_guarded(&request);
     FCGX_Finish_r(&request);
+    platform::return_free_memory();
   }
   std::perror("FCGX_Accept_r");
   return 0;

@@ -2,12 +2,14 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "answer/answer.h"
 #include "handlers.h"
 #include "mesh/client_scenarios.h"
 #include "mesh/topology_log.h"
 #include "platform/log.h"
+#include "platform/memory.h"
 #include "uci_access.h"
 
 namespace {
@@ -24,10 +26,15 @@ MeshState read_mesh_state() {
   return {std::atoi(enabled.c_str()) != 0, uci_read_or("button_mesh", "easymesh", "role", 16, "")};
 }
 
+void copy_addresses(const ClientTable& arp, ClientTable& clients) {
+  for (ClientRecord& row : clients.rows()) {
+    if (const ClientRecord* known = arp.find(row.mac)) row.ip = known->ip;
+  }
+}
+
 // nullopt when the mesh cannot be asked.
-std::optional<ClientTable> collect_clients(const MeshState& mesh, const ClientTable& arp) {
-  if (!mesh.enabled) return handle_non_mesh_scenario(arp);
-  const std::optional<std::string> dump = get_topology_dump();
+std::optional<ClientTable> collect_mesh_clients(const MeshState& mesh, const ClientTable& arp) {
+  std::optional<std::string> dump = get_topology_dump();
   if (!dump) {
     if (mesh.is_agent()) log_error("Failed to get agent topology data");
     return std::nullopt;
@@ -38,14 +45,17 @@ std::optional<ClientTable> collect_clients(const MeshState& mesh, const ClientTa
     return handle_agent_scenario(topology);
   }
   const TopologyInfo topology = parse_topology(*dump);
+  dump.reset();
   print_topology(topology);
   return handle_controller_scenario(arp, topology);
 }
 
-void copy_addresses(const ClientTable& arp, ClientTable& clients) {
-  for (ClientRecord& row : clients.rows()) {
-    if (const ClientRecord* known = arp.find(row.mac)) row.ip = known->ip;
-  }
+std::optional<ClientTable> collect_clients(const MeshState& mesh) {
+  ClientTable arp = collect_arp_clients();
+  if (!mesh.enabled) return handle_non_mesh_scenario(std::move(arp));  // whose rows have their addresses
+  std::optional<ClientTable> clients = collect_mesh_clients(mesh, arp);
+  if (clients) copy_addresses(arp, *clients);
+  return clients;
 }
 
 json::ObjectText client_entry(const ClientRecord& row) {
@@ -91,18 +101,22 @@ json::ObjectText build_document(const MeshState& mesh, const ClientTable& client
   return document;
 }
 
+// The document; the tables that it is made of are gone. nullopt when the mesh cannot be asked.
+std::optional<std::string> describe_clients(const MeshState& mesh) {
+  const std::optional<ClientTable> clients = collect_clients(mesh);
+  return clients ? std::optional(build_document(mesh, *clients).text()) : std::nullopt;
+}
+
 }  // namespace
 
 // Answers nothing when the mesh cannot be asked. Kept as it is.
 int handle_get_client_list(FCGX_Request* request) {
   const MeshState mesh = read_mesh_state();
   refresh_arp();
-  const ClientTable arp = collect_arp_clients();
-  std::optional<ClientTable> clients = collect_clients(mesh, arp);
-  if (!clients) return mesh.is_agent() ? 1 : -1;
-  copy_addresses(arp, *clients);
-  const std::string text = build_document(mesh, *clients).text();
-  topo_log("handle_get_client_list = %s\n", json::pretty(text).c_str());
-  answer(request, text);
+  const std::optional<std::string> text = describe_clients(mesh);
+  if (!text) return mesh.is_agent() ? 1 : -1;
+  platform::return_free_memory();
+  topo_log("handle_get_client_list = %s\n", json::pretty(*text).c_str());
+  answer(request, *text);
   return -1;
 }

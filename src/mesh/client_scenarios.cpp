@@ -50,10 +50,8 @@ void merge_wifi_over_arp(ClientTable& clients, const ClientRecord& wifi) {
 
 }  // namespace
 
-ClientTable handle_non_mesh_scenario(const ClientTable& arp) {
+ClientTable handle_non_mesh_scenario(ClientTable clients) {
   const ClientTable wifi = collect_wifi_clients();
-  ClientTable clients;
-  for (const ClientRecord& row : arp.rows()) clients.merge(row);
   for (const ClientRecord& row : wifi.rows()) merge_wifi_over_arp(clients, row);
   WiredPorts ports;
   for (ClientRecord& row : clients.rows()) {

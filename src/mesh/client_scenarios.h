@@ -1,13 +1,16 @@
 // How the sources become one list: without a mesh, on the controller, on a satellite.
 #pragma once
 
+#include <vector>
+
 #include "mesh/client_sources.h"
 #include "mesh/client_table.h"
 #include "mesh/topology.h"
 
 inline constexpr int kMostSatellites = 16;
 
-ClientTable handle_non_mesh_scenario(const ClientTable& arp);
+// The rows of `clients` are those of the ARP table.
+ClientTable handle_non_mesh_scenario(ClientTable clients);
 ClientTable handle_controller_scenario(const ClientTable& arp, const TopologyInfo& topology);
 ClientTable handle_agent_scenario(const AgentTopo& topology);
 

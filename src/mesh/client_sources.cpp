@@ -76,6 +76,30 @@ ClientRecord record_of(const WifiClient& client) {
   return record;
 }
 
+// A complete row of br-lan; nullopt for any other line.
+std::optional<ClientRecord> read_arp_row(const std::string& line) {
+  constexpr unsigned int kComplete = 0x2;
+  std::array<char, 16> ip{};
+  std::array<char, 16> type{};
+  std::array<char, 16> flags{};
+  std::array<char, 18> mac{};
+  std::array<char, 16> mask{};
+  std::array<char, 16> device{};
+  if (std::sscanf(line.c_str(), "%15s %15s %15s %17s %15s %15s", ip.data(), type.data(), flags.data(), mac.data(),
+                  mask.data(), device.data()) != 6) {
+    return std::nullopt;
+  }
+  unsigned int bits = 0;
+  const bool complete = std::sscanf(flags.data(), "0x%8x", &bits) == 1 && (bits & kComplete) != 0;
+  if (!complete || std::strcmp(device.data(), "br-lan") != 0) return std::nullopt;
+  if (std::strcmp(mac.data(), "00:00:00:00:00:00") == 0) return std::nullopt;
+  ClientRecord record;
+  record.mac = normalize_mac(mac.data());
+  record.ip = ip.data();
+  record.fromArp = true;
+  return record;
+}
+
 }  // namespace
 
 std::string get_network_subnet(std::string_view ip) {
@@ -100,31 +124,12 @@ void refresh_arp() {
 }
 
 ClientTable parse_arp_clients(std::string_view proc_net_arp) {
-  constexpr unsigned int kComplete = 0x2;
   ClientTable table;
   bool is_heading = true;
-  for (const std::string& line : platform::split_lines(proc_net_arp)) {
-    if (std::exchange(is_heading, false)) continue;
-    std::array<char, 16> ip{};
-    std::array<char, 16> type{};
-    std::array<char, 16> flags{};
-    std::array<char, 18> mac{};
-    std::array<char, 16> mask{};
-    std::array<char, 16> device{};
-    if (std::sscanf(line.c_str(), "%15s %15s %15s %17s %15s %15s", ip.data(), type.data(), flags.data(), mac.data(),
-                    mask.data(), device.data()) != 6) {
-      continue;
-    }
-    unsigned int bits = 0;
-    const bool complete = std::sscanf(flags.data(), "0x%8x", &bits) == 1 && (bits & kComplete) != 0;
-    if (!complete || std::strcmp(device.data(), "br-lan") != 0) continue;
-    if (std::strcmp(mac.data(), "00:00:00:00:00:00") == 0) continue;
-    ClientRecord record;
-    record.mac = normalize_mac(mac.data());
-    record.ip = ip.data();
-    record.fromArp = true;
-    table.merge(record);
-  }
+  platform::for_each_line(proc_net_arp, 0, [&](const std::string& line) {
+    if (std::exchange(is_heading, false)) return;
+    if (const std::optional<ClientRecord> record = read_arp_row(line)) table.merge(*record);
+  });
   return table;
 }
 
@@ -155,23 +160,23 @@ std::optional<int> get_interface_port(const char* ifname) {
   return port;
 }
 
-std::unordered_map<std::string, int> parse_bridge_ports(std::string_view showmacs) {
-  std::unordered_map<std::string, int> ports;
+std::unordered_map<std::uint64_t, int> parse_bridge_ports(std::string_view showmacs) {
+  std::unordered_map<std::uint64_t, int> ports;
   bool is_heading = true;
-  for (const std::string& line : platform::split_lines(showmacs)) {
-    if (std::exchange(is_heading, false)) continue;
+  platform::for_each_line(showmacs, 0, [&](const std::string& line) {
+    if (std::exchange(is_heading, false)) return;
     int port = 0;
     std::array<char, 18> learned{};
     if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2) {
-      ports.try_emplace(mac_digits(learned.data()), port);
+      ports.try_emplace(mac_key(learned.data()), port);
     }
-  }
+  });
   return ports;
 }
 
 std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view mac) {
   const auto ports = parse_bridge_ports(showmacs);
-  const auto known = ports.find(mac_digits(mac));
+  const auto known = ports.find(mac_key(mac));
   return known == ports.end() ? std::nullopt : std::optional(known->second);
 }
 
@@ -187,7 +192,7 @@ bool WiredPorts::is_wired_device(std::string_view mac) {
   if (!eth0_) log_error("Failed to get eth0 port");
   if (eth0_ && !eth2_) log_error("Failed to get eth2 port");
   if (!eth0_ || !eth2_) return false;
-  const auto known = ports_.find(mac_digits(mac));
+  const auto known = ports_.find(mac_key(mac));
   if (known == ports_.end()) {
     log_error("Target MAC %s not found in bridge", std::string(mac).c_str());
     return false;

@@ -26,9 +26,9 @@ ClientTable collect_wifi_clients();
 
 // The bridge port of an interface, from its port_no file ("0x2" or "2"); nullopt without one.
 std::optional<int> get_interface_port(const char* ifname);
-// The ports that MACs were learned on, by their digits, out of what `brctl showmacs` printed; of a MAC that stands
+// The ports that MACs were learned on, by mac_key, out of what `brctl showmacs` printed; of a MAC that stands
 // there twice, the first.
-std::unordered_map<std::string, int> parse_bridge_ports(std::string_view showmacs);
+std::unordered_map<std::uint64_t, int> parse_bridge_ports(std::string_view showmacs);
 // The bridge port that one MAC was learned on; nullopt when it was not.
 std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view mac);
 
@@ -42,7 +42,7 @@ class WiredPorts {
   bool read_ = false;
   std::optional<int> eth0_;
   std::optional<int> eth2_;
-  std::unordered_map<std::string, int> ports_;
+  std::unordered_map<std::uint64_t, int> ports_;
 };
 
 // The agent's own view of the mesh: the devices it sees, and its legacy wired devices.

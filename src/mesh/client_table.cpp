@@ -45,12 +45,24 @@ std::string normalize_mac(std::string_view text) {
   return mac;
 }
 
-std::string mac_digits(std::string_view text) { return digits_of(text, kMacDigits); }
+std::uint64_t mac_key(std::string_view text) {
+  constexpr int kBitsOfAll = 4 * kMacDigits;
+  std::uint64_t digits = 0;
+  std::uint64_t count = 0;
+  for (const char character : text) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (std::isxdigit(byte) == 0 || count == kMacDigits) continue;
+    const int digit = std::isdigit(byte) != 0 ? byte - '0' : std::toupper(byte) - 'A' + 10;
+    digits = digits << 4U | static_cast<std::uint64_t>(digit);
+    ++count;
+  }
+  return count << kBitsOfAll | digits;
+}
 
-bool mac_equal(std::string_view left, std::string_view right) { return mac_digits(left) == mac_digits(right); }
+bool mac_equal(std::string_view left, std::string_view right) { return mac_key(left) == mac_key(right); }
 
 void ClientTable::merge(const ClientRecord& record) {
-  const auto [known, is_new] = positions_.try_emplace(mac_digits(record.mac), rows_.size());
+  const auto [known, is_new] = positions_.try_emplace(mac_key(record.mac), rows_.size());
   if (is_new) {
     rows_.push_back(record);
   } else {
@@ -59,12 +71,12 @@ void ClientTable::merge(const ClientRecord& record) {
 }
 
 ClientRecord* ClientTable::find(std::string_view mac) {
-  const auto known = positions_.find(mac_digits(mac));
+  const auto known = positions_.find(mac_key(mac));
   return known == positions_.end() ? nullptr : &rows_[known->second];
 }
 
 const ClientRecord* ClientTable::find(std::string_view mac) const {
-  const auto known = positions_.find(mac_digits(mac));
+  const auto known = positions_.find(mac_key(mac));
   return known == positions_.end() ? nullptr : &rows_[known->second];
 }
 

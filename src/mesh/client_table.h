@@ -2,10 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 struct ClientRecord {
   std::string mac;         // as normalize_mac writes it
@@ -23,8 +24,8 @@ struct ClientRecord {
 // Upper case with colons when the text holds exactly twelve hexadecimal digits, else the text itself (17 bytes).
 std::string normalize_mac(std::string_view text);
 
-// The hexadecimal digits in upper case, twelve at most: what tells one MAC from another.
-std::string mac_digits(std::string_view text);
+// What tells one MAC from another: its hexadecimal digits, twelve at most, and how many there are.
+std::uint64_t mac_key(std::string_view text);
 
 // The hexadecimal digits of both, twelve at most, are the same in any case and number.
 bool mac_equal(std::string_view left, std::string_view right);
@@ -36,12 +37,12 @@ class ClientTable {
   void merge(const ClientRecord& record);
   ClientRecord* find(std::string_view mac);
   [[nodiscard]] const ClientRecord* find(std::string_view mac) const;
-  std::vector<ClientRecord>& rows() { return rows_; }
-  [[nodiscard]] const std::vector<ClientRecord>& rows() const { return rows_; }
+  std::deque<ClientRecord>& rows() { return rows_; }
+  [[nodiscard]] const std::deque<ClientRecord>& rows() const { return rows_; }
 
  private:
-  std::vector<ClientRecord> rows_;
-  std::unordered_map<std::string, std::size_t> positions_;  // by mac_digits
+  std::deque<ClientRecord> rows_;                             // a long table grows without a copy of itself
+  std::unordered_map<std::uint64_t, std::size_t> positions_;  // by mac_key
 };
 
 void client_table_merge(ClientTable& table, const ClientRecord& record);

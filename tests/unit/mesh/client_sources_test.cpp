@@ -80,8 +80,8 @@ TEST(ParseBridgePorts, KnowsAMacInAnyNotationByItsDigits) {
   const auto ports =
       parse_bridge_ports("port no\tmac addr\n  1\taa:bb:cc:dd:ee:02\tno\n  2\tAABBCCDDEE02\n  3\tx\n4\n");
   EXPECT_EQ(ports.size(), 2U);
-  EXPECT_EQ(ports.at("AABBCCDDEE02"), 1);
-  EXPECT_EQ(ports.at(""), 3);
+  EXPECT_EQ(ports.at(mac_key("AABBCCDDEE02")), 1);
+  EXPECT_EQ(ports.at(mac_key("")), 3);
 }
 
 TEST(GetNetworkSubnet, ReplacesTheLastPart) {
