@@ -291,9 +291,10 @@ def machine_programs(*names: str) -> dict[str, str]:
 
 
 def emulator() -> list[str]:
-    """What runs a program of another processor in a root: ROUTER_API_EMULATOR names the machine's qemu. Else nothing."""
-    program = os.environ.get("ROUTER_API_EMULATOR")
-    return ["/machine" + os.path.realpath(program)] if program else []
+    """What runs the program in a root in place of the processor: ROUTER_API_EMULATOR names the machine's qemu, with its
+    options. Else nothing."""
+    words = shlex.split(os.environ.get("ROUTER_API_EMULATOR", ""))
+    return ["/machine" + os.path.realpath(words[0]), *words[1:]] if words else []
 
 
 @functools.cache
