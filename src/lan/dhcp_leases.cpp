@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -50,12 +51,12 @@ std::optional<std::string> read_lease_lines() {
 
 }  // namespace
 
-long get_uptime_seconds() {
+std::int64_t get_uptime_seconds() {
   const std::optional<long> uptime = platform::uptime_seconds();
   return uptime ? *uptime : std::time(nullptr);
 }
 
-void for_each_lease(std::string_view lines, long now_s, const std::function<void(const Lease&)>& visit) {
+void for_each_lease(std::string_view lines, std::int64_t now_s, const std::function<void(const Lease&)>& visit) {
   while (!lines.empty()) {
     // As fgets gives them to a reader with a buffer: a longer line comes in pieces.
     const std::string_view line = lines.substr(0, std::min(lines.find('\n'), kLineMax - 1) + 1);
@@ -63,14 +64,14 @@ void for_each_lease(std::string_view lines, long now_s, const std::function<void
     const auto fields = split_at_commas(line.substr(0, line.find_first_of("\r\n")));
     if (!fields) continue;
     const auto& [expiry_text, mac, ip] = *fields;
-    const long expiry = std::strtol(std::string(expiry_text).c_str(), nullptr, 10);
+    const std::int64_t expiry = std::strtoll(std::string(expiry_text).c_str(), nullptr, 10);
     if (expiry == 0 || expiry <= now_s) continue;
-    visit({ip, mac, static_cast<int>(std::min<long>(expiry - now_s, std::numeric_limits<int>::max()))});
+    visit({ip, mac, static_cast<int>(std::min<std::int64_t>(expiry - now_s, std::numeric_limits<int>::max()))});
   }
 }
 
 int handle_get_dhcp_client(FCGX_Request* request) {
-  const long now_s = get_uptime_seconds();
+  const std::int64_t now_s = get_uptime_seconds();
   if (now_s < 0) {
     std::perror("error, fail to call time()\n");
     return answer(request, kResultFailed);

@@ -1,6 +1,7 @@
 // Active DHCP leases.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string_view>
 
@@ -13,7 +14,7 @@ struct Lease {
 
 // Visits the leases of lines "EXPIRY,MAC,IP" that end after `now_s`, in their order; 0 is a lease without an end, which
 // is left out.
-void for_each_lease(std::string_view lines, long now_s, const std::function<void(const Lease&)>& visit);
+void for_each_lease(std::string_view lines, std::int64_t now_s, const std::function<void(const Lease&)>& visit);
 
 // The system's uptime in seconds; the wall-clock time where that cannot be told; -1 where neither can.
-long get_uptime_seconds();
+std::int64_t get_uptime_seconds();
