@@ -277,6 +277,9 @@ class Router:
             raise RuntimeError("ROUTER_API_BIN is not set: run the tests through ctest or script/test")
         self.root.mount(binary, "/usr/sbin/router-api")
         environment = {**SANITIZER_OPTIONS, **self.environment}
+        if (libuci := program("SYSTEM_UCI_LIB")) is not None:
+            self.root.mount(libuci, f"/router/lib/{libuci.name}")
+            environment["LD_LIBRARY_PATH"] = "/router/lib"
         environment["FAST_TIME_RATE"] = str(self.time_rate)
         shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci}
         loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None]
