@@ -203,9 +203,9 @@ int uci_delete(struct uci_context* ctx, struct uci_ptr* ptr);
 
 /* Stages the changes made so far (appends them to the delta file). */
 int uci_save(struct uci_context* ctx, struct uci_package* p);
-/* Writes package and staged changes to the package's file, atomically and durably. *p stays valid, what it holds is made
- * anew. On failure the file is the old one and the changes stay staged; should memory have ended while the file was read
- * again, *p holds only a part until it is looked up, exported or committed the next time. */
+/* Writes package and staged changes to the package's file, atomically and durably. *p stays valid, what it holds is
+ * made anew. On failure the file is the old one and the changes stay staged; should memory have ended while the file
+ * was read again, *p holds only a part until it is looked up, exported or committed the next time. */
 int uci_commit(struct uci_context* ctx, struct uci_package** p, bool overwrite);
 /* A NULL-terminated array in one piece: the caller frees it once. */
 int uci_list_configs(struct uci_context* ctx, char*** list);
