@@ -230,6 +230,10 @@ class Root:
         text = json.dumps({"rules": rules}, ensure_ascii=False)
         self.write("/router/answers/" + name.lstrip("/") + ".json", text)
 
+    def unless_told(self, tools: dict[str, dict]) -> None:
+        """The same of many tools by their names, where neither a rule of answers() nor a real or simulated tool speaks."""
+        self.write("/router/unless-told.json", json.dumps(tools, ensure_ascii=False))
+
     def record_stdin(self, name: str) -> None:
         self.write("/router/record-stdin/" + name.lstrip("/"), "")
 

@@ -96,6 +96,7 @@ class Simulator:
         root.mount(root.path("/router/console"), "/dev/console", writable=True)
         for name in simulated_tools():
             root.simulate(name)
+        root.unless_told({name: {"rules": [{"answers": [{}]}]} for name in sandbox.STAND_INS + sandbox.STAND_IN_PATHS})
         root.real_tool("uci", self._built("uci"))
         root.prepare(self.args.brand, self.args.mode)
         if sandbox.has_own_network():

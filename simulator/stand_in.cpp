@@ -6,7 +6,8 @@
 //      seconds since 1970;
 //   2. gives the first answer of /router/answers/<tool>.json whose arguments match;
 //   3. else becomes /router/tools/<tool>, when there is one;
-//   4. else prints nothing and exits with 0.
+//   4. else gives the first such answer of <tool> in /router/unless-told.json;
+//   5. else nobody said what this call does: it says so, in /router/unknown-calls too, and fails.
 // <tool> is the name it was called by, or the whole path when it was called by one. "stdin" is kept for the tools that
 // have a file in /router/record-stdin/, and for answers that ask for it.
 #include <array>
@@ -32,6 +33,7 @@ namespace {
 
 const std::string kHome = "/router/";
 constexpr int kCannotRun = 126;
+constexpr int kUnknown = 127;
 
 struct JsonFreer {
   void operator()(json_object* object) const { json_object_put(object); }
@@ -113,16 +115,20 @@ std::string time_now() {
   return text.data();
 }
 
+void append_line(const std::string& path, const std::string& line) {
+  const int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
+  if (fd < 0) return;
+  write_all(fd, line + '\n');
+  close(fd);
+}
+
 void record(const Call& call) {
   std::string line = "{\"tool\": " + quoted(call.tool) + ", \"args\": [";
   for (std::size_t i = 0; i < call.args.size(); ++i) line += (i == 0 ? "" : ", ") + quoted(call.args[i]);
   line += "]";
   if (call.input) line += ", \"stdin\": " + quoted(*call.input);
-  line += ", \"time\": " + time_now() + "}\n";
-  const int fd = open((kHome + "calls.jsonl").c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, 0666);
-  if (fd < 0) return;
-  write_all(fd, line);
-  close(fd);
+  line += ", \"time\": " + time_now() + "}";
+  append_line(kHome + "calls.jsonl", line);
 }
 
 constexpr std::string_view kAlphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
@@ -160,9 +166,21 @@ std::optional<std::string> fake_decrypt(std::string_view ciphertext) {
   return held >= 6 ? std::nullopt : std::optional(result);
 }
 
-std::string text_of(json_object* object, const char* key) {
+// None where there is no such file.
+JsonPtr read_json(const std::string& path) {
+  const auto text = read_file(path);
+  return JsonPtr(text ? json_tokener_parse(text->c_str()) : nullptr);
+}
+
+// nullptr where there is none.
+json_object* member(json_object* object, const char* key) {
   json_object* value = nullptr;
-  if (!json_object_object_get_ex(object, key, &value)) return {};
+  return json_object_object_get_ex(object, key, &value) ? value : nullptr;
+}
+
+std::string text_of(json_object* object, const char* key) {
+  json_object* value = member(object, key);
+  if (value == nullptr) return {};
   return {json_object_get_string(value), static_cast<std::size_t>(json_object_get_string_len(value))};
 }
 
@@ -262,11 +280,18 @@ void give_back_input(const std::string& input) {
 }
 
 int become_tool(const std::string& path, const Call& call, char** argv) {
-  if (access(path.c_str(), F_OK) != 0) return 0;
   if (call.input) give_back_input(*call.input);
   execv(path.c_str(), argv);
   std::perror(path.c_str());
   return kCannotRun;
+}
+
+int fail_as_unknown(const Call& call) {
+  std::string words = call.tool;
+  for (const std::string& word : call.args) words += ' ' + word;
+  std::fprintf(stderr, "stand-in: nobody said what this call does: %s\n", words.c_str());
+  append_line(kHome + "unknown-calls", quoted(words));
+  return kUnknown;
 }
 
 // A path is a script that says for whom the stand-in was called; a name is a link to it.
@@ -287,17 +312,17 @@ int main(int argc, char** argv) {
   Call call{tool_name(argc > 0 ? argv[0] : "?"), {}, {}};
   for (int i = 1; i < argc; ++i) call.args.emplace_back(argv[i]);
 
-  JsonPtr answers;
-  json_object* rule = nullptr;
-  if (const auto text = read_file(kHome + "answers/" + call.tool + ".json")) {
-    answers.reset(json_tokener_parse(text->c_str()));
-    rule = find_rule(answers.get(), call.args);
-  }
+  const JsonPtr answers = read_json(kHome + "answers/" + call.tool + ".json");
+  json_object* rule = find_rule(answers.get(), call.args);
   const bool wants_input = access((kHome + "record-stdin/" + call.tool).c_str(), F_OK) == 0;
   if (wants_input || (rule != nullptr && flag_of(rule, "stdin"))) call.input = read_all(STDIN_FILENO);
   record(call);
 
   json_object* answer = rule == nullptr ? nullptr : next_answer(rule);
   if (answer != nullptr) return give(answer, call);
-  return become_tool(kHome + "tools/" + call.tool, call, argv);
+  const std::string tool = kHome + "tools/" + call.tool;
+  if (access(tool.c_str(), F_OK) == 0) return become_tool(tool, call, argv);
+  const JsonPtr unless_told = read_json(kHome + "unless-told.json");
+  rule = find_rule(member(unless_told.get(), call.tool.c_str()), call.args);
+  return rule == nullptr ? fail_as_unknown(call) : give(next_answer(rule), call);
 }

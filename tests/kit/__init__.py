@@ -9,7 +9,8 @@ import uci_text  # noqa: E402
 
 from . import fastcgi  # noqa: E402
 from .hostile import GARBAGE_BODIES, HOSTILE, PWNED  # noqa: E402
-from .router import Answer, Call, LogLine, Router, decrypt, encrypt  # noqa: E402
+from .router import Router  # noqa: E402
+from .seen import Answer, Call, LogLine, decrypt, encrypt  # noqa: E402
 
 __all__ = ["Answer", "Call", "GARBAGE_BODIES", "HOSTILE", "LogLine", "PWNED", "Router", "decrypt", "encrypt",
            "fastcgi", "uci_text"]

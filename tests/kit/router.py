@@ -5,42 +5,29 @@ README of the kit: the docstrings of Router, in the order in which a test uses t
 
 from __future__ import annotations
 
-import base64
 import errno
 import json
 import os
-import re
-import select
 import shutil
 import socket
 import subprocess
 import tempfile
-import threading
 import time
-from dataclasses import dataclass
 from pathlib import Path
 
 import pytest
 import sandbox
 import uci_text
 
-from . import fastcgi
+from . import fastcgi, tools
 from .hostile import PWNED
+from .log import Log
+from .seen import Answer, Call, LogLine, decrypt, encrypt  # noqa: F401 (the kit's face)
 
-DEADLINE_S = 20.0  # for an answer, or for a call that is waited for
-_END_DEADLINE_S = 10.0
+# For an answer, or for a call that is waited for: how long the slowest machine may take. Nobody waits for its end.
+DEADLINE_S = 120.0
+_END_DEADLINE_S = 60.0
 _POLL_S = 0.005
-
-_JWE_ENCRYPT = ["jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c"]
-_JWE_DECRYPT = ["jwe", "dec", "-i-", "-p"]
-_JWE_MARK = b"jwe."
-
-# What a tool answers when no test says otherwise: jose to its two argument lists, and to nothing else.
-_BUILT_IN_RULES = {"jose": [
-    {"args": _JWE_ENCRYPT, "exact": True, "answers": [{"jose": "encrypt"}]},
-    {"args": _JWE_DECRYPT, "exact": True, "answers": [{"jose": "decrypt"}]},
-    {"args": [], "answers": [{"exit": 1}]},
-]}
 
 # Reports go to files: a daemonised child has no standard error left.
 SANITIZER_OPTIONS = {
@@ -60,73 +47,6 @@ def program(variable: str) -> Path | None:
     if not path.exists():
         raise FileNotFoundError(f"{variable}={value} does not exist: build first")
     return path
-
-
-@dataclass(frozen=True)
-class Call:
-    """One call of a tool, or one wait of the program ("sleep 2")."""
-
-    tool: str
-    args: tuple[str, ...]
-    stdin: str | None = None
-
-    def __str__(self) -> str:
-        return " ".join((self.tool, *self.args))
-
-
-@dataclass(frozen=True)
-class LogLine:
-    """One syslog message. `text` lacks the "[FcgiApp][function]:[line] " that `function` and `line` were taken from."""
-
-    priority: int
-    text: str
-    raw: str
-    function: str | None = None
-    line: int | None = None
-
-    def __str__(self) -> str:
-        return self.text
-
-
-class Answer:
-    """What came back for one request."""
-
-    def __init__(self, response: fastcgi.Response):
-        self.fcgi = response
-        self.raw = response.stdout
-        head, _, self.body = response.stdout.partition(b"\r\n\r\n")
-        self.empty = response.stdout == b""
-        self.header_lines = [line.decode("latin-1") for line in head.split(b"\r\n")] if head else []
-        self.headers = {name.lower(): value for name, _, value in (line.partition(": ") for line in self.header_lines)}
-        self.status = int(self.headers.get("status", "200").split()[0]) if head else None
-        self.encrypted = self.body.startswith(_JWE_MARK)
-
-    @property
-    def data(self) -> bytes:
-        """The body as sent, decrypted when it was encrypted."""
-        return decrypt(self.body) if self.encrypted else self.body
-
-    @property
-    def text(self) -> str:
-        return self.data.decode("utf-8", "surrogateescape")
-
-    @property
-    def json(self):
-        assert not self.empty, "nothing was answered"
-        return json.loads(self.text)
-
-    def __repr__(self) -> str:
-        kind = "encrypted" if self.encrypted else "plain"
-        return f"<Answer {'nothing' if self.empty else f'{kind} {self.text!r}'}>"
-
-
-def encrypt(text: bytes) -> bytes:
-    return _JWE_MARK + base64.urlsafe_b64encode(text).rstrip(b"=")
-
-
-def decrypt(text: bytes) -> bytes:
-    encoded = text[len(_JWE_MARK):].strip()
-    return base64.urlsafe_b64decode(encoded + b"=" * (-len(encoded) % 4))
 
 
 class Router:
@@ -159,6 +79,7 @@ class Router:
         for name in ("jose", "passwd"):
             self.root.record_stdin(name)
         self._write_rules("jose")
+        self.root.unless_told(tools.UNLESS_TOLD)
         if (uci := program("UCI_BIN")) is not None:
             self.root.real_tool("uci", uci)
         self.write("/router/console", "")
@@ -167,7 +88,7 @@ class Router:
         self._listener.bind(str(self.directory / "fcgi.sock"))
         self._listener.listen(64)
         self.root.mount(self.directory / "log.sock", "/dev/log")
-        self._log = _Log(self.directory / "log.sock")
+        self._log = Log(self.directory / "log.sock")
 
     # Prepare.
 
@@ -214,7 +135,8 @@ class Router:
              then: list[dict] | None = None, write: dict[str, str] | None = None, stdin: bool = False,
              exact: bool = False, hang: bool = False, signal: int = 0, missing: bool = False,
              simulated: bool = False) -> None:
-        """What a tool answers when its arguments begin with `args` (with exact: are `args`).
+        """What a tool answers when its arguments begin with `args` (with exact: are `args`). What it does unless told is
+        in tools.py; a call that nobody speaks of fails, and so does its test in the end.
 
         The longest fitting arguments win, the latest setting among equals. `then` lists the next answers, the last one
         repeating: then=[{"out": "..."}, {"exit": 1}]. `write` are files that the tool leaves ({path: text}). `stdin`
@@ -259,7 +181,7 @@ class Router:
             self.root.link(f"/router/tools/{tool}", real)
 
     def _write_rules(self, tool: str) -> None:
-        self.root.answers(tool, self._rules.get(tool, []) + _BUILT_IN_RULES.get(tool, []))
+        self.root.answers(tool, self._rules.get(tool, []) + tools.FAKE_JOSE.get(tool, []))
 
     def full_disk(self, path: str, files: dict[str, str]) -> None:
         """Puts a file system at `path` that holds these files, small ones, and is full. read() looks below it,
@@ -454,6 +376,11 @@ class Router:
         """No hostile text was parsed by a shell."""
         assert not self.exists(PWNED), f"a hostile text ran as a command\n{self.report()}"
 
+    def assert_no_unknown_call(self) -> None:
+        """Every tool was called as a test, or tools.py, says what it does."""
+        unknown = self.read("/router/unknown-calls") or ""
+        assert unknown == "", f"nobody said what these calls do (router.tool(), tests/kit/tools.py):\n{unknown}"
+
     def assert_calls(self, *commands: str, tool: str | None = None) -> None:
         """The calls, as texts, are just these."""
         assert self.commands(tool) == list(commands)
@@ -494,6 +421,7 @@ class Router:
                 assert status is None, f"the program ended with {status} during the test\n{self.report()}"
                 status = self.stop()
                 assert status == 0, f"the program ended with {status}\n{self.report()}"
+            self.assert_no_unknown_call()
             assert self.sanitizer_report() == "", f"a sanitizer reports:\n{self.sanitizer_report()}"
         finally:
             self.discard()
@@ -531,57 +459,3 @@ def body_bytes(body) -> bytes:
 
 def _escaped(content: str | bytes) -> str:
     return content.decode("utf-8", "surrogateescape") if isinstance(content, bytes) else content
-
-
-class _Log:
-    """Owns /dev/log. A socket holds ten messages at most, so a thread takes them as they come."""
-
-    _LINE = re.compile(r"<(\d+)>(?:\w{3} [ \d]\d \d\d:\d\d:\d\d )?([^:\[]*)(?:\[\d+\])?: ?(.*)", re.S)
-    _OURS = re.compile(r"\[FcgiApp\]\[([^\]]*)\]:\[(\d+)\] (.*)", re.S)
-
-    def __init__(self, path: Path):
-        self._socket = socket.socket(socket.AF_UNIX, socket.SOCK_DGRAM)
-        self._socket.bind(str(path))
-        os.chmod(path, 0o666)
-        self._socket.setblocking(False)
-        self._lock = threading.Lock()
-        self._lines: list[LogLine] = []
-        self.ended = threading.Event()
-        self._closing, self._wake = socket.socketpair()
-        self._thread = threading.Thread(target=self._run, daemon=True)
-        self._thread.start()
-
-    def _run(self) -> None:
-        while True:
-            ready, _, _ = select.select([self._socket, self._closing], [], [])
-            if self._closing in ready:
-                return
-            self._drain()
-
-    def _drain(self) -> None:
-        with self._lock:
-            while True:
-                try:
-                    message = self._socket.recv(1 << 20)
-                except BlockingIOError:
-                    return
-                self._lines.append(self._parse(message.decode("utf-8", "surrogateescape").rstrip("\0")))
-
-    def _parse(self, raw: str) -> LogLine:
-        match = self._LINE.fullmatch(raw)
-        if match is None:
-            return LogLine(-1, raw, raw)
-        priority, text = int(match[1]) & 7, match[3]
-        ours = self._OURS.fullmatch(text)
-        return LogLine(priority, ours[3], raw, ours[1], int(ours[2])) if ours else LogLine(priority, text, raw)
-
-    def lines(self) -> list[LogLine]:
-        self._drain()
-        with self._lock:
-            return list(self._lines)
-
-    def close(self) -> None:
-        self._wake.send(b"x")
-        self._thread.join()
-        for s in (self._socket, self._closing, self._wake):
-            s.close()

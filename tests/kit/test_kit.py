@@ -31,7 +31,7 @@ def test_a_stand_in_keeps_its_name_and_every_byte_of_its_arguments(router):
                                   kit.Call("/usr/sbin/ledtest", (text,))]
 
 
-def test_a_tool_answers_by_its_longest_arguments_and_else_nothing(router):
+def test_a_tool_answers_by_its_longest_arguments(router):
     router.tool("iw", out="any\n")
     router.tool("iw", "dev", "ath0", "link", out="ath0\n")
     router.tool("iw", "dev", out="dev\n", err="warning\n", exit=3)
@@ -39,8 +39,30 @@ def test_a_tool_answers_by_its_longest_arguments_and_else_nothing(router):
     answer = router.run("iw", "dev", "ath1", "link")
     assert (answer.stdout, answer.stderr, answer.returncode) == ("dev\n", "warning\n", 3)
     assert router.run("iw").stdout == "any\n"
-    answer = router.run("brctl", "show")
-    assert (answer.stdout, answer.returncode) == ("", 0)
+
+
+def test_a_tool_that_nobody_speaks_of_fails_by_its_name_and_so_does_its_test(router):
+    for command in (["brctl", "show"], ["ubus", "call", "nosuch"], ["/sbin/firstboot"], ["iw"]):
+        answer = router.run(*command)
+        assert (answer.stdout, answer.returncode) == ("", 127)
+        assert answer.stderr == f"stand-in: nobody said what this call does: {' '.join(command)}\n"
+    with pytest.raises(AssertionError, match='"brctl show"\n"ubus call nosuch"\n"/sbin/firstboot"\n"iw"\n'):
+        router.finish()
+
+
+def test_a_tool_that_acts_is_silent_unless_told_otherwise(router):
+    assert (router.run("wifi", "reload").stdout, router.run("wifi", "reload").returncode) == ("", 0)
+    router.tool("wifi", "reload", exit=3)
+    assert router.run("wifi", "reload").returncode == 3
+    assert router.run("wifi", "multi_up", "mld0").returncode == 0, "what is said of one call is said of no other"
+
+
+def test_a_tool_that_is_asked_tells_of_a_router_on_which_nothing_is_up(router):
+    answer = router.run("iw", "dev", "mld0", "info")
+    assert (answer.stdout, answer.stderr, answer.returncode) == ("", "command failed: No such device (-19)\n", 237)
+    router.tool("iw", "dev", "mld0", "info", out="Interface mld0\n")
+    assert router.run("iw", "dev", "mld0", "info").stdout == "Interface mld0\n"
+    assert router.run("iw", "dev", "mld1", "info").returncode == 237
 
 
 def test_the_latest_answer_for_the_same_arguments_counts(router):
