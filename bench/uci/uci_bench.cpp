@@ -1,5 +1,4 @@
 // What the library's steps and the command cost on a wireless package, and how that grows with its sections.
-#include <algorithm>
 #include <cstdio>
 #include <fcntl.h>
 #include <filesystem>
@@ -172,56 +171,67 @@ void merge_import(benchmark::State& state) {
   state.SetComplexityN(state.range(0));
 }
 
-// Runs the command: the processor's time that it took, its start included, and its peak of memory.
-struct Usage {
-  double seconds = 0;
-  long peak_KiB = 0;
-};
-
 double seconds_of(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
 }
 
-Usage run_command(benchmark::State& state, const PackageFolder& folder, std::vector<std::string> words) {
-  const std::string conf = folder.path("conf");
-  const std::string save = folder.path("save");
+std::vector<std::string> uci_words(const PackageFolder& folder, std::vector<std::string> words) {
+  words.insert(words.begin(), {UCI_COMMAND, "-c", folder.path("conf"), "-t", folder.path("save")});
+  return words;
+}
+
+// Runs a command: the processor's time in seconds that it took, its start included. What it prints goes to `output`.
+double run(benchmark::State& state, std::vector<std::string> words, const std::string& output = "/dev/null") {
   std::vector<char*> argv;
-  words.insert(words.begin(), {UCI_COMMAND, "-c", conf, "-t", save});
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT, 0600);
   pid_t child = 0;
-  int status = posix_spawn(&child, UCI_COMMAND, &actions, nullptr, argv.data(), environ);
+  int status = posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   rusage usage{};
   if (status == 0) wait4(child, &status, 0, &usage);
   if (status != 0) state.SkipWithError("the command failed");
-  return {seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime), usage.ru_maxrss};
+  return seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime);
+}
+
+// The peak of memory of a `uci` command.
+double peak_KiB(benchmark::State& state, const PackageFolder& folder, const std::vector<std::string>& words) {
+  std::vector<std::string> command = uci_words(folder, words);
+  command.insert(command.begin(), PEAK_COMMAND);
+  const std::string told = folder.path("peak");
+  run(state, command, told);
+  double peak = 0;
+  std::ifstream(told) >> peak;
+  return peak;
 }
 
 void command_get(benchmark::State& state) {
   const PackageFolder folder(static_cast<int>(state.range(0)));
-  while (state.KeepRunning()) state.SetIterationTime(run_command(state, folder, {"get", "wireless.ath0.ssid"}).seconds);
+  const std::vector<std::string> words{"get", "wireless.ath0.ssid"};
+  while (state.KeepRunning()) state.SetIterationTime(run(state, uci_words(folder, words)));
+  state.counters["peak_KiB"] = peak_KiB(state, folder, words);
 }
 
 void command_show(benchmark::State& state) {
   const PackageFolder folder(static_cast<int>(state.range(0)));
-  while (state.KeepRunning()) state.SetIterationTime(run_command(state, folder, {"show", "wireless"}).seconds);
+  while (state.KeepRunning()) state.SetIterationTime(run(state, uci_words(folder, {"show", "wireless"})));
 }
 
 void command_set_and_commit(benchmark::State& state) {
   const PackageFolder folder(static_cast<int>(state.range(0)));
   int value = 0;
-  long peak = 0;
+  const auto set = [&] {
+    return run(state, uci_words(folder, {"set", "wireless.ath0.ssid=name-" + std::to_string(++value)}));
+  };
   while (state.KeepRunning()) {
-    const Usage set = run_command(state, folder, {"set", "wireless.ath0.ssid=name-" + std::to_string(++value)});
-    const Usage commit = run_command(state, folder, {"commit", "wireless"});
-    state.SetIterationTime(set.seconds + commit.seconds);
-    peak = std::max(peak, commit.peak_KiB);
+    const double seconds = set();
+    state.SetIterationTime(seconds + run(state, uci_words(folder, {"commit", "wireless"})));
   }
-  state.counters["peak_KiB"] = static_cast<double>(peak);
+  set();
+  state.counters["peak_KiB"] = peak_KiB(state, folder, {"commit", "wireless"});
 }
 
 void sizes(benchmark::internal::Benchmark* bench) {
@@ -232,7 +242,7 @@ void sizes(benchmark::internal::Benchmark* bench) {
 // Nothing but the start.
 void command_start(benchmark::State& state) {
   const PackageFolder folder(0);
-  while (state.KeepRunning()) state.SetIterationTime(run_command(state, folder, {"get", "wireless"}).seconds);
+  while (state.KeepRunning()) state.SetIterationTime(run(state, uci_words(folder, {"get", "wireless"})));
 }
 
 BENCHMARK(command_start)->Unit(benchmark::kMicrosecond)->UseManualTime();
