@@ -5,15 +5,12 @@ import pytest
 CONNECT = "/api/v1/repeater/connect"
 RESULT = "/api/v1/repeater/wifiresult"
 SURVEY = "/api/v1/wireless/sitesurvey"
-
 OK = '{"result": 0, "version": 1, \t"waitTime": 80}'
 UNUSABLE = '{"result": 1, "version": 1,    "waitTime": 20}'
-
 APS = ("ath02", "ath12", "ath22")
 STATIONS = ("ath03", "ath13", "ath23")
 BRIDGE_MAC = "08:90:FE:12:34:50"
 MLD_MAC = "10:90:FE:12:34:50"
-
 WIRELESS = """
 config wifi-device 'wifi0'
 config wifi-device 'wifi1'
@@ -33,7 +30,6 @@ config wifi-mld 'mld4'
 config wifi-mld 'mld5'
 config wifi-mld 'mld6'
 """
-
 PACKAGES = {
     "wireless": WIRELESS,
     "repeater": "config repeater 'compatiMode'\n\toption value '0'\n"
@@ -94,3 +90,13 @@ def finished_commands(router, tool="/sbin/wifi", *args):
     """The commands once the background job that ends with this one has ended; the waits of a monitor left out."""
     router.wait_for_call(tool, *args)
     return commands(router)
+
+
+# Per variant: the station that is deleted first, the stations, the stale links in their order, the keys in their order.
+MLO = {
+    1: (["ath23"], ["ath03", "ath13"], ["ath03", "ath13"], ["ath03.key", "ath13.key"]),
+    2: (["ath03"], ["ath13", "ath23"], ["ath23", "ath13"], ["ath13.key", "ath23.key"]),
+    3: ([], ["ath03", "ath13", "ath23"], ["ath03", "ath23", "ath13"],
+        ["ath13.key", "ath13.sae_password", "ath23.key", "ath23.sae_password", "ath03.sae_password", "ath03.key"]),
+}
+MULTI_RU_OFF = "uci set wireless.wifi1.dfs_puncture_en=0"

@@ -4,7 +4,6 @@ import pytest
 
 URI = "/api/v1/router/wan-info"
 INIT = "/api/v1/system/config/waninit"
-
 LONG_WAIT = '{"result": 0, "version": 1, "waitTime": 300}'
 SHORT_WAIT = '{"result": 0, "version": 1, "waitTime": 90}'
 UNUSABLE = '{"result": 1}'
@@ -13,21 +12,17 @@ FAILED = '{"result": 2}'
 # network.wan.mode in the order of its codes.
 MODES = ("DHCP", "STATIC", "PPPOE", "MAP-E", "DS-Lite", "IPIP6", "STDPROV", "AP")
 TUNNELS = MODES[3:7]
-
 ADDRESS_SCRIPT = "/etc/getIpAddr.sh"
 ADDRESS_FILE = "/tmp/ipAddrResult"
 TUNNEL_TOOL = "/usr/sbin/ip4ov6jp_info"
 
 # jose's arguments for an answer.
 ENCRYPT = ("jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c")
-
 FLUSH = "ip addr flush dev eth1"
 RELOAD = ["sleep 2", "/etc/init.d/network reload", "logger -t LAN_INFO lan reload completely finished"]
 UPNP_RELOAD = ["sleep 2", "/etc/init.d/miniupnpd reload"]
-
 ECM = "/sys/kernel/debug/ecm"
 ECM_NODES = (f"{ECM}/front_end_ipv4_stop", f"{ECM}/front_end_ipv6_stop", f"{ECM}/ecm_db/defunct_all")
-
 PACKAGES = {
     "network": """
 config device
@@ -183,3 +178,8 @@ def told(router, text):
     """Whether a trace says so, in the log or on standard error."""
     return router.logged(text) or text in router.stderr()
 
+
+KEYS = ("wanAutoSelectStatus", "wanMethod", "wanIPv6Method", "vneAutoChangeStatus", "pppoeMtu", "captivePortalStatus",
+        "natAccelerationEnable", "uPnPIGD", "pppoeUserName", "pppoePassword", "dhcpcHostName", "wanIpv4Address",
+        "wanIpv4subMask", "wanIpv4Gateway", "wanIpv4Dns1", "wanIpv4Dns2", "aftrAddress", "ipipService", "ipipV4Address",
+        "ipipBrAddress", "ipipInterfaceId", "ipipResettingUrl", "ipipUserId", "ipipPassword")
