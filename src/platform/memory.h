@@ -7,8 +7,9 @@ namespace platform {
 // learn from each large block to keep the next ones of that size: after one long log they never shrank again.
 void return_large_blocks();
 
-// Gives back what something large took in small pieces, of which some are still in use: called between requests, and where
-// a long list's source is no longer needed. Does nothing as long as the heap is as small as most requests leave it.
+// Gives back what something large took in small pieces, of which some are still in use: called between requests, and
+// where a long list's source is no longer needed. Does nothing as long as the heap is as small as most requests leave
+// it.
 void return_free_memory();
 
 }  // namespace platform
