@@ -82,6 +82,3 @@ std::span<const SsidSlot> ssid_slots(std::string_view op_mode);
 const SsidSlot* find_wireless_config(int repeater_flag, const char* ssid_name);
 // The row of an MLO mode (0..4), or nullptr.
 const SsidSlot* find_mlo_interface(int mlo_mode);
-
-// The MLD that carries `ifname` in the mesh that UCI describes now; nullptr (and one log line) when there is none.
-const char* get_mesh_mld_by_ifname(const char* ifname);

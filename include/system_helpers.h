@@ -1,4 +1,4 @@
-// Shell, file and device helpers. Each keeps its own result convention: callers rely on every one of them.
+// Shell, file and network interface helpers. Each keeps its own result convention: callers rely on every one of them.
 #pragma once
 
 #include <cstddef>
@@ -38,18 +38,6 @@ int del_uci_option_value(const char* package, const char* section, const char* o
 int read_value_from_file(const char* path);
 // The first blank-delimited word of the file, at most size - 1 bytes; nullopt when there is none.
 std::optional<std::string> read_strvalue_from_file(const char* path, std::size_t size);
-
-// --- The device.
-
-// Brand indices; kBrandOther has neither brand's special rules.
-inline constexpr int kBrandOrvane = 0;  // /tmp/deviceid begins "0221"
-inline constexpr int kBrandTesmir = 1;  // /tmp/deviceid begins "0121"
-inline constexpr int kBrandOther = 2;
-
-// Copies the last piece (7 bytes at most, newline included) of /tmp/deviceid. 0, or 1 (size below 8, no file).
-int getDeviceId(char* out, std::size_t size);
-// One of the brand indices; kBrandTesmir when the file cannot be opened.
-int get_brand_index();
 
 // --- Network interfaces. The names are our own constants or what the kernel calls them.
 

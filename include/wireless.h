@@ -3,12 +3,6 @@
 
 #include <string>
 
-// The wifiSecurity codes of get_encryption_mode_value.
-inline constexpr int kSecurityOpen = 1;   // open or enhanced open
-inline constexpr int kSecurityWpa2 = 2;   // WPA2-PSK
-inline constexpr int kSecurityWpa3 = 3;   // WPA3-SAE
-inline constexpr int kSecurityMixed = 4;  // WPA2/WPA3 mixed
-
 // All int results: 0 on success, non-zero on failure.
 
 // wifiSecurity code of the access point `ifname`, from its UCI options.

@@ -10,26 +10,17 @@
 #include "handlers.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/brand.h"
 
 namespace {
 
 constexpr SwitchOption kUpdates{"enable", "hota", "info", "auto"};
 constexpr SwitchOption kDetails{"detailInfoSendEnable", "firmware", "idm", "enabled"};
 
-enum class Device { kOrvane, kTesmir, kOther };
-
-std::optional<Device> read_device() {
-  std::array<char, 16> id{};
-  if (getDeviceId(id.data(), id.size()) != 0) return std::nullopt;
-  const std::string text = id.data();
-  if (text.starts_with("0221")) return Device::kOrvane;
-  return text.starts_with("0121") ? Device::kTesmir : Device::kOther;
-}
-
 json::ObjectText read_state() {
   constexpr std::size_t kNumberSize = 8;
-  const std::optional<Device> device = read_device();
-  if (!device) return json::result_text(1);
+  const brands::Brand* brand = unit::brand_of_device_id();
+  if (brand == nullptr) return json::result_text(1);
   const std::optional<int> running = count_lines("ps | grep '/usr/sbin/hotacron' | grep -v 'grep' | wc -l");
   if (!running) return json::result_text(1);
   if (*running != 0) return json::result_text(2);
@@ -37,7 +28,7 @@ json::ObjectText read_state() {
   if (!enable) return json::result_text(1);
   json::ObjectText document = json::result_text(0);
   document.add("version", 1).add(kUpdates.key, int{*enable});
-  if (*device != Device::kOrvane) return document;
+  if (!brand->shows_maintenance_details) return document;
   const auto detail = uci::Section(kDetails.package, kDetails.section).read(kDetails.option, kNumberSize);
   if (!detail) return json::result_text(1);
   document.add(kDetails.key, std::atoi(detail->c_str()));
@@ -62,9 +53,10 @@ int apply_agents(bool enable) {
 
 // The `result` to answer.
 int apply_state(const json::Object& asked) {
-  const std::optional<Device> device = read_device();
-  const bool has_agents = device != Device::kTesmir;
-  if (!asked.flag(kUpdates.key) || !device || (has_agents && !asked.flag(kDetails.key))) return 1;
+  const brands::Brand* brand = unit::brand_of_device_id();
+  if (!asked.flag(kUpdates.key) || brand == nullptr) return 1;
+  const bool has_agents = brand->has_maintenance_agents;
+  if (has_agents && !asked.flag(kDetails.key)) return 1;
   if (const int result = apply_switch(asked, kUpdates); result != 0) return result;
   if (!has_agents) return os_system("/usr/sbin/hotacron") == 1 ? 0 : 2;
   if (const int result = apply_switch(asked, kDetails); result != 0) return result;

@@ -1,6 +1,4 @@
 // GET and POST /api/v1/fsecure_sense: the security service, which exists on one brand only.
-#include <array>
-#include <cstring>
 #include <string>
 
 #include "access/switches.h"
@@ -11,6 +9,7 @@
 #include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/brand.h"
 
 namespace {
 
@@ -18,14 +17,14 @@ constexpr const char* kVersionPath = "/opt/sense/VERSION";
 constexpr int kNotInstalled = -1;
 constexpr SwitchOption kDisabled{"", "fsecure", "sense", "disabled"};
 
-bool is_service_device() {
-  std::array<char, 16> id{};
-  return getDeviceId(id.data(), id.size()) == 0 && std::strncmp(id.data(), "0121", 4) == 0;
+bool has_service() {
+  const brands::Brand* brand = unit::brand_of_device_id();
+  return brand != nullptr && brand->has_security_service;
 }
 
 json::ObjectText read_service() {
   constexpr std::size_t kVersionMax = 15;
-  if (!is_service_device()) return json::result_text(1);
+  if (!has_service()) return json::result_text(1);
   // While its script runs, the service is starting or stopping.
   const std::optional<int> scripts = count_lines("ps | grep '/opt/sense/bin/sense_init.sh' | grep -v 'grep' | wc -l");
   if (!scripts) return json::result_text(1);
@@ -48,7 +47,7 @@ int handle_set_fsecure_sense(FCGX_Request* request, const char* body) {
   constexpr std::size_t kOpModeSize = 16;
   const std::optional<bool> enable = json::Document(body)->flag("enable");
   const bool is_router = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "") == "router";
-  if (!is_service_device() || !is_router || !enable) return answer(request, kResultUnusable);
+  if (!has_service() || !is_router || !enable) return answer(request, kResultUnusable);
   if (!set_switch(kDisabled, !*enable)) return answer(request, kResultFailed);
   os_system(*enable ? "/opt/sense/bin/sense_init.sh start &" : "/opt/sense/bin/sense_init.sh stop &");
   return answer(request, kResultOkWait20);

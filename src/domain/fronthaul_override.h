@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "wireless.h"
+#include "domain/security_codes.h"
 
 namespace fronthaul {
 

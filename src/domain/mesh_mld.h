@@ -5,8 +5,7 @@
 #include <span>
 #include <string_view>
 
-#include "mesh_codes.h"
-#include "system_helpers.h"
+#include "domain/mesh_codes.h"
 
 namespace mesh_mld {
 

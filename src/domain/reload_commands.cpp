@@ -10,10 +10,8 @@ namespace {
 
 // `caller`: the function that the messages are known by.
 void log_unsupported(const char* caller, int brand, int mode) {
-  if (brand == kBrandOrvane) {
-    log_error_as(caller, "Not supported meshMode(%d) for ORVANE device", mode);
-  } else if (brand == kBrandTesmir) {
-    log_error_as(caller, "Not supported meshMode(%d) for TESMIR device", mode);
+  if (const brands::Brand& row = brands::of_index(brand); brands::is_known(row)) {
+    log_error_as(caller, "Not supported meshMode(%d) for %s device", mode, row.log_name);
   } else {
     log_error_as(caller, "Not supported device_id(%d)", brand);
   }

@@ -4,8 +4,8 @@
 #include <array>
 #include <string>
 
-#include "mesh_codes.h"
-#include "system_helpers.h"
+#include "domain/brands.h"
+#include "domain/mesh_codes.h"
 
 namespace reload {
 

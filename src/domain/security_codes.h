@@ -4,7 +4,10 @@
 #include <array>
 #include <span>
 
-#include "wireless.h"
+inline constexpr int kSecurityOpen = 1;   // open or enhanced open
+inline constexpr int kSecurityWpa2 = 2;   // WPA2-PSK
+inline constexpr int kSecurityWpa3 = 3;   // WPA3-SAE
+inline constexpr int kSecurityMixed = 4;  // WPA2/WPA3 mixed
 
 namespace security {
 
@@ -96,7 +99,5 @@ inline constexpr std::array<Writing, 4> kMloWritings{{
 
 // The row of `code`, or nullptr.
 const Writing* find_writing(std::span<const Writing> table, int code);
-// Writes a row to package.section. The results of the single writes do not matter: sections may be absent in a mesh.
-void write(const Writing& writing, const char* package, const char* section, const char* key);
 
 }  // namespace security

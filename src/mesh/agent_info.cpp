@@ -8,12 +8,12 @@
 #include "answer/answer.h"
 #include "handlers.h"
 #include "mesh/topology_log.h"
-#include "mesh_codes.h"
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/text.h"
 #include "uci_section.h"
+#include "unit/mesh.h"
 
 namespace {
 

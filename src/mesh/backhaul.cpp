@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "domain/mesh_codes.h"
 #include "mesh/topology.h"
-#include "mesh_codes.h"
 
 namespace {
 

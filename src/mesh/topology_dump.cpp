@@ -4,9 +4,9 @@
 
 #include "mesh/arp_table.h"
 #include "mesh/topology.h"
-#include "mesh_codes.h"
 #include "platform/process.h"
 #include "uci_access.h"
+#include "unit/mesh.h"
 
 namespace {
 

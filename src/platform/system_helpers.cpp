@@ -15,7 +15,6 @@
 
 namespace {
 
-constexpr const char* kDeviceIdPath = "/tmp/deviceid";
 constexpr std::size_t kMacTextLength = 17;
 constexpr std::size_t kLineBuffer = 256;  // longest line that the helpers look at, with its NUL
 constexpr std::size_t kBeyond = 4;        // what is read behind a bound, to see whether a character ends at it
@@ -178,30 +177,6 @@ std::optional<std::string> read_strvalue_from_file(const char* path, std::size_t
     return std::nullopt;
   }
   return std::string(begin, end).substr(0, size - 1);
-}
-
-int getDeviceId(char* out, std::size_t size) {
-  constexpr std::size_t kPieceBuffer = 8;
-  if (out == nullptr || size < kPieceBuffer) return 1;
-  const platform::FilePtr file = platform::open_file(kDeviceIdPath, "r");
-  if (!file) {
-    trace_stderr("open /tmp/deviceid failed.");
-    return 1;
-  }
-  std::memset(out, 0, kPieceBuffer);
-  while (std::fgets(out, kPieceBuffer, file.get()) != nullptr) continue;
-  trace_stderr("get deviceId,devIdBuf = %s.", out);
-  return 0;
-}
-
-int get_brand_index() {
-  const std::optional<std::string> id = platform::read_file(kDeviceIdPath, 4);
-  if (!id) {
-    std::perror("Error opening file");
-    return kBrandTesmir;
-  }
-  if (id->starts_with("0221")) return kBrandOrvane;
-  return id->starts_with("0121") ? kBrandTesmir : kBrandOther;
 }
 
 std::string get_link_bssid(const char* ifname) {

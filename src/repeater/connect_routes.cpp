@@ -13,6 +13,7 @@
 #include "repeater/uplink_monitor.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/brand.h"
 
 namespace {
 
@@ -88,7 +89,7 @@ void undo_try_connect() {
 
 void enable_aps() {
   set_aps_disabled("0");
-  if (get_brand_index() != kBrandOrvane) set_extra_aps_disabled("0");
+  if (unit::brand().has_second_aps) set_extra_aps_disabled("0");
   uci_commit("wireless");
 }
 

@@ -10,17 +10,9 @@
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
-#include "system_helpers.h"
+#include "unit/brand.h"
 
 namespace {
-
-constexpr std::array<const char*, 2> kDeviceIds{"0221", "0121"};  // by brand index
-
-// nullptr for an unknown brand.
-const char* own_device_id() {
-  const auto index = static_cast<std::size_t>(get_brand_index());
-  return index < kDeviceIds.size() ? kDeviceIds[index] : nullptr;
-}
 
 int append_text(const char* path, std::string_view text) {
   platform::FilePtr file = platform::open_file(path, "a");
@@ -85,8 +77,8 @@ int append_md5_to_file(const char* path) {
 }
 
 int append_device_id_to_file(const char* path) {
-  const char* id = own_device_id();
-  return id == nullptr ? 0 : append_text(path, id);
+  const std::string_view id = unit::brand().device_id;
+  return id.empty() ? 0 : append_text(path, id);
 }
 
 int read_trailer_md5(const char* path, std::string& md5) { return read_trailer(path, kTrailer, kTrailerMd5, md5); }
@@ -99,9 +91,9 @@ bool split_backup_file(const char* upload, const char* archive) {
 }
 
 int checkBackFileId() {
-  const char* own = own_device_id();
+  const std::string_view own = unit::brand().device_id;
   std::string id;
-  if (own == nullptr) return 0;
+  if (own.empty()) return 0;
   const bool equal = read_trailer_id(kUploadPath, id) == 0 && id == own;
   log_debug("%s", equal ? "id is equal\n" : "id is not equal\n");
   return equal ? 1 : 0;

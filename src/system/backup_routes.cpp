@@ -13,12 +13,11 @@
 #include "system/backup_file.h"
 #include "system/upload.h"
 #include "system_helpers.h"
+#include "unit/brand.h"
 
 namespace {
 
 constexpr const char* kBackupPath = "/tmp/config_file.tar.gz";
-constexpr std::array<const char*, 3> kDownloadNames{"MX-9P300KLD-config.bin", "VR-EH700QTS-config.bin",
-                                                    "response_field.bin"};  // by brand index
 constexpr std::string_view kResultOkWait300 = R"({"result": 0, "version": 1, "waitTime": 300})";
 
 // The archive of the restore that runs belongs to it: no other request may touch it.
@@ -72,7 +71,7 @@ int handle_config_backup(FCGX_Request* request, const RawBody& /*body*/) {
   const bool made = make_backup();
   const platform::FilePtr file = made ? platform::open_file(kBackupPath, "r") : nullptr;
   if (file) {
-    answer_file(request, kDownloadNames[static_cast<std::size_t>(get_brand_index())], file.get());
+    answer_file(request, unit::brand().backup_file, file.get());
   } else {
     answer_plain(request, kResultUnusable);
   }

@@ -1,4 +1,4 @@
-// What the system routes share: the device id file, the mode switch, the LED, and the brand's update tool.
+// What the system routes share: the first lines of files and commands, and the mode switch.
 #pragma once
 
 #include <cstddef>

@@ -12,6 +12,7 @@
 #include "system/update_tool.h"
 #include "system/upload.h"
 #include "system_helpers.h"
+#include "unit/brand.h"
 
 namespace {
 
@@ -28,12 +29,11 @@ bool store_image(const RawBody& body) {
   return upload == Upload::kStored;
 }
 
-bool verify_upload(int brand_index) {
-  const UpdateTool* tool = update_tool(brand_index);
+bool verify_upload(const brands::Brand& brand) {
   platform::remove_file(kVerifyResultPath);  // an earlier image's verification says nothing of this one
   os_system("/usr/sbin/tesmirupg.sh");
-  os_system(tool != nullptr ? tool->verify : update_tool(kBrandTesmir)->verify);
-  if (tool == nullptr) {
+  os_system(brand.update_tool.verify);
+  if (!brands::is_known(brand)) {
     log_error("unknown device id\n");
     return false;
   }
@@ -51,7 +51,7 @@ int accept_upload(const RawBody& body) {
   int result = 0;
   if (!store_image(body)) {
     result = 1;
-  } else if (!verify_upload(get_brand_index())) {
+  } else if (!verify_upload(unit::brand())) {
     result = 3;
   }
   if (result != 0) platform::remove_file(kFirmwarePath);
@@ -77,13 +77,13 @@ int check_for_update(const json::Document& document, int brand_index) {
   std::string running;
   if (!check_and_update || count_running_tools(running) != 0) return 1;
   if (std::atoi(running.c_str()) != 0) return 2;
-  const UpdateTool* tool = update_tool(brand_index);
-  if (tool == nullptr) {
+  const brands::Brand& brand = brands::of_index(brand_index);
+  if (!brands::is_known(brand)) {
     log_error("unknown device id\n");
     return 1;
   }
   if (*check_and_update != 0 && *check_and_update != 1) return 1;
-  if (*check_and_update == 0) os_system(tool->check);
+  if (*check_and_update == 0) os_system(brand.update_tool.check);
   int status = 0;
   return check_update_status(status) == 0 && status == 1 ? 0 : 1;
 }
@@ -91,7 +91,7 @@ int check_for_update(const json::Document& document, int brand_index) {
 // False when no thread could be made: an image that nothing will install does not stay.
 platform::ReadyWork prepare_installation() {
   platform::ReadyWork installation =
-      platform::ready_thread([install = update_tool(get_brand_index())->install] { os_system(install); });
+      platform::ready_thread([install = unit::brand().update_tool.install] { os_system(install); });
   if (!installation) platform::remove_file(kFirmwarePath);
   return installation;
 }

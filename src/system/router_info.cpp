@@ -14,26 +14,11 @@
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "uci_section.h"
+#include "unit/brand.h"
 
 namespace {
 
 #define ROUTER_LED_PATH "/sys/devices/platform/soc@0/soc@0:leds/leds/led_router/brightness"
-
-struct BrandFacts {
-  const char* product_id;
-  const char* update_url_option;
-  const char* check_command;
-};
-constexpr std::array<BrandFacts, 2> kBrandFacts{{
-    {"0221", "orvanepathV4", "orvanehota -c &"},
-    {"0121", "tesmirpath", "tesmirhota -c &"},
-}};
-
-// nullptr for an unknown brand.
-const BrandFacts* brand_facts() {
-  const auto index = static_cast<std::size_t>(get_brand_index());
-  return index < kBrandFacts.size() ? &kBrandFacts[index] : nullptr;
-}
 
 // A debug line under the name of the function that calls.
 struct Caller {
@@ -100,10 +85,10 @@ int get_routerInfo_ledStatus() {
 
 void get_routerInfo_deviceInfo(RouterInfo& info) {
   constexpr std::size_t kUrlSize = 256;
-  const BrandFacts* brand = brand_facts();
-  if (brand == nullptr) return;
-  info.product_id = brand->product_id;
-  info.fw_update_url = get_option("hota", "info", brand->update_url_option, kUrlSize);
+  const brands::Brand& brand = unit::brand();
+  if (!brands::is_known(brand)) return;
+  info.product_id = brand.device_id;
+  info.fw_update_url = get_option("hota", "info", brand.update_url_option, kUrlSize);
 }
 
 void get_routerInfo_imageArea(RouterInfo& info) {
@@ -145,7 +130,7 @@ int get_internet_status() {
 }
 
 int get_hota_status() {
-  if (const BrandFacts* brand = brand_facts()) os_system(brand->check_command);
+  if (const brands::Brand& brand = unit::brand(); brands::is_known(brand)) os_system(brand.update_tool.start_check);
   return read_status("/tmp/HotaVersionStatus") == 1 ? 1 : 0;
 }
 

@@ -1,10 +1,10 @@
 // GET and POST /api/v1/router/info, GET /api/v1/router/device-info.
-#include <array>
 #include <optional>
 #include <string>
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
+#include "domain/brands.h"
 #include "handlers.h"
 #include "platform/log.h"
 #include "platform/text.h"
@@ -16,12 +16,6 @@ namespace {
 
 constexpr std::size_t kModelMax = 31;
 constexpr std::size_t kLocationTextMax = 63;
-
-struct Product {
-  const char* id;
-  const char* model;
-};
-constexpr std::array<Product, 2> kProducts{{{"0221", "MX-9P300KLD"}, {"0121", "VR-EH700QTS"}}};
 
 json::ObjectText build_info(const RouterInfo& info) {
   json::ObjectText object;
@@ -84,9 +78,7 @@ int handle_get_device_info(FCGX_Request* request) {
   const std::string model = uci::Section("system", "@system[0]").read_or("hostname", kTextSize, "");
   std::string id;
   getFileInfo("/tmp/deviceid", &id, kTextSize);
-  for (const Product& product : kProducts) {
-    if (id != product.id || model != product.model) continue;
-    return answer_plain(request, success_document().add("productId", id).add("model", model));
-  }
-  return answer_plain(request, json::result_text(1));
+  const brands::Brand& brand = brands::of_whole_id(id);
+  if (!brands::is_known(brand) || model != brand.product) return answer_plain(request, json::result_text(1));
+  return answer_plain(request, success_document().add("productId", id).add("model", model));
 }

@@ -1,20 +1,10 @@
-// The brand's firmware update tool, which downloads, verifies and installs images and reports through files.
+// Runs of the brand's firmware update tool (domain/brands.h), which downloads, verifies and installs images and reports
+// through files.
 #pragma once
 
 #include <string>
 
 inline constexpr const char* kFirmwarePath = "/tmp/firmware.bin";
-
-// One brand's command lines.
-struct UpdateTool {
-  const char* check;
-  const char* download;
-  const char* verify;
-  const char* install;
-};
-
-// The tool of a brand index; nullptr for an unknown brand.
-const UpdateTool* update_tool(int brand_index);
 
 // Number of tool runs under way, as text ("0"). 0, or -1 when it cannot be told.
 int count_running_tools(std::string& count);

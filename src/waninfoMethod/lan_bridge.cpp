@@ -4,28 +4,15 @@
 #include <array>
 #include <initializer_list>
 #include <string>
-#include <string_view>
 
 #include "domain/wan_modes.h"
-#include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/brand.h"
 #include "waninfoMethod/wan_config.h"
 
 namespace {
 
 constexpr std::array<const char*, 3> kPorts{"eth0", "eth1", "eth2"};
-
-struct LanDefaults {
-  std::string_view device_id;
-  const char* address;
-  const char* first_client;
-};
-
-// The first row serves units whose id cannot be read or is unknown.
-constexpr std::array<LanDefaults, 2> kLanDefaults{{
-    {"0221", "192.168.0.1", "192.168.0.2"},
-    {"0121", "192.168.2.1", "192.168.2.2"},
-}};
 
 struct OptionValue {
   const char* option;
@@ -41,23 +28,15 @@ void set_bridge_ports(std::initializer_list<const char*> ports) {
   for (const char* port : ports) bridge.add_to_list("ports", port);
 }
 
-const LanDefaults& brand_defaults() {
-  std::array<char, 8> id{};
-  if (getDeviceId(id.data(), id.size()) != 0) return kLanDefaults[0];
-  for (const LanDefaults& row : kLanDefaults) {
-    if (std::string_view(id.data()).starts_with(row.device_id)) return row;
-  }
-  return kLanDefaults[0];
-}
-
 // The address that the LAN had before it became a client, or else the brand's.
 std::string lan_address() {
   const uci::Section backup("network", "backlan");
   std::string address = backup.read_or("ipaddr1", 16, "");
   if (!address.empty()) return address;
-  const LanDefaults& defaults = brand_defaults();
-  backup.set("start", defaults.first_client);
-  return defaults.address;
+  const brands::Brand* known = unit::brand_of_device_id();
+  const brands::Brand& brand = known != nullptr ? *known : brands::of_index(kBrandOther);
+  backup.set("start", brand.lan_first_client);
+  return brand.lan_address;
 }
 
 void restore_lan() {

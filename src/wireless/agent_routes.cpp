@@ -7,10 +7,11 @@
 #include "answer/answer.h"
 #include "answer/json_reading.h"
 #include "handlers.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
 #include "wireless/agent_settings.h"
 #include "wireless/wireless_options.h"
 

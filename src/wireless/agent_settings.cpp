@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "mesh_codes.h"
+#include "domain/mesh_codes.h"
 #include "platform/log.h"
 #include "platform/text.h"
 

@@ -10,10 +10,10 @@
 
 #include "domain/channels.h"
 #include "interface_plan.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "uci_access.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/iw_reading.h"
 

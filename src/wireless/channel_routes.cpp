@@ -7,9 +7,9 @@
 #include "answer/answer.h"
 #include "domain/channels.h"
 #include "handlers.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "uci_access.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/channel_readers.h"
 

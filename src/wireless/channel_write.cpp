@@ -3,9 +3,9 @@
 
 #include "domain/channels.h"
 #include "interface_plan.h"
-#include "mesh_codes.h"
 #include "platform/file.h"
 #include "platform/log.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/setting_write.h"
 #include "wireless/wireless_options.h"

@@ -5,9 +5,9 @@
 #include <string>
 
 #include "interface_plan.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "uci_access.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/detail_settings.h"
 #include "wireless/detail_tables.h"

@@ -7,8 +7,8 @@
 #include "answer/answer.h"
 #include "answer/json_reading.h"
 #include "handlers.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
+#include "unit/mesh.h"
 #include "wireless/detail_settings.h"
 #include "wireless/detail_tables.h"
 

@@ -4,8 +4,9 @@
 #include <optional>
 #include <string>
 
+#include "domain/mesh_codes.h"
+#include "domain/security_codes.h"
 #include "interface_plan.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "uci_access.h"
 #include "wireless.h"

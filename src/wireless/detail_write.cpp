@@ -6,10 +6,10 @@
 #include <vector>
 
 #include "interface_plan.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/detail_settings.h"
 #include "wireless/detail_tables.h"

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "domain/mesh_codes.h"
 #include "interface_plan.h"
-#include "mesh_codes.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "wireless/setting_write.h"

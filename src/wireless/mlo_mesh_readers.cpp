@@ -1,10 +1,12 @@
 // Readers of the two slots that stand for several access points: MLO and mesh backhaul.
 #include <cstdlib>
 
-#include "mesh_codes.h"
+#include "domain/security_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/ssid_info.h"
 
@@ -70,13 +72,13 @@ int read_backhaul_state(WirelessIfaceInfo& info, int mesh_enabled) {
 }  // namespace
 
 int get_mlo_value(int& out) {
-  const int brand = get_brand_index();
+  const brands::Brand& brand = unit::brand();
   int mesh = 0;
   if (get_mesh_value(mesh) != 0) {
     log_error("Failed to get meshRole");
     return 1;
   }
-  if (brand == kBrandOrvane && mesh == 1) {
+  if (brand.mlo_in_mesh == brands::MloInMesh::kNone && mesh == 1) {
     int mode = 0;
     if (get_mesh_mode_value(mode) != 0) {
       log_error("Failed to get mesh_mode");
@@ -92,13 +94,13 @@ int get_mlo_value(int& out) {
 }
 
 int get_mlo_info(SsidSlot& slot, WirelessIfaceInfo& info, int mlo_mode) {
-  const int brand = get_brand_index();
+  const brands::Brand& brand = unit::brand();
   int mesh = 0;
   if (get_mesh_value(mesh) != 0) {
     log_error("Failed to get meshRole");
     return 1;
   }
-  if (brand == kBrandOrvane && mesh == 1) return get_mesh_info(slot, info, 1);
+  if (brand.mlo_in_mesh == brands::MloInMesh::kNone && mesh == 1) return get_mesh_info(slot, info, 1);
   if (mlo_mode == 0) return get_wireless_info(kRouterSlots[0], info);
   const SsidSlot* row = find_mlo_interface(mlo_mode);
   if (row == nullptr) return 1;

@@ -5,15 +5,18 @@
 #include <string>
 #include <string_view>
 
-#include "domain/security_codes.h"
 #include "encrypted_body.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
+#include "wireless/security_options.h"
 #include "wireless/setting_write.h"
 #include "wireless/wireless_options.h"
 
 namespace {
+
+using brands::MloInMesh;
 
 constexpr const char* kWriter = "set_mlo_info";
 
@@ -30,9 +33,9 @@ constexpr std::array<MloMode, 3> kModes{{
 constexpr std::string_view k6gLink = "ath25";
 
 struct Unit {
-  int brand;
+  const brands::Brand* brand;
   int role;
-  bool is_tesmir_mesh;  // tesmir units alone have MLO in a mesh
+  bool is_mirrored;  // the mesh is on, and carries the MLO SSID
 };
 
 // False when none of the links is there.
@@ -50,8 +53,8 @@ bool set_links(const MloMode& mode, const WirelessIfaceInfo& info, bool is_mirro
 }
 
 void set_mld_ssid(const std::string& ssid, const Unit& unit) {
-  UciSetOption(nullptr, "wireless", unit.is_tesmir_mesh ? "mld2" : "mld0", "mld_ssid", ssid.c_str());
-  if (unit.brand == kBrandTesmir && unit.role == kMeshRoleController) {
+  UciSetOption(nullptr, "wireless", unit.is_mirrored ? "mld2" : "mld0", "mld_ssid", ssid.c_str());
+  if (unit.brand->mlo_in_mesh == MloInMesh::kMirrored && unit.role == kMeshRoleController) {
     UciSetOption(nullptr, "wireless_for_easymesh", "mld0", "mld_ssid", ssid.c_str());
   }
 }
@@ -82,7 +85,7 @@ bool is_cut(std::string_view address, std::string_view value) { return address.s
 // A key that lost its end would lock out every device: it is refused. The addresses are the longest that the writers
 // below use.
 bool is_key_cut(const std::string& escaped, int wifi_security, const Unit& unit) {
-  if (unit.brand == kBrandTesmir && is_cut("button_mesh.easymesh.mlo_key=", escaped)) return true;
+  if (unit.brand->mlo_in_mesh == MloInMesh::kMirrored && is_cut("button_mesh.easymesh.mlo_key=", escaped)) return true;
   if (wifi_security == kSecurityOpen) return false;
   return is_cut(unit.role == kMeshRoleController ? "wireless_for_easymesh.ath05.key=" : "wireless.ath05.key=", escaped);
 }
@@ -111,14 +114,14 @@ int set_security(int wifi_security, const std::string& escaped, int role) {
 enum class MloAction { kRefuse, kLeave, kClear, kWrite };
 struct MloPlan {
   const MloMode* mode = nullptr;
-  Unit unit{kBrandOther, kMeshRoleNone, false};
+  Unit unit{&brands::of_index(kBrandOther), kMeshRoleNone, false};
   std::string escaped_key;
 };
 
 // Reads alone; refusals are logged.
 MloAction plan_mlo(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled, MloPlan& plan) {
-  plan.unit.brand = get_brand_index();
-  if (plan.unit.brand == kBrandOrvane && mesh_enabled == 1) return MloAction::kLeave;
+  plan.unit.brand = &unit::brand();
+  if (plan.unit.brand->mlo_in_mesh == MloInMesh::kNone && mesh_enabled == 1) return MloAction::kLeave;
   const auto* mode = std::ranges::find(kModes, mlo_mode, &MloMode::mode);
   if (mode == kModes.end()) return MloAction::kClear;
   plan.mode = mode;
@@ -126,9 +129,9 @@ MloAction plan_mlo(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled
     log_error_as(kWriter, "get_mesh_role_value failed");
     return MloAction::kRefuse;
   }
-  plan.unit.is_tesmir_mesh = plan.unit.brand == kBrandTesmir && mesh_enabled == 1;
+  plan.unit.is_mirrored = plan.unit.brand->mlo_in_mesh == MloInMesh::kMirrored && mesh_enabled == 1;
   for (const char* link : kMloLinks) {
-    if (!plan.unit.is_tesmir_mesh || check_repacd_info(fronthaul_info(info, link), link) == 0) continue;
+    if (!plan.unit.is_mirrored || check_repacd_info(fronthaul_info(info, link), link) == 0) continue;
     log_error_as(kWriter, "set_repacd_info failed");
     return MloAction::kRefuse;
   }
@@ -139,8 +142,8 @@ MloAction plan_mlo(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled
 }
 
 int write_mlo(const MloPlan& plan, const WirelessIfaceInfo& info) {
-  if (set_links(*plan.mode, info, plan.unit.is_tesmir_mesh)) set_mld_ssid(info.ssid, plan.unit);
-  if (plan.unit.is_tesmir_mesh && set_fronthaul(info) != 0) return 1;
+  if (set_links(*plan.mode, info, plan.unit.is_mirrored)) set_mld_ssid(info.ssid, plan.unit);
+  if (plan.unit.is_mirrored && set_fronthaul(info) != 0) return 1;
   if (set_security(info.wifi_security, plan.escaped_key, plan.unit.role) != 0) return 1;
   os_system("uci commit wireless");
   return 0;
@@ -159,7 +162,7 @@ int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) 
     case MloAction::kRefuse:
       return 1;
     case MloAction::kLeave:
-      log_error("ORVANE device does not support MLO with mesh enabled");
+      log_error("%s device does not support MLO with mesh enabled", plan.unit.brand->log_name);
       return 0;
     case MloAction::kClear:
       log_error("mlo value %d is not supported.", mlo_mode);
@@ -172,7 +175,8 @@ int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) 
 }
 
 int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role) {
-  if (get_brand_index() == kBrandTesmir && std::string_view(ifname) == k6gLink && *escaped_password != '\0') {
+  if (unit::brand().mlo_in_mesh == MloInMesh::kMirrored && std::string_view(ifname) == k6gLink &&
+      *escaped_password != '\0') {
     UciSetOption(nullptr, "button_mesh", "easymesh", "mlo_key", escaped_password);
   }
   const security::Writing* writing = security::find_writing(security::kMloWritings, wifi_security);

@@ -4,11 +4,11 @@
 #include <array>
 
 #include "answer/json_reading.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/mesh.h"
 
 namespace {
 
@@ -107,10 +107,10 @@ bool read_members(const json::Object& json, SettingRequest& request) {
   return read_channels(json, request.channels) && read_switches(json, request);
 }
 
-// In an orvane mesh the MLO slot shows the backhaul. Sent back as it was shown, it asks for no MLO network.
-bool is_backhaul_sent_back(const WirelessIfaceInfo& info, int brand) {
+// In a mesh without MLO its slot shows the backhaul. Sent back as it was shown, it asks for no MLO network.
+bool is_backhaul_sent_back(const WirelessIfaceInfo& info, const brands::Brand& brand) {
   int mesh = 0;
-  if (brand != kBrandOrvane || get_mesh_value(mesh) != 0 || mesh != 1) return false;
+  if (brand.mlo_in_mesh != brands::MloInMesh::kNone || get_mesh_value(mesh) != 0 || mesh != 1) return false;
   SsidSlot slot = *find_wireless_config(1, kMeshSlotName);
   WirelessIfaceInfo shown;
   return get_mesh_info(slot, shown, mesh) == 0 && shown.ssid == info.ssid && shown.password == info.password;
@@ -162,14 +162,14 @@ std::optional<SettingRequest> read_setting_request(const char* body) {
   return request;
 }
 
-SlotKind kind_of_slot(const SettingRequest& request, const SlotRequest& slot, int brand) {
+SlotKind kind_of_slot(const SettingRequest& request, const SlotRequest& slot, const brands::Brand& brand) {
   if (!request.is_repeater && slot.name == kMeshSlotName) return SlotKind::kMesh;
   if (request.mlo == 0 || slot.name != kMloSlotName) return SlotKind::kAccessPoint;
   if (request.is_repeater && is_backhaul_sent_back(slot.info, brand)) return SlotKind::kAccessPoint;
   return SlotKind::kMlo;
 }
 
-int check_slots(const SettingRequest& request, int brand) {
+int check_slots(const SettingRequest& request, const brands::Brand& brand) {
   BandSteeringTemplate model = band_steering_template();
   int mesh_mode = 0;
   for (const SlotRequest& slot : request.slots) {

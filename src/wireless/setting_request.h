@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "domain/brands.h"
 #include "wireless/setting_write.h"
 
 // One element of "wirelessConfig"; a member that it omits is that of the element before.
@@ -29,7 +30,7 @@ std::optional<SettingRequest> read_setting_request(const char* body);
 
 // What is done about a slot.
 enum class SlotKind { kAccessPoint, kMlo, kMesh };
-SlotKind kind_of_slot(const SettingRequest& request, const SlotRequest& slot, int brand);
+SlotKind kind_of_slot(const SettingRequest& request, const SlotRequest& slot, const brands::Brand& brand);
 
 // Whether every slot can be written, up to a mesh change that ends the request: 0, or 1 (logged).
-int check_slots(const SettingRequest& request, int brand);
+int check_slots(const SettingRequest& request, const brands::Brand& brand);

@@ -6,10 +6,11 @@
 #include "answer/answer.h"
 #include "domain/reload_commands.h"
 #include "handlers.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
 #include "wireless/answers.h"
 #include "wireless/setting_request.h"
 #include "wireless/setting_write.h"
@@ -29,7 +30,7 @@ enum class Verdict {
 
 // What becomes of a request.
 struct Change {
-  int brand = kBrandOther;
+  const brands::Brand* brand = &brands::of_index(kBrandOther);
   int mesh_before = 0;        // as UCI had it; a repeater has no mesh switch
   int mesh_mode = 0;          // from the last known band label
   std::string_view answer{};  // chosen by a mesh change
@@ -54,7 +55,7 @@ Verdict set_mesh(const SettingRequest& request, const SlotRequest& slot, Change&
     case MeshChange::kModeOnly:
       return Verdict::kEnded;
     case MeshChange::kSwitchedOn:
-      change.answer = change.brand == kBrandOrvane ? kWirelessOkWait150 : kWirelessOkWait220;
+      change.answer = change.brand == &brands::of_index(kBrandOrvane) ? kWirelessOkWait150 : kWirelessOkWait220;
       break;
     case MeshChange::kNone:
       break;
@@ -69,7 +70,7 @@ Verdict set_access_point(const SettingRequest& request, const SlotRequest& slot)
 }
 
 Verdict set_slot(const SettingRequest& request, const SlotRequest& slot, Change& change) {
-  switch (kind_of_slot(request, slot, change.brand)) {
+  switch (kind_of_slot(request, slot, *change.brand)) {
     case SlotKind::kMesh:
       return set_mesh(request, slot, change);
     case SlotKind::kMlo:
@@ -82,7 +83,7 @@ Verdict set_slot(const SettingRequest& request, const SlotRequest& slot, Change&
 
 // Everything that is written before the answer is chosen.
 Verdict apply_setting(const SettingRequest& request, Change& change) {
-  if (check_slots(request, change.brand) != 0) return Verdict::kFailed;
+  if (check_slots(request, *change.brand) != 0) return Verdict::kFailed;
   if (!request.is_repeater) {
     change.mesh_before = std::atoi(uci_read_or("button_mesh", "easymesh", "enable", kNumberSize, "0").c_str());
   }
@@ -113,7 +114,7 @@ std::string_view run_reload_chain(int brand) {
 // Starts what makes the change take effect, and tells the answer for it.
 std::string_view start_reload(const SettingRequest& request, const Change& change) {
   if (change.mesh_before == 1 && request.mesh == 0) return kWirelessOkWait180;
-  if (change.mesh_before == 1 && request.mesh == 1) return run_reload_chain(change.brand);
+  if (change.mesh_before == 1 && request.mesh == 1) return run_reload_chain(brands::index_of(*change.brand));
   if (!change.answer.empty()) return change.answer;
   if (request.is_repeater) {
     log_debug_as(
@@ -131,7 +132,7 @@ constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_controller.sh &
 
 int handle_wireless_setting(FCGX_Request* request, const char* body) {
   Change change;
-  change.brand = get_brand_index();
+  change.brand = &unit::brand();
   const std::optional<SettingRequest> wanted = read_setting_request(body);
   const Verdict verdict = wanted ? apply_setting(*wanted, change) : Verdict::kUnusable;
   if (verdict == Verdict::kEnded) {

@@ -54,7 +54,8 @@ int check_repacd_info(const WirelessIfaceInfo& info, const char* ifname);
 
 // Whether set_mlo_info would write: 1 for a security that the fronthaul does not know, or a key that would be cut.
 int check_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled);
-// The MLO SSID on the links of an MLO mode. Modes that cannot be written clear MLO; an orvane mesh has none to write.
+// The MLO SSID on the links of an MLO mode. Modes that cannot be written clear MLO; a mesh without MLO has none to
+// write.
 int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled);
 int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role);
 void clear_mlo_config();

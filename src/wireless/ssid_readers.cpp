@@ -3,11 +3,13 @@
 #include <cstdlib>
 #include <optional>
 
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
+#include "unit/mesh_mld.h"
 #include "wireless.h"
 #include "wireless/iw_reading.h"
 #include "wireless/ssid_info.h"
@@ -26,9 +28,9 @@ bool contains(const std::array<const char*, N>& names, std::string_view name) {
 }
 
 // Access points that a mesh configuration does not have count as disabled.
-const char* default_disabled(std::string_view ifname, int brand, int role) {
+const char* default_disabled(std::string_view ifname, const brands::Brand& brand, int role) {
   const bool is_absent = (role == kMeshRoleAgent && contains(kBackhaulSsids, ifname)) ||
-                         (brand == kBrandOrvane && role == kMeshRoleController && contains(kCopySsids, ifname));
+                         (!brand.has_copies_in_mesh && role == kMeshRoleController && contains(kCopySsids, ifname));
   return is_absent ? "1" : "0";
 }
 
@@ -42,7 +44,7 @@ int mesh_role_or_none() {
 
 int get_wireless_info(const SsidSlot& slot, WirelessIfaceInfo& info) {
   const char* ifname = slot.ifname;
-  const int brand = get_brand_index();
+  const brands::Brand& brand = unit::brand();
   const int role = mesh_role_or_none();
   const auto ssid = uci_read("wireless", ifname, "ssid", kSsidSize);
   if (!ssid) log_error("Failed to get SSID for interface %s, return default value", ifname);

@@ -4,11 +4,13 @@
 #include <string>
 #include <string_view>
 
-#include "domain/security_codes.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
+#include "unit/mesh_mld.h"
 #include "wireless.h"
+#include "wireless/security_options.h"
 #include "wireless/setting_write.h"
 #include "wireless/wireless_options.h"
 
@@ -54,13 +56,8 @@ void set_ssid(const SsidSlot& slot, const std::string& ssid, bool is_controller)
   set_mld_ssid("wireless", slot, mld, ssid);
 }
 
-// The SSID that mesh agents take over as their fronthaul.
-bool is_fronthaul_slot(int brand, std::string_view ssid_name) {
-  return (brand == kBrandOrvane && ssid_name == "SSID1") || (brand == kBrandTesmir && ssid_name == "SSID4");
-}
-
 int set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
-  if (is_fronthaul_slot(get_brand_index(), slot.ssid_name)) {
+  if (unit::brand().fronthaul_slot == slot.ssid_name) {
     UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulSSID", info.ssid.c_str());
     UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulKey", info.password.c_str());
   }

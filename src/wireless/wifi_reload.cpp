@@ -1,8 +1,9 @@
 // The reload that detail settings, WPS and MAC filter share.
 #include "domain/reload_commands.h"
-#include "mesh_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 
 int wifi_reload() {

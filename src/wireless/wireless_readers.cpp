@@ -3,13 +3,14 @@
 #include <optional>
 #include <string>
 
-#include "mesh_codes.h"
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/ssid_info.h"
 
@@ -18,10 +19,9 @@ namespace {
 constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kLineSize = 256;
 
-// The file that hostapd runs the backhaul of an agent with.
-const char* backhaul_file(int brand, int mesh_mode) {
-  const bool is_mld41 = mesh_mode == kMeshMode245And6 || (brand == kBrandTesmir && mesh_mode == kMeshMode24And5);
-  return is_mld41 ? "/tmp/run/hostapd-mld41.conf" : "/tmp/run/hostapd-mld31.conf";
+const char* backhaul_file(const brands::Brand& brand, int mesh_mode) {
+  const auto mode = static_cast<std::size_t>(mesh_mode);
+  return mode < brand.backhaul_files.size() ? brand.backhaul_files[mode] : brand.backhaul_files.back();
 }
 
 }  // namespace
@@ -39,7 +39,7 @@ int get_agent_backhul_info(std::string& ssid, std::string& passphrase) {
     log_error("Failed to get mesh_mode");
     return 1;
   }
-  const char* path = backhaul_file(get_brand_index(), mode);
+  const char* path = backhaul_file(unit::brand(), mode);
   const std::optional<std::string> text = platform::read_file(path);
   if (!text) {
     log_error("Failed to open backhaul info file %s", path);

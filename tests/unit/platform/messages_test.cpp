@@ -164,19 +164,6 @@ TEST_F(Messages, OfTheMacAddressReadersGoToStandardError) {
   EXPECT_STREQ(out_.data(), "kept");
 }
 
-TEST_F(Messages, OfTheDeviceReadersGoToStandardError) {
-  std::remove("/tmp/deviceid");
-  const std::string missing = captured([](char* out) { return getDeviceId(out, 8); }, out_.data(), 1);
-  EXPECT_NE(missing.find("open /tmp/deviceid failed."), std::string::npos) << missing;
-  EXPECT_TRUE(missing.starts_with("\033[1;32m ")) << missing;
-  const std::string other = captured([](char*) { return get_brand_index(); }, out_.data(), kBrandTesmir);
-  EXPECT_TRUE(other.starts_with("Error opening file: ")) << other;
-  ASSERT_TRUE(platform::write_file("/tmp/deviceid", "0221\n"));
-  const std::string read = captured([](char* out) { return getDeviceId(out, 8); }, out_.data(), 0);
-  EXPECT_NE(read.find("get deviceId,devIdBuf = 0221\n."), std::string::npos) << read;
-  std::remove("/tmp/deviceid");
-}
-
 TEST(TellOfUnwritablePackages, SpeaksOnlyWhereNothingCouldBeStored) {
   CapturedLog log;
   std::filesystem::create_directories("/etc/config");

@@ -127,40 +127,6 @@ TEST_F(ReadStrvalueFromFile, ReadsOneBoundedWord) {
   EXPECT_EQ(read_strvalue_from_file("/tmp/system_helpers_test/none", 32), std::nullopt);
 }
 
-TEST(GetDeviceId, KeepsTheLastPieceReadNewlineIncluded) {
-  std::array<char, 16> out{};
-  ASSERT_TRUE(platform::write_file("/tmp/deviceid", "0221\n"));
-  EXPECT_EQ(getDeviceId(out.data(), out.size()), 0);
-  EXPECT_STREQ(out.data(), "0221\n");
-  ASSERT_TRUE(platform::write_file("/tmp/deviceid", "0221\n0121-and-more"));
-  EXPECT_EQ(getDeviceId(out.data(), out.size()), 0);
-  EXPECT_STREQ(out.data(), "d-more");
-}
-
-TEST(GetDeviceId, RefusesASmallBufferWithoutOpeningTheFile) {
-  std::array<char, 8> out{'k', 0};
-  std::remove("/tmp/deviceid");
-  ::testing::internal::CaptureStderr();
-  EXPECT_EQ(getDeviceId(out.data(), 4), 1);
-  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "");
-  EXPECT_EQ(getDeviceId(out.data(), out.size()), 1);
-  EXPECT_STREQ(out.data(), "k");
-}
-
-TEST(GetBrandIndex, MapsTheDeviceId) {
-  struct Row {
-    const char* id;
-    int index;
-  };
-  for (const Row& row : {Row{"0221\n", kBrandOrvane}, Row{"0121", kBrandTesmir}, Row{"0321\n", kBrandOther},
-                         Row{"", kBrandOther}, Row{"02", kBrandOther}}) {
-    ASSERT_TRUE(platform::write_file("/tmp/deviceid", row.id));
-    EXPECT_EQ(get_brand_index(), row.index) << row.id;
-  }
-  std::remove("/tmp/deviceid");
-  EXPECT_EQ(get_brand_index(), kBrandTesmir);
-}
-
 TEST_F(GetLinkBssid, TakesTheAddressBehindConnectedTo) {
   provide("iw", "cat /tmp/test_tools/link\n");
   struct Row {

@@ -3,7 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "mesh_codes.h"
+#include "domain/mesh_codes.h"
+#include "domain/security_codes.h"
 #include "wireless.h"
 #include "wireless/detail_settings.h"
 #include "wireless/package_text.h"

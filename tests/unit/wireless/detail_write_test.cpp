@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mesh_codes.h"
+#include "domain/mesh_codes.h"
 #include "wireless/detail_settings.h"
 #include "wireless/package_text.h"
 #include "wireless/router_state.h"

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mesh_codes.h"
+#include "domain/mesh_codes.h"
 #include "uci_access.h"
 #include "wireless/router_state.h"
 

@@ -1,5 +1,5 @@
 // Readers of the mesh settings.
-#include "mesh_codes.h"
+#include "unit/mesh.h"
 
 #include <string>
 
