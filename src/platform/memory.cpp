@@ -21,7 +21,7 @@ void return_large_blocks() {
 
 void return_free_memory() {
 #ifdef __GLIBC__
-  constexpr std::ptrdiff_t kSmallHeap = 512 * 1024;
+  constexpr std::ptrdiff_t kSmallHeap = std::ptrdiff_t{512} * 1024;
   static const char* const begin = static_cast<const char*>(sbrk(0));  // of the first call, before the first request
   if (static_cast<const char*>(sbrk(0)) - begin > kSmallHeap) malloc_trim(0);
 #endif
