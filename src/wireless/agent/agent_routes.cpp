@@ -1,0 +1,159 @@
+// POST /api/v1/mesh/agent-wificlient-info.
+#include <array>
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "answer/answer.h"
+#include "answer/json_reading.h"
+#include "handlers.h"
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "uci_access.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
+#include "wireless/agent/agent_settings.h"
+#include "wireless/wireless_options.h"
+
+namespace {
+
+constexpr const char* kHandler = "handle_agent_wifi_client_info";
+
+constexpr const char* kConfdir = "/etc/config";
+constexpr std::size_t kNumberSize = 16;
+constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_agent.sh &";
+constexpr std::array<const char*, 2> k6GhzNetworks{"ath2", "ath25"};
+
+bool set(const char* package, const char* section, const char* option, const std::string& value) {
+  return UciSetOption(kConfdir, package, section, option, value.c_str()) == 0;
+}
+
+// A plain option, in the order of writing.
+struct Row {
+  const char* package;
+  const char* section;
+  const char* option;
+  std::string (*value)(const AgentSettings&);
+  const char* failure;
+  int AgentState::*before = nullptr;  // what stands in its place is read first, where that counts
+  const char* unreadable = nullptr;
+};
+using Settings = AgentSettings;
+// clang-format off
+constexpr std::array<Row, 6> kRows{{
+    {"button_mesh", "easymesh", "ieee80211r",
+     [](const Settings& s) { return std::to_string(s.ieee802dot11r); }, "set ieee80211r error"},
+    {"wireless", "wifi1", "dfs_puncture_en",
+     [](const Settings& s) { return std::to_string(s.multi_ru_enable); }, "set MRU error",
+     &AgentState::multi_ru, "get multiRuEnable value error"},
+    {"devicecustom", "info", "locationCustom",
+     [](const Settings& s) { return std::to_string(s.location); }, "set location error"},
+    {"devicecustom", "info", "locationCustom",
+     [](const Settings& s) { return s.location_custom; }, "set locationCustom error"},
+    {"repeater", "compatiMode", "value",
+     [](const Settings& s) { return std::to_string(s.compati_mode); }, "set compatiMode value error"},
+    {"button_mesh", "easymesh", "compatiWiFi6Mode",
+     [](const Settings& s) { return std::to_string(s.compati_wifi6_mode); }, "set compatiWiFi6Mode value error",
+     &AgentState::compati_wifi6_mode, "get compatiWiFi6Mode value error"},
+}};
+// clang-format on
+
+bool write_settings(const AgentSettings& settings, AgentState& before) {
+  for (const Row& row : kRows) {
+    if (row.before != nullptr) {
+      const auto text = uci_read(row.package, row.section, row.option, kNumberSize);
+      if (!text) {
+        log_error_as(kHandler, "%s", row.unreadable);
+        return false;
+      }
+      before.*row.before = std::atoi(text->c_str());
+    }
+    if (set(row.package, row.section, row.option, row.value(settings))) continue;
+    log_error_as(kHandler, "%s", row.failure);
+    return false;
+  }
+  return true;
+}
+
+bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
+  if (get_mesh_mode_value(before.mesh_mode) != 0) {
+    log_error_as(kHandler, "get mesh mode value error");
+    return false;
+  }
+  const int mode = settings.multi_link_operation_enable;
+  if (!is_mesh_mode(mode) || set("button_mesh", "easymesh", "mode", std::to_string(mode))) return true;
+  log_error_as(kHandler, "set mesh mode value error");
+  return false;
+}
+
+// With Wi-Fi 6 compatibility the unit falls back to 2.4 + 5 GHz.
+bool switch_6ghz(const AgentSettings& settings) {
+  const bool is_off = settings.compati_wifi6_mode == 1;
+  if (is_off && !set("button_mesh", "easymesh", "mode", "1")) {
+    log_error_as(kHandler, "set mesh mode value error");
+    return false;
+  }
+  for (const char* package : kWirelessPackages) {
+    for (const char* section : k6GhzNetworks) {
+      if (set(package, section, "disabled", is_off ? "1" : "0")) continue;
+      log_error_as(kHandler, "set 6GHz disabled error");
+      return false;
+    }
+  }
+  return true;
+}
+
+// The client hears of it before the unit leaves its mesh.
+int close_mesh(FCGX_Request* request, std::string_view text) {
+  answer(request, text);
+  os_system(kCloseMesh);
+  return 0;
+}
+
+int join_mesh(FCGX_Request* request) {
+  os_system("/usr/sbin/easymesh_agent.sh &");
+  return answer(request, get_brand_index() == kBrandOrvane ? kAgentOkWait130 : kAgentOkWait150);
+}
+
+int change_mesh(FCGX_Request* request) {
+  if (!set("button_mesh", "easymesh", "mode_change", "1")) {
+    log_error_as(kHandler, "set mode_change error");
+    return answer(request, kResultFailed);
+  }
+  return close_mesh(request, kAgentOkWait150);
+}
+
+int act(FCGX_Request* request, AgentAction action, const AgentSettings& settings) {
+  if (action == AgentAction::kNothing) return answer(request, kResultOkWait20);
+  if (action == AgentAction::kReload) {
+    os_system("wifi reload &");
+    return answer(request, kAgentOkWait120);
+  }
+  if (!switch_6ghz(settings)) return answer(request, kResultFailed);
+  if (action == AgentAction::kMeshOff) return close_mesh(request, kAgentOkWait120);
+  if (action == AgentAction::kMeshOn) return join_mesh(request);
+  return change_mesh(request);
+}
+
+}  // namespace
+
+int handle_agent_wifi_client_info(FCGX_Request* request, const char* body) {
+  if (body == nullptr) {
+    log_error("request error");
+    return answer(request, kResultUnusable);
+  }
+  const json::Document document(body);
+  if (!document.is_json()) {
+    log_error("can't parse data to json format.");
+    return answer(request, kResultUnusable);
+  }
+  const std::optional<AgentSettings> settings = parse_agent_settings(document.root());
+  if (!settings) return answer(request, kResultUnusable);
+  AgentState before;
+  if (!write_settings(*settings, before) || !write_mesh_mode(*settings, before)) return answer(request, kResultFailed);
+  if (get_mesh_value(before.mesh) != 0) {
+    log_error("get mesh value error");
+    return answer(request, kResultFailed);
+  }
+  return act(request, choose_agent_action(*settings, before), *settings);
+}

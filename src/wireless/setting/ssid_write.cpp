@@ -1,0 +1,193 @@
+// Checking and writing of one SSID slot.
+#include <algorithm>
+#include <cctype>
+#include <string>
+#include <string_view>
+
+#include "platform/log.h"
+#include "system_helpers.h"
+#include "unit/brand.h"
+#include "unit/mesh.h"
+#include "unit/mesh_mld.h"
+#include "wireless.h"
+#include "wireless/security_options.h"
+#include "wireless/setting/setting_write.h"
+#include "wireless/wireless_options.h"
+
+namespace {
+
+constexpr const char* kInfo = "set_wireless_info";
+
+constexpr const char* kEncryption = "set_wireless_encryption";
+
+constexpr int kLeaveWpsAlone = -1;
+
+BandSteeringTemplate process_template;
+
+// `info` as it is written after slots that left `model`, which becomes what this slot leaves.
+WirelessIfaceInfo follow_band_steering(std::string_view ssid_name, WirelessIfaceInfo info,
+                                       BandSteeringTemplate& model) {
+  int enabled = 0;
+  if (get_bandSteering_Value(enabled) != 0 || enabled != 1) return info;
+  if (ssid_name == "SSID1") model = {info, true};
+  if (ssid_name == "SSID8") model.is_valid = false;
+  if (!model.is_valid || (ssid_name != "SSID4" && ssid_name != "SSID7")) return info;
+  info.ssid = model.info.ssid;
+  info.password = model.info.password;
+  info.wifi_stealth = model.info.wifi_stealth;
+  info.wpa_rekey_interval = model.info.wpa_rekey_interval;
+  if (ssid_name == "SSID4") info.wifi_security = model.info.wifi_security;  // 6 GHz keeps its own
+  return info;
+}
+
+// A mesh takes access points away; one that is not there must not name the MLD, which another one may have now.
+void set_mld_ssid(const char* package, const SsidSlot& slot, const char* mld, const std::string& ssid) {
+  if (mld == nullptr || UciCheckSection(nullptr, package, slot.ifname) != 0) return;
+  UciSetOption(nullptr, package, mld, "mld_ssid", ssid.c_str());
+}
+
+void set_ssid(const SsidSlot& slot, const std::string& ssid, bool is_controller) {
+  set_wireless_option(is_controller, slot.ifname, "ssid", ssid);
+  const char* mld = slot.mld;
+  if (is_controller) {
+    set_mld_ssid("wireless_for_easymesh", slot, slot.mld, ssid);
+    if (const char* mesh_mld = get_mesh_mld_by_ifname(slot.ifname)) mld = mesh_mld;
+  }
+  set_mld_ssid("wireless", slot, mld, ssid);
+}
+
+int set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
+  if (unit::brand().fronthaul_slot == slot.ssid_name) {
+    UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulSSID", info.ssid.c_str());
+    UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulKey", info.password.c_str());
+  }
+  if (set_repacd_info(info, slot.ifname) == 0) return 0;
+  log_error_as(kInfo, "set_repacd_info failed");
+  return 1;
+}
+
+bool is_password_usable(const WirelessIfaceInfo& info) {
+  if (info.wifi_security == kSecurityOpen || check_wifi_password(info.password.c_str()) == 0) return true;
+  log_error_as(kEncryption, "Password check failed");
+  return false;
+}
+
+// What a slot can be refused for, before the first of its options is written.
+int check_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
+  if (!is_password_usable(info)) {
+    log_error_as(kInfo, "set_wireless_encryption failed");
+    return 1;
+  }
+  if (!is_controller || check_repacd_info(info, slot.ifname) == 0) return 0;
+  log_error_as(kInfo, "set_repacd_info failed");
+  return 1;
+}
+
+// The whole slot, once it is known to have an access point and to be written.
+int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
+  set_wireless_option(is_controller, slot.ifname, "disabled", info.ssid_status == 0 ? "1" : "0");
+  set_ssid(slot, info.ssid, is_controller);
+
+  int wps_state = kLeaveWpsAlone;
+  const int role = is_controller ? kMeshRoleController : kMeshRoleNone;
+  if (set_wireless_encryption(info, slot.ifname, role, wps_state) != 0) {
+    log_error_as(kInfo, "set_wireless_encryption failed");
+    return 1;
+  }
+  if (is_controller && set_fronthaul(slot, info) != 0) return 1;
+  if (info.wifi_stealth == 1) change_wpsStatus(0, slot.ifname);
+  set_wireless_option(is_controller, slot.ifname, "hidden", std::to_string(info.wifi_stealth));
+  set_wireless_option(is_controller, slot.ifname, "wpa_group_rekey", std::to_string(info.wpa_rekey_interval));
+  return 0;
+}
+
+// The slot of a request and this unit's part in the mesh.
+struct Target {
+  const SsidSlot* slot = nullptr;
+  bool is_controller = false;
+};
+
+// False (logged) when there is no such slot.
+bool find_target(int repeater_flag, const char* ssid_name, Target& target) {
+  if (ssid_name == nullptr) return false;
+  int role = kMeshRoleNone;
+  if (get_mesh_role_value(role) != 0) {
+    log_error_as(kInfo, "get_mesh_role_value failed");
+    return false;
+  }
+  target = {find_wireless_config(repeater_flag, ssid_name), role == kMeshRoleController};
+  if (target.slot == nullptr) log_error_as(kInfo, "Find_wireless_config: ssidName %s not found", ssid_name);
+  return target.slot != nullptr;
+}
+
+}  // namespace
+
+const BandSteeringTemplate& band_steering_template() { return process_template; }
+
+int check_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info,
+                        BandSteeringTemplate& model) {
+  Target target;
+  if (!find_target(repeater_flag, ssid_name, target)) return 1;
+  if (target.slot->ifname == nullptr) return 0;
+  return check_slot(*target.slot, follow_band_steering(ssid_name, info, model), target.is_controller);
+}
+
+int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info) {
+  Target target;
+  if (!find_target(repeater_flag, ssid_name, target)) return 1;
+  if (target.slot->ifname == nullptr) return 0;
+  const WirelessIfaceInfo followed = follow_band_steering(ssid_name, info, process_template);
+  if (check_slot(*target.slot, followed, target.is_controller) != 0) return 1;
+  return set_slot(*target.slot, followed, target.is_controller);
+}
+
+int set_wireless_encryption(const WirelessIfaceInfo& info, const char* ifname, int mesh_role, int& wps_state) {
+  const std::string_view name = ifname;
+  if (!is_password_usable(info)) return 1;
+  if (info.wifi_security != kSecurityOpen) {
+    if (name == kMainSsids[2]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key6G", info.password.c_str());
+    if (name == kMainSsids[1]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key5G", info.password.c_str());
+  }
+  const auto& table = name.starts_with(kMainSsids[2]) ? security::kSsidWritings6g : security::kSsidWritings;
+  const security::Writing* writing = security::find_writing(table, info.wifi_security);
+  if (info.wifi_security == kSecurityWpa3 || info.wifi_security == kSecurityOpen) wps_state = 0;
+  for (const char* package : wireless_packages(mesh_role == kMeshRoleController)) {
+    if (writing != nullptr) security::write(*writing, package, ifname, info.password.c_str());
+    change_wpsStatus(wps_state, ifname);
+  }
+  return 0;
+}
+
+int check_wifi_password(const char* password) {
+  constexpr std::size_t kShortest = 8;
+  constexpr std::size_t kHexKey = 64;
+  const std::string_view text = password == nullptr ? "" : password;
+  if (text.empty()) return 0;
+  const auto is_ascii = [](unsigned char c) { return c < 0x80; };
+  const auto is_hex = [](unsigned char c) { return std::isxdigit(c) != 0; };
+  if (text.size() == kHexKey) return std::ranges::all_of(text, is_hex) ? 0 : 1;
+  const bool is_passphrase = text.size() >= kShortest && text.size() < kHexKey;
+  return is_passphrase && std::ranges::all_of(text, is_ascii) ? 0 : 1;
+}
+
+void change_wpsStatus(int wps_state, const char* ifname) {
+  if (wps_state == kLeaveWpsAlone) {
+    log_error("Should not to change wps status");
+    return;
+  }
+  int mesh = 0;
+  if (get_mesh_value(mesh) != 0) {
+    log_error("get mesh value error");
+    return;
+  }
+  int mac_filter = 0;
+  if (get_mac_filter_enable(mac_filter) != 0) log_error("Failed to get mac filter status return default value");
+  if (mac_filter == 1) {
+    log_debug("Enable macfilter func, no wps func");
+    return;
+  }
+  const std::string_view name = ifname;
+  if (name != kMainSsids[0] && name != kMainSsids[1]) return;
+  UciSetOption("/etc/config", "wireless", ifname, "wps_state", wps_state == 0 ? "1" : "2");
+  UciSetOption("/etc/config", "wireless", ifname, "wps_pbc", wps_state == 0 ? "0" : "1");
+}
