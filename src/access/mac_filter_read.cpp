@@ -2,13 +2,13 @@
 #include <algorithm>
 #include <string>
 
+#include "access.h"
 #include "access/mac_filter.h"
 #include "access/mac_filter_lists.h"
 #include "answer/json_text.h"
 #include "platform/file.h"
 #include "platform/log.h"
 #include "uci_section.h"
-#include "wireless.h"
 
 namespace {
 

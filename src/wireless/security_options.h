@@ -1,7 +1,10 @@
-// Writing of the options behind a wifiSecurity code; include/wireless.h has their reader.
+// Reading and writing of the options behind a wifiSecurity code.
 #pragma once
 
 #include "domain/security_codes.h"
+
+// wifiSecurity code of the access point `ifname`, from its UCI options. 0, or 1 with `out` untouched.
+int get_encryption_mode_value(const char* ifname, int& out);
 
 namespace security {
 

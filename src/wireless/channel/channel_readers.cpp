@@ -14,7 +14,6 @@
 #include "platform/process.h"
 #include "uci_access.h"
 #include "unit/mesh.h"
-#include "wireless.h"
 #include "wireless/iw_reading.h"
 
 namespace {

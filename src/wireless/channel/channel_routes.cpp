@@ -10,7 +10,6 @@
 #include "platform/log.h"
 #include "uci_access.h"
 #include "unit/mesh.h"
-#include "wireless.h"
 #include "wireless/channel/channel_readers.h"
 
 namespace {

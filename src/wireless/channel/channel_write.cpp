@@ -1,4 +1,6 @@
 // Writing of the radios' channels and LEDs.
+#include "wireless/channel/channel_write.h"
+
 #include <string>
 
 #include "domain/channels.h"
@@ -6,8 +8,6 @@
 #include "platform/file.h"
 #include "platform/log.h"
 #include "unit/mesh.h"
-#include "wireless.h"
-#include "wireless/setting/setting_write.h"
 #include "wireless/wireless_options.h"
 
 namespace {

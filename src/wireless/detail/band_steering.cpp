@@ -1,4 +1,6 @@
 // Band steering as the detail settings switch it: one name on all bands, whose own settings are kept for later.
+#include "wireless/detail/band_steering.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -9,14 +11,13 @@
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
-#include "wireless.h"
-#include "wireless/detail/detail_settings.h"
 #include "wireless/detail/detail_tables.h"
 
 namespace {
 
 constexpr const char* kWriter = "set_band_steering_Info";
 
+constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kValueSize = 256;
 constexpr const char* kModel = kMainSsids[0];  // the 2.4 GHz main SSID, which the two others follow
 constexpr std::array<const char*, 2> kFollowers{kMainSsids[1], kMainSsids[2]};
@@ -108,6 +109,13 @@ void switch_off() {
 }
 
 }  // namespace
+
+int get_bandSteering_Value(int& out) {
+  const std::optional<std::string> enable = uci_read("lbd", "config", "Enable", kNumberSize);
+  if (!enable) return 1;
+  out = std::atoi(enable->c_str()) == 1 ? 1 : 0;
+  return 0;
+}
 
 int set_band_steering_Info(int enable) {
   if (enable != 0 && enable != 1) {

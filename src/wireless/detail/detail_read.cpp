@@ -1,4 +1,6 @@
 // Reading of the detail settings.
+#include "wireless/detail/detail_read.h"
+
 #include <array>
 #include <cstdlib>
 #include <optional>
@@ -8,16 +10,16 @@
 #include "platform/log.h"
 #include "uci_access.h"
 #include "unit/mesh.h"
-#include "wireless.h"
+#include "wireless/detail/band_steering.h"
 #include "wireless/detail/detail_settings.h"
 #include "wireless/detail/detail_tables.h"
+#include "wireless/wps/wps_status.h"
 
 namespace {
 
 constexpr const char* kReader = "get_wlan_detail_info";
 
 constexpr std::size_t kNumberSize = 16;
-constexpr std::size_t kHiddenSize = 4;
 constexpr const char* kBandNames[] = {"2.4G", "5G", "6G"};
 
 std::optional<int> read_number(const char* section, const char* option) {
@@ -142,12 +144,4 @@ int get_wlan_detail_info(WlanDetailInfo& info) {
   if (!read_powers(info)) return 1;
   info.multi_ru_enable = read_switch("wifi1", "dfs_puncture_en");
   return read_widths(info) ? 0 : 1;
-}
-
-int get_hidden_value(const char* ifname, int& out) {
-  if (ifname == nullptr) return 1;
-  const auto hidden = uci_read("wireless", ifname, "hidden", kHiddenSize);
-  if (!hidden) log_error("Failed to get hiddenEnable option, return default value 0");
-  out = hidden && std::atoi(hidden->c_str()) == 1 ? 1 : 0;
-  return 0;
 }

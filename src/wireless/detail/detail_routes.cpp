@@ -9,8 +9,10 @@
 #include "handlers.h"
 #include "platform/log.h"
 #include "unit/mesh.h"
+#include "wireless/detail/detail_read.h"
 #include "wireless/detail/detail_settings.h"
 #include "wireless/detail/detail_tables.h"
+#include "wireless/detail/detail_write.h"
 
 namespace {
 

@@ -1,4 +1,6 @@
 // Writing of the detail settings.
+#include "wireless/detail/detail_write.h"
+
 #include <algorithm>
 #include <array>
 #include <span>
@@ -11,9 +13,11 @@
 #include "uci_access.h"
 #include "unit/mesh.h"
 #include "wireless.h"
+#include "wireless/detail/band_steering.h"
 #include "wireless/detail/detail_settings.h"
 #include "wireless/detail/detail_tables.h"
 #include "wireless/wireless_options.h"
+#include "wireless/wps/wps_enable.h"
 
 namespace {
 

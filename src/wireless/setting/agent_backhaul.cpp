@@ -1,4 +1,4 @@
-// Small readers of the wireless settings that other areas use, too.
+// The backhaul of a mesh agent, as hostapd runs it.
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kLineSize = 256;
 
 const char* backhaul_file(const brands::Brand& brand, int mesh_mode) {
@@ -25,13 +24,6 @@ const char* backhaul_file(const brands::Brand& brand, int mesh_mode) {
 }
 
 }  // namespace
-
-int get_bandSteering_Value(int& out) {
-  const std::optional<std::string> enable = uci_read("lbd", "config", "Enable", kNumberSize);
-  if (!enable) return 1;
-  out = std::atoi(enable->c_str()) == 1 ? 1 : 0;
-  return 0;
-}
 
 int get_agent_backhul_info(std::string& ssid, std::string& passphrase) {
   int mode = 0;

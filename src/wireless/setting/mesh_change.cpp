@@ -1,4 +1,6 @@
 // What a "Mesh SSID" element of the wireless settings changes in the mesh.
+#include "wireless/setting/mesh_change.h"
+
 #include <array>
 #include <cstdlib>
 #include <string>
@@ -8,7 +10,7 @@
 #include "interface_plan.h"
 #include "system_helpers.h"
 #include "uci_access.h"
-#include "wireless/setting/setting_write.h"
+#include "wireless/setting/ssid_info.h"
 
 namespace {
 

@@ -1,14 +1,17 @@
 // Readers of the two slots that stand for several access points: MLO and mesh backhaul.
+#include "wireless/setting/mlo_mesh_readers.h"
+
 #include <cstdlib>
 
 #include "domain/security_codes.h"
+#include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
-#include "wireless.h"
 #include "wireless/setting/ssid_info.h"
+#include "wireless/setting/ssid_readers.h"
 
 namespace {
 

@@ -1,17 +1,22 @@
 // Writing of the MLO SSID.
+#include "wireless/setting/mlo_write.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "domain/security_codes.h"
 #include "encrypted_body.h"
+#include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "wireless/security_options.h"
-#include "wireless/setting/setting_write.h"
+#include "wireless/setting/repacd_write.h"
+#include "wireless/setting/ssid_info.h"
 #include "wireless/wireless_options.h"
 
 namespace {

@@ -1,11 +1,14 @@
 // The fronthaul mirror in package repacd.
+#include "wireless/setting/repacd_write.h"
+
 #include <algorithm>
 
 #include "domain/fronthaul_override.h"
+#include "domain/security_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
-#include "wireless/setting/setting_write.h"
+#include "wireless/setting/ssid_info.h"
 
 namespace {
 

@@ -10,13 +10,16 @@
 #include "answer/answer.h"
 #include "domain/channels.h"
 #include "handlers.h"
+#include "interface_plan.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "uci_access.h"
 #include "unit/mesh.h"
-#include "wireless.h"
 #include "wireless/channel/channel_readers.h"
+#include "wireless/detail/band_steering.h"
+#include "wireless/setting/mlo_mesh_readers.h"
 #include "wireless/setting/ssid_info.h"
+#include "wireless/setting/ssid_readers.h"
 
 namespace {
 

@@ -4,11 +4,18 @@
 #include <array>
 
 #include "answer/json_reading.h"
+#include "interface_plan.h"
 #include "platform/log.h"
 #include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "unit/mesh.h"
+#include "wireless/channel/channel_write.h"
+#include "wireless/setting/mesh_change.h"
+#include "wireless/setting/mlo_mesh_readers.h"
+#include "wireless/setting/mlo_write.h"
+#include "wireless/setting/ssid_info.h"
+#include "wireless/setting/ssid_write.h"
 
 namespace {
 

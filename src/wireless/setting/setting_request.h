@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "domain/brands.h"
-#include "wireless/setting/setting_write.h"
+#include "wireless/channel/channel_write.h"
+#include "wireless/setting/ssid_info.h"
 
 // One element of "wirelessConfig"; a member that it omits is that of the element before.
 struct SlotRequest {

@@ -12,8 +12,12 @@
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "wireless/answers.h"
+#include "wireless/channel/channel_write.h"
+#include "wireless/setting/mesh_change.h"
+#include "wireless/setting/mlo_write.h"
 #include "wireless/setting/setting_request.h"
-#include "wireless/setting/setting_write.h"
+#include "wireless/setting/ssid_info.h"
+#include "wireless/setting/ssid_write.h"
 
 namespace {
 

@@ -1,8 +1,11 @@
 // Readers of one access point.
+#include "wireless/setting/ssid_readers.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <optional>
 
+#include "interface_plan.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "system_helpers.h"
@@ -10,8 +13,8 @@
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "unit/mesh_mld.h"
-#include "wireless.h"
 #include "wireless/iw_reading.h"
+#include "wireless/security_options.h"
 #include "wireless/setting/ssid_info.h"
 
 namespace {

@@ -1,26 +1,30 @@
 // Checking and writing of one SSID slot.
+#include "wireless/setting/ssid_write.h"
+
 #include <algorithm>
 #include <cctype>
 #include <string>
 #include <string_view>
 
+#include "domain/security_codes.h"
+#include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "unit/mesh_mld.h"
-#include "wireless.h"
+#include "wireless/detail/band_steering.h"
 #include "wireless/security_options.h"
-#include "wireless/setting/setting_write.h"
+#include "wireless/setting/repacd_write.h"
+#include "wireless/setting/ssid_info.h"
 #include "wireless/wireless_options.h"
+#include "wireless/wps/wps_change.h"
 
 namespace {
 
 constexpr const char* kInfo = "set_wireless_info";
 
 constexpr const char* kEncryption = "set_wireless_encryption";
-
-constexpr int kLeaveWpsAlone = -1;
 
 BandSteeringTemplate process_template;
 
@@ -168,26 +172,4 @@ int check_wifi_password(const char* password) {
   if (text.size() == kHexKey) return std::ranges::all_of(text, is_hex) ? 0 : 1;
   const bool is_passphrase = text.size() >= kShortest && text.size() < kHexKey;
   return is_passphrase && std::ranges::all_of(text, is_ascii) ? 0 : 1;
-}
-
-void change_wpsStatus(int wps_state, const char* ifname) {
-  if (wps_state == kLeaveWpsAlone) {
-    log_error("Should not to change wps status");
-    return;
-  }
-  int mesh = 0;
-  if (get_mesh_value(mesh) != 0) {
-    log_error("get mesh value error");
-    return;
-  }
-  int mac_filter = 0;
-  if (get_mac_filter_enable(mac_filter) != 0) log_error("Failed to get mac filter status return default value");
-  if (mac_filter == 1) {
-    log_debug("Enable macfilter func, no wps func");
-    return;
-  }
-  const std::string_view name = ifname;
-  if (name != kMainSsids[0] && name != kMainSsids[1]) return;
-  UciSetOption("/etc/config", "wireless", ifname, "wps_state", wps_state == 0 ? "1" : "2");
-  UciSetOption("/etc/config", "wireless", ifname, "wps_pbc", wps_state == 0 ? "0" : "1");
 }

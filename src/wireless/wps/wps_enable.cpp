@@ -1,16 +1,18 @@
 // WPS as the detail settings switch it: never without a radio, on open or WPA3-only or hidden networks.
+#include "wireless/wps/wps_enable.h"
+
 #include <array>
 #include <cstdlib>
 #include <optional>
 #include <string>
 
+#include "access.h"
 #include "domain/mesh_codes.h"
 #include "domain/security_codes.h"
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "uci_access.h"
-#include "wireless.h"
-#include "wireless/detail/detail_settings.h"
+#include "wireless/security_options.h"
 #include "wireless/wireless_options.h"
 
 namespace {
@@ -129,4 +131,12 @@ int set_wps_enable(int status, int mesh_role) {
   if (status == 0) return switch_off(is_mirrored) ? 0 : 1;
   log_error("Invalid status value");
   return 1;
+}
+
+int get_hidden_value(const char* ifname, int& out) {
+  if (ifname == nullptr) return 1;
+  const auto hidden = uci_read("wireless", ifname, "hidden", kFlagSize);
+  if (!hidden) log_error("Failed to get hiddenEnable option, return default value 0");
+  out = hidden && std::atoi(hidden->c_str()) == 1 ? 1 : 0;
+  return 0;
 }

@@ -12,6 +12,7 @@
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "wireless.h"
+#include "wireless/wps/wps_status.h"
 
 namespace {
 

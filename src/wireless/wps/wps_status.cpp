@@ -1,11 +1,12 @@
 // Whether WPS is on.
+#include "wireless/wps/wps_status.h"
+
 #include <cstdlib>
 #include <optional>
 #include <string>
 
 #include "platform/log.h"
 #include "uci_access.h"
-#include "wireless.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include "access.h"
 #include "access/mac_filter.h"
 #include "answer/json_reading.h"
 #include "answer/json_text.h"
 #include "uci_access.h"
-#include "wireless.h"
 #include "wireless/router_state.h"
 
 namespace {

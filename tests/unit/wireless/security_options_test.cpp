@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "wireless.h"
 #include "wireless/router_state.h"
 
 namespace {

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "domain/mesh_codes.h"
-#include "wireless.h"
 #include "wireless/router_state.h"
 
 namespace {

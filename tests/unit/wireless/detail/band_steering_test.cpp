@@ -1,9 +1,10 @@
 // Band steering: what the 5 and 6 GHz main SSIDs take over, and what they get back.
+#include "wireless/detail/band_steering.h"
+
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "wireless/detail/detail_settings.h"
 #include "wireless/detail/detail_tables.h"
 #include "wireless/package_text.h"
 #include "wireless/router_state.h"
@@ -169,6 +170,19 @@ TEST(SetBandSteeringInfo, OtherValuesAreRefused) {
     EXPECT_EQ(lbd(), "00");
     EXPECT_EQ(stored("wireless", "ath1", "ssid"), "Five");
   }
+}
+
+TEST(GetBandSteeringValue, IsOnOnlyWhenOne) {
+  for (const char* value : {"0", "1", "2", "x"}) {
+    router_state::config("lbd", std::string("config config 'config'\n\toption Enable '") + value + "'\n");
+    int out = -7;
+    EXPECT_EQ(get_bandSteering_Value(out), 0);
+    EXPECT_EQ(out, std::string(value) == "1" ? 1 : 0);
+  }
+  router_state::no_config("lbd");
+  int out = -7;
+  EXPECT_NE(get_bandSteering_Value(out), 0);
+  EXPECT_EQ(out, -7);
 }
 
 }  // namespace

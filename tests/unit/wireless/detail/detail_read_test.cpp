@@ -1,11 +1,12 @@
 // What the detail settings report, option by option.
+#include "wireless/detail/detail_read.h"
+
 #include <map>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "domain/mesh_codes.h"
-#include "wireless/detail/detail_settings.h"
 #include "wireless/package_text.h"
 #include "wireless/router_state.h"
 

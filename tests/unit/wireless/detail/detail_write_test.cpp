@@ -1,4 +1,6 @@
 // What each detail setting writes, and where: by role, operation mode and value.
+#include "wireless/detail/detail_write.h"
+
 #include <map>
 #include <set>
 #include <string>
@@ -6,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "domain/mesh_codes.h"
-#include "wireless/detail/detail_settings.h"
 #include "wireless/package_text.h"
 #include "wireless/router_state.h"
 

@@ -1,12 +1,12 @@
 // Every combination that decides whether WPS may be switched.
+#include "wireless/wps/wps_enable.h"
+
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "domain/mesh_codes.h"
 #include "domain/security_codes.h"
-#include "wireless.h"
-#include "wireless/detail/detail_settings.h"
 #include "wireless/package_text.h"
 #include "wireless/router_state.h"
 

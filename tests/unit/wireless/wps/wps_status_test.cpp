@@ -1,9 +1,10 @@
 // Every combination of what makes WPS on.
+#include "wireless/wps/wps_status.h"
+
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include "wireless.h"
 #include "wireless/package_text.h"
 #include "wireless/router_state.h"
 
