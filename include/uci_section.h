@@ -16,6 +16,8 @@ std::string position(const char* type, int index);
 // its value to kUciAddressMax bytes. It need not exist.
 class Section {
  public:
+  static constexpr std::size_t kNumberSize = 16;
+
   // `package`: a literal, or as long-lived. `name`: the section's name or position.
   Section(const char* package, std::string name) : package_(package), name_(std::move(name)) {}
 
@@ -31,8 +33,8 @@ class Section {
   // A plain option, cut to size - 1 bytes; nullopt when it is missing or a list.
   [[nodiscard]] std::optional<std::string> read(const char* option, std::size_t size) const;
   [[nodiscard]] std::string read_or(const char* option, std::size_t size, const char* fallback) const;
-  // The option's leading integer as atoi reads it; nullopt when it is missing or a list.
-  [[nodiscard]] std::optional<int> read_number(const char* option) const;
+  // The option's leading integer as atoi reads it, of its first size - 1 bytes; nullopt when it is missing or a list.
+  [[nodiscard]] std::optional<int> read_number(const char* option, std::size_t size = kNumberSize) const;
   // At most `max_count` elements of at most element_size bytes; nullopt when it is missing or no list.
   [[nodiscard]] std::optional<std::vector<std::string>> read_list(const char* option, std::size_t element_size,
                                                                   std::size_t max_count) const;

@@ -25,9 +25,8 @@ std::string Section::read_or(const char* option, std::size_t size, const char* f
   return uci_read_or(package_, name_.c_str(), option, size, fallback);
 }
 
-std::optional<int> Section::read_number(const char* option) const {
-  constexpr std::size_t kNumberSize = 16;
-  const std::optional<std::string> text = read(option, kNumberSize);
+std::optional<int> Section::read_number(const char* option, std::size_t size) const {
+  const std::optional<std::string> text = read(option, size);
   return text ? std::optional(std::atoi(text->c_str())) : std::nullopt;
 }
 

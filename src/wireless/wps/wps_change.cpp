@@ -1,13 +1,13 @@
 // WPS as the settings of an SSID switch it.
 #include "wireless/wps/wps_change.h"
 
+#include <algorithm>
 #include <string_view>
 
 #include "access.h"
-#include "interface_plan.h"
 #include "platform/log.h"
-#include "uci_access.h"
 #include "unit/mesh.h"
+#include "wireless/wps/wps_options.h"
 
 void change_wpsStatus(int wps_state, const char* ifname) {
   if (wps_state == kLeaveWpsAlone) {
@@ -25,8 +25,6 @@ void change_wpsStatus(int wps_state, const char* ifname) {
     log_debug("Enable macfilter func, no wps func");
     return;
   }
-  const std::string_view name = ifname;
-  if (name != kMainSsids[0] && name != kMainSsids[1]) return;
-  UciSetOption("/etc/config", "wireless", ifname, "wps_state", wps_state == 0 ? "1" : "2");
-  UciSetOption("/etc/config", "wireless", ifname, "wps_pbc", wps_state == 0 ? "0" : "1");
+  const bool has_wps = std::ranges::any_of(wps::kSsids, [=](std::string_view ssid) { return ssid == ifname; });
+  if (has_wps) wps::write(ifname, wps_state == 0 ? wps::Change::kOff : wps::Change::kOn);
 }

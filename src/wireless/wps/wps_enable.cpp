@@ -1,8 +1,8 @@
 // WPS as the detail settings switch it: never without a radio, on open or WPA3-only or hidden networks.
 #include "wireless/wps/wps_enable.h"
 
+#include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -11,16 +11,16 @@
 #include "domain/security_codes.h"
 #include "interface_plan.h"
 #include "platform/log.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "wireless/security_options.h"
-#include "wireless/wireless_options.h"
+#include "wireless/wps/wps_options.h"
 
 namespace {
 
 constexpr const char* kWriter = "set_wps_enable";
 
 constexpr std::size_t kFlagSize = 4;
-constexpr std::size_t kBands = 2;  // WPS is of 2.4 and 5 GHz alone
+constexpr std::size_t kBands = wps::kSsids.size();
 constexpr const char* kBandNames[kBands] = {"2G", "5G"};
 
 // What decides over WPS on one band.
@@ -32,13 +32,10 @@ struct Band {
 };
 
 bool read_disabled(const char* section, bool& out, const char* what) {
-  const auto disabled = uci_read("wireless", section, "disabled", kFlagSize);
-  if (!disabled) {
-    log_error_as(kWriter, "Failed to get %s disable status", what);
-    return false;
-  }
-  out = std::atoi(disabled->c_str()) == 1;
-  return true;
+  const std::optional<int> disabled = uci::Section("wireless", section).read_number("disabled", kFlagSize);
+  if (!disabled) log_error_as(kWriter, "Failed to get %s disable status", what);
+  out = disabled == 1;
+  return disabled.has_value();
 }
 
 // nullopt (logged) when it cannot be told.
@@ -83,26 +80,22 @@ bool permit_wps(const Bands& bands) {
   return false;
 }
 
-bool set_wps_option(bool is_mirrored, const char* ifname, const char* option, const char* value) {
-  for (const char* package : wireless_packages(is_mirrored)) {
-    if (UciSetOption("/etc/config", package, ifname, option, value) == 0) continue;
-    log_error_as(kWriter, "Failed to set %s.%s.%s", package, ifname, option);
-    return false;
-  }
-  return true;
+bool set_wps(const char* ifname, wps::Change change, bool is_mirrored) {
+  const std::optional<std::string> failed = wps::write(ifname, change, is_mirrored);
+  if (failed) log_error_as(kWriter, "Failed to set %s", failed->c_str());
+  return !failed;
 }
 
-bool set_wps(std::size_t band, bool is_on, bool is_mirrored) {
-  return set_wps_option(is_mirrored, kMainSsids[band], "wps_state", is_on ? "2" : "1") &&
-         set_wps_option(is_mirrored, kMainSsids[band], "wps_pbc", is_on ? "1" : "0");
+bool switch_off(bool is_mirrored) {
+  return std::ranges::all_of(wps::kSsids,
+                             [=](const char* ifname) { return set_wps(ifname, wps::Change::kOff, is_mirrored); });
 }
-
-bool switch_off(bool is_mirrored) { return set_wps(0, false, is_mirrored) && set_wps(1, false, is_mirrored); }
 
 bool switch_on(const Bands& bands, bool is_mirrored) {
   if (!permit_wps(bands)) return false;
   for (std::size_t i = 0; i < kBands; ++i) {
-    if (bands[i].has_wpa2() && bands[i].hidden != 1 && !set_wps(i, true, is_mirrored)) return false;
+    const bool is_permitted = bands[i].has_wpa2() && bands[i].hidden != 1;
+    if (is_permitted && !set_wps(wps::kSsids[i], wps::Change::kOn, is_mirrored)) return false;
   }
   return true;
 }
@@ -135,8 +128,8 @@ int set_wps_enable(int status, int mesh_role) {
 
 int get_hidden_value(const char* ifname, int& out) {
   if (ifname == nullptr) return 1;
-  const auto hidden = uci_read("wireless", ifname, "hidden", kFlagSize);
+  const std::optional<int> hidden = uci::Section("wireless", ifname).read_number("hidden", kFlagSize);
   if (!hidden) log_error("Failed to get hiddenEnable option, return default value 0");
-  out = hidden && std::atoi(hidden->c_str()) == 1 ? 1 : 0;
+  out = hidden == 1 ? 1 : 0;
   return 0;
 }

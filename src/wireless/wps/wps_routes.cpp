@@ -1,5 +1,5 @@
 // GET and POST /api/v1/wireless/wps-status, POST /api/v1/wireless/wps.
-#include <cstdlib>
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
@@ -10,23 +10,19 @@
 #include "platform/background.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "wireless.h"
+#include "wireless/wps/wps_options.h"
 #include "wireless/wps/wps_status.h"
 
 namespace {
 
 constexpr std::size_t kPbcSize = 32;
 
-bool is_pbc_on(const char* ifname) {
-  return std::atoi(uci_read_or("wireless", ifname, "wps_pbc", kPbcSize, "0").c_str()) == 1;
-}
+bool is_pbc_on(const char* ifname) { return uci::Section("wireless", ifname).read_number("wps_pbc", kPbcSize) == 1; }
 
 void set_wps_options(bool is_on) {
-  for (const char* ifname : {"ath0", "ath1"}) {
-    UciSetOption("/etc/config", "wireless", ifname, "wps_state", is_on ? "2" : "1");
-    UciSetOption("/etc/config", "wireless", ifname, "wps_pbc", is_on ? "1" : "0");
-  }
+  for (const char* ifname : wps::kSsids) wps::write(ifname, is_on ? wps::Change::kOn : wps::Change::kOff);
 }
 
 }  // namespace
@@ -58,7 +54,7 @@ int handle_set_wpsstatus(FCGX_Request* request, const char* body) {
 
 // A push-button session runs on both bands or not at all.
 int handle_post_wps(FCGX_Request* request, const char* /*body*/) {
-  if (!is_pbc_on("ath0") || !is_pbc_on("ath1")) return answer(request, kResultUnusable);
+  if (!std::ranges::all_of(wps::kSsids, is_pbc_on)) return answer(request, kResultUnusable);
   if (!platform::start_detached([] { os_system("sh /usr/sbin/wps_web.sh"); })) {
     log_debug("[%s][%d]:pthread create failed", __func__, __LINE__);
     return answer(request, kResultUnusable);

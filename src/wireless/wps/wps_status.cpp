@@ -1,12 +1,11 @@
 // Whether WPS is on.
 #include "wireless/wps/wps_status.h"
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 
 #include "platform/log.h"
-#include "uci_access.h"
+#include "uci_section.h"
 
 namespace {
 
@@ -36,12 +35,13 @@ bool is_on(int pbc, int ssid_disabled, int radio_disabled) {
 int getWpsStatus(int& out) {
   int values[std::size(kReadings)] = {};
   for (std::size_t i = 0; i < std::size(kReadings); ++i) {
-    const auto text = uci_read("wireless", kReadings[i].section, kReadings[i].option, kFlagSize);
-    if (!text) {
-      log_error("%s", kReadings[i].message);
+    const Reading& reading = kReadings[i];
+    const std::optional<int> value = uci::Section("wireless", reading.section).read_number(reading.option, kFlagSize);
+    if (!value) {
+      log_error("%s", reading.message);
       return -1;
     }
-    values[i] = std::atoi(text->c_str());
+    values[i] = *value;
   }
   const bool any =
       is_on(values[kPbc0], values[kSsid0], values[kRadio0]) || is_on(values[kPbc1], values[kSsid1], values[kRadio1]);
