@@ -1,22 +1,21 @@
 // Reading and writing of the options behind a wifiSecurity code.
 #include "wireless/security_options.h"
 
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "interface_plan.h"
 #include "platform/log.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/mesh.h"
 
 namespace security {
 
-void write(const Writing& writing, const char* package, const char* section, const char* key) {
-  for (const Option& option : writing.sets) UciSetOption(nullptr, package, section, option.name, option.value);
-  if (writing.has_key) UciSetOption(nullptr, package, section, "key", key);
-  for (const char* option : writing.deletes) UciDelOption(nullptr, package, section, option);
+void write(const Writing& writing, const uci::Section& section, const std::string& key) {
+  for (const Option& option : writing.sets) section.set(option.name, option.value);
+  if (writing.has_key) section.set("key", key);
+  for (const char* option : writing.deletes) section.remove(option);
 }
 
 }  // namespace security
@@ -31,14 +30,14 @@ bool is_mesh_enabled() {
   return get_mesh_value(mesh) == 0 && mesh == 1;
 }
 
-bool holds(security::Condition condition, const char* ifname) {
+bool holds(security::Condition condition, const uci::Section& access_point) {
   switch (condition) {
     case security::Condition::kOwe:
-      return std::atoi(uci_read_or("wireless", ifname, "owe", kFlagSize, "0").c_str()) == 1;
+      return access_point.read_number("owe", kFlagSize) == 1;
     case security::Condition::kNoSae:
-      return uci_read_or("wireless", ifname, "sae", kFlagSize, "") != "1";
+      return access_point.read("sae", kFlagSize) != "1";
     case security::Condition::kMesh6gMain:
-      return std::string_view(ifname) == kMainSsids[2] && is_mesh_enabled();
+      return access_point.name() == kMainSsids[2] && is_mesh_enabled();
     case security::Condition::kNone:
       break;
   }
@@ -49,10 +48,11 @@ bool holds(security::Condition condition, const char* ifname) {
 
 int get_encryption_mode_value(const char* ifname, int& out) {
   if (ifname == nullptr) return 1;
-  const std::optional<std::string> encryption = uci_read("wireless", ifname, "encryption", kEncryptionSize);
+  const uci::Section access_point("wireless", ifname);
+  const std::optional<std::string> encryption = access_point.read("encryption", kEncryptionSize);
   if (!encryption) return 1;
   for (const security::Reading& row : security::kReadings) {
-    if (*encryption != row.encryption || !holds(row.condition, ifname)) continue;
+    if (*encryption != row.encryption || !holds(row.condition, access_point)) continue;
     out = row.code;
     return 0;
   }

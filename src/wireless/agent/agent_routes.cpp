@@ -1,6 +1,5 @@
 // POST /api/v1/mesh/agent-wificlient-info.
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -9,7 +8,7 @@
 #include "handlers.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "wireless/agent/agent_settings.h"
@@ -19,14 +18,10 @@ namespace {
 
 constexpr const char* kHandler = "handle_agent_wifi_client_info";
 
-constexpr const char* kConfdir = "/etc/config";
-constexpr std::size_t kNumberSize = 16;
 constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_agent.sh &";
 constexpr std::array<const char*, 2> k6GhzNetworks{"ath2", "ath25"};
 
-bool set(const char* package, const char* section, const char* option, const std::string& value) {
-  return UciSetOption(kConfdir, package, section, option, value.c_str()) == 0;
-}
+uci::Section easymesh() { return {"button_mesh", "easymesh"}; }
 
 // A plain option, in the order of writing.
 struct Row {
@@ -60,15 +55,16 @@ constexpr std::array<Row, 6> kRows{{
 
 bool write_settings(const AgentSettings& settings, AgentState& before) {
   for (const Row& row : kRows) {
+    const uci::Section section(row.package, row.section);
     if (row.before != nullptr) {
-      const auto text = uci_read(row.package, row.section, row.option, kNumberSize);
-      if (!text) {
+      const std::optional<int> number = section.read_number(row.option);
+      if (!number) {
         log_error_as(kHandler, "%s", row.unreadable);
         return false;
       }
-      before.*row.before = std::atoi(text->c_str());
+      before.*row.before = *number;
     }
-    if (set(row.package, row.section, row.option, row.value(settings))) continue;
+    if (section.set(row.option, row.value(settings))) continue;
     log_error_as(kHandler, "%s", row.failure);
     return false;
   }
@@ -81,7 +77,7 @@ bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
     return false;
   }
   const int mode = settings.multi_link_operation_enable;
-  if (!is_mesh_mode(mode) || set("button_mesh", "easymesh", "mode", std::to_string(mode))) return true;
+  if (!is_mesh_mode(mode) || easymesh().set("mode", std::to_string(mode))) return true;
   log_error_as(kHandler, "set mesh mode value error");
   return false;
 }
@@ -89,13 +85,13 @@ bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
 // With Wi-Fi 6 compatibility the unit falls back to 2.4 + 5 GHz.
 bool switch_6ghz(const AgentSettings& settings) {
   const bool is_off = settings.compati_wifi6_mode == 1;
-  if (is_off && !set("button_mesh", "easymesh", "mode", "1")) {
+  if (is_off && !easymesh().set("mode", "1")) {
     log_error_as(kHandler, "set mesh mode value error");
     return false;
   }
   for (const char* package : kWirelessPackages) {
-    for (const char* section : k6GhzNetworks) {
-      if (set(package, section, "disabled", is_off ? "1" : "0")) continue;
+    for (const char* name : k6GhzNetworks) {
+      if (uci::Section(package, name).set("disabled", is_off ? "1" : "0")) continue;
       log_error_as(kHandler, "set 6GHz disabled error");
       return false;
     }
@@ -116,7 +112,7 @@ int join_mesh(FCGX_Request* request) {
 }
 
 int change_mesh(FCGX_Request* request) {
-  if (!set("button_mesh", "easymesh", "mode_change", "1")) {
+  if (!easymesh().set("mode_change", "1")) {
     log_error_as(kHandler, "set mode_change error");
     return answer(request, kResultFailed);
   }

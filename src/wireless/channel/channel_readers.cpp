@@ -12,7 +12,7 @@
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "platform/process.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/mesh.h"
 #include "wireless/iw_reading.h"
 
@@ -48,10 +48,11 @@ struct UplinkState {
 
 // False when the mesh role cannot be read.
 bool read_uplink_state(UplinkState& state) {
-  const std::optional<std::string> onboarding = uci_read("repacd", "MAPConfig", "OnboardingDone", kOnboardingSize);
+  const std::optional<std::string> onboarding =
+      uci::Section("repacd", "MAPConfig").read("OnboardingDone", kOnboardingSize);
   if (!onboarding) log_error_as(kChannelInfo, "get OnboardingDone failed");
   state.onboarding = onboarding.value_or("");
-  const std::optional<std::string> status = uci_read("repeater", "repeater_band", "status", kTextSize);
+  const std::optional<std::string> status = uci::Section("repeater", "repeater_band").read("status", kTextSize);
   if (!status) log_error_as(kChannelInfo, "get repeater result error(if not repeater mode, ignore this error)");
   state.repeater_status = status.value_or("");
   if (get_mesh_role_value(state.role) == 0) return true;
@@ -63,17 +64,32 @@ bool read_uplink_state(UplinkState& state) {
 std::optional<std::string> read_channel_text(const char* radio, const UplinkState& state) {
   if (state.role == kMeshRoleAgent) return state.onboarding == "1" ? ask_iw_for_channel(radio) : "0";
   if (state.role == kMeshRoleNone && state.repeater_status == "success") return ask_iw_for_channel(radio);
-  std::optional<std::string> channel = uci_read("wireless", radio, "channel", kTextSize);
+  std::optional<std::string> channel = uci::Section("wireless", radio).read("channel", kTextSize);
   if (!channel) log_error_as(kChannelInfo, "Failed to get channel for interface %s", radio);
   return channel;
 }
+
+// What the repeater is connected with, by the uplink's MLO variant and what its band begins with.
+struct ConnectBand {
+  const char* mlo;
+  std::string_view band;
+  int code;
+};
+constexpr std::array<ConnectBand, 6> kConnectBands{{
+    {"0", "2.4GHz", 1},
+    {"0", "5GHz", 2},
+    {"0", "6GHz", 3},
+    {"1", "", 4},
+    {"2", "", 5},
+    {"3", "", 6},
+}};
 
 }  // namespace
 
 int get_channel_info(int band_index, int& out) {
   const char* radio = radio_of_band(band_index);
   if (radio == nullptr) return 1;
-  const std::optional<std::string> disabled = uci_read("wireless", radio, "disabled", kTextSize);
+  const std::optional<std::string> disabled = uci::Section("wireless", radio).read("disabled", kTextSize);
   if (!disabled) {
     log_error("Failed to get disabled status for interface %s", radio);
     return 1;
@@ -165,7 +181,7 @@ int get_flashchannel_info(std::string_view output, int& channel, int& width_code
 int get_band_info(int band_index, int& out) {
   const char* radio = radio_of_band(band_index);
   if (radio == nullptr) return 1;
-  const std::optional<std::string> htmode = uci_read("wireless", radio, "htmode", kHtmodeSize);
+  const std::optional<std::string> htmode = uci::Section("wireless", radio).read("htmode", kHtmodeSize);
   if (!htmode) return 1;
   const std::optional<int> code = channels::width_code_of_htmode(*htmode);
   if (!code) {
@@ -177,31 +193,19 @@ int get_band_info(int band_index, int& out) {
 }
 
 int get_repeater_connect_band(int& out) {
-  const std::optional<std::string> mlo = uci_read("repeater", "repeater_band", "mlo", 32);
+  const uci::Section uplink("repeater", "repeater_band");
+  const std::optional<std::string> mlo = uplink.read("mlo", 32);
   if (!mlo) {
     log_error("Failed to get the connectBand_str option for repeater.repeater_band.mlo");
     return 1;
   }
-  const std::optional<std::string> band = uci_read("repeater", "repeater_band", "repeater_select_band", 16);
+  const std::optional<std::string> band = uplink.read("repeater_select_band", 16);
   if (!band) {
     log_error("get repeater_select_band failed");
     return 1;
   }
-  struct Row {
-    const char* mlo;
-    std::string_view band;  // what repeater_select_band begins with
-    int code;
-  };
-  static constexpr std::array<Row, 6> kConnectBands{{
-      {"0", "2.4GHz", 1},
-      {"0", "5GHz", 2},
-      {"0", "6GHz", 3},
-      {"1", "", 4},
-      {"2", "", 5},
-      {"3", "", 6},
-  }};
   out = 0;
-  for (const Row& row : kConnectBands) {
+  for (const ConnectBand& row : kConnectBands) {
     if (*mlo == row.mlo && band->starts_with(row.band)) out = row.code;
   }
   return 0;

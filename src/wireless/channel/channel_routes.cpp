@@ -8,7 +8,7 @@
 #include "domain/channels.h"
 #include "handlers.h"
 #include "platform/log.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/mesh.h"
 #include "wireless/channel/channel_readers.h"
 
@@ -92,7 +92,7 @@ std::optional<json::ObjectText> read_repeater_channels() {
     log_error_as(kRepeaterHandler, "Failed to get meshRole");
     return std::nullopt;
   }
-  const auto onboarding = uci_read("repacd", "MAPConfig", "OnboardingDone", 4);
+  const auto onboarding = uci::Section("repacd", "MAPConfig").read("OnboardingDone", 4);
   if (!onboarding) log_error_as(kRepeaterHandler, "get OnboardingDone failed");
   if (role == kMeshRoleAgent && onboarding == "0") return build_repeater_channels(connect_band, std::nullopt);
   const auto bands = read_operating();

@@ -10,7 +10,7 @@
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "wireless/detail/detail_tables.h"
 
 namespace {
@@ -18,26 +18,29 @@ namespace {
 constexpr const char* kWriter = "set_band_steering_Info";
 
 constexpr std::size_t kNumberSize = 4;
+constexpr std::string_view kSsid = "ssid";
 constexpr std::size_t kValueSize = 256;
 constexpr const char* kModel = kMainSsids[0];  // the 2.4 GHz main SSID, which the two others follow
 constexpr std::array<const char*, 2> kFollowers{kMainSsids[1], kMainSsids[2]};
 
 void set_lbd(const char* value) {
-  UciSetOption(nullptr, "lbd", "config", "Enable", value);
-  UciSetOption(nullptr, "lbd", "config", "EnableMulti11kRequest", value);
+  const uci::Section steering("lbd", "config");
+  steering.set("Enable", value);
+  steering.set("EnableMulti11kRequest", value);
 }
 
 // The SSID is also the name of the MLD that carries the interface.
-void set_follower(const char* ifname, std::string_view option, const std::string& value) {
-  UciSetOption(nullptr, "wireless", ifname, option.data(), value.c_str());
-  if (option != "ssid") return;
-  const auto mld = uci_read("wireless", ifname, "mld", kValueSize);
-  if (mld) UciSetOption(nullptr, "wireless", mld->c_str(), "mld_ssid", value.c_str());
+void set_follower(const char* ifname, const char* option, const std::string& value) {
+  const uci::Section follower("wireless", ifname);
+  follower.set(option, value);
+  if (option != kSsid) return;
+  if (const auto mld = follower.read("mld", kValueSize)) uci::Section("wireless", *mld).set("mld_ssid", value);
 }
 
 void restore(const char* ifname) {
+  const uci::Section kept("bandsteering", ifname);
   for (const char* option : wlan_detail::kSteeredOptions) {
-    if (const auto value = uci_read("bandsteering", ifname, option, kValueSize)) {
+    if (const auto value = kept.read(option, kValueSize)) {
       set_follower(ifname, option, *value);
     } else {
       log_error_as(kWriter, "%s doesn't have value: %s !", ifname, option);
@@ -59,28 +62,31 @@ constexpr std::array<Place, 3> kPlaces{{
 }};
 
 bool make_place(const Place& place) {
-  if (UciCheckSection(nullptr, place.package, place.section) == 0) return true;
-  if (UciCreatSection(nullptr, place.package, place.type, place.section) == 0) return true;
+  const uci::Section section(place.package, place.section);
+  if (section.exists() || section.create(place.type)) return true;
   log_error_as(kWriter, "Failed to create %s.%s", place.package, place.section);
   return false;
 }
 
 // An option that the interface does not have must not come back from an earlier saving.
 bool save(const char* ifname) {
+  const uci::Section follower("wireless", ifname);
+  const uci::Section kept("bandsteering", ifname);
   for (const char* option : wlan_detail::kSteeredOptions) {
-    if (const auto value = uci_read("wireless", ifname, option, kValueSize)) {
-      if (UciSetOption(nullptr, "bandsteering", ifname, option, value->c_str()) != 0) return false;
+    if (const auto value = follower.read(option, kValueSize)) {
+      if (!kept.set(option, *value)) return false;
     } else {
       log_error_as(kWriter, "%s doesn't have value: %s !", ifname, option);
-      UciDelOption(nullptr, "bandsteering", ifname, option);
+      kept.remove(option);
     }
   }
   return true;
 }
 
 void follow_model() {
+  const uci::Section model("wireless", kModel);
   for (const char* option : wlan_detail::kFollowedOptions) {
-    const auto value = uci_read("wireless", kModel, option, kValueSize);
+    const auto value = model.read(option, kValueSize);
     if (!value) {
       log_error_as(kWriter, "ath0 doesn't have value: %s !", option);
       continue;
@@ -88,9 +94,9 @@ void follow_model() {
     for (const char* ifname : kFollowers) set_follower(ifname, option, *value);
   }
   for (const auto& row : wlan_detail::kSteeredSecurity) {
-    UciSetOption(nullptr, "wireless", row.section, row.option, row.on);
+    uci::Section("wireless", row.section).set(row.option, row.on);
   }
-  UciDelOption(nullptr, "wireless", kMainSsids[2], "owe");
+  uci::Section("wireless", kMainSsids[2]).remove("owe");
 }
 
 bool switch_on() {
@@ -111,9 +117,9 @@ void switch_off() {
 }  // namespace
 
 int get_bandSteering_Value(int& out) {
-  const std::optional<std::string> enable = uci_read("lbd", "config", "Enable", kNumberSize);
+  const std::optional<int> enable = uci::Section("lbd", "config").read_number("Enable", kNumberSize);
   if (!enable) return 1;
-  out = std::atoi(enable->c_str()) == 1 ? 1 : 0;
+  out = enable == 1 ? 1 : 0;
   return 0;
 }
 

@@ -2,13 +2,12 @@
 #include "wireless/detail/detail_read.h"
 
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string>
 
 #include "interface_plan.h"
 #include "platform/log.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/mesh.h"
 #include "wireless/detail/band_steering.h"
 #include "wireless/detail/detail_settings.h"
@@ -19,13 +18,11 @@ namespace {
 
 constexpr const char* kReader = "get_wlan_detail_info";
 
-constexpr std::size_t kNumberSize = 16;
+constexpr std::size_t kHtmodeSize = 16;
 constexpr const char* kBandNames[] = {"2.4G", "5G", "6G"};
 
 std::optional<int> read_number(const char* section, const char* option) {
-  const auto text = uci_read("wireless", section, option, kNumberSize);
-  if (!text) return std::nullopt;
-  return std::atoi(text->c_str());
+  return uci::Section("wireless", section).read_number(option);
 }
 
 // What one option tells of a setting; without it there is no answer.
@@ -54,9 +51,9 @@ constexpr std::array<Source, 7> kSources{{
 int read_switch(const char* section, const char* option) { return read_number(section, option) == 1 ? 1 : 0; }
 
 int read_ieee80211r() {
-  const auto value = uci_read("button_mesh", "easymesh", "ieee80211r", kNumberSize);
+  const std::optional<int> value = uci::Section("button_mesh", "easymesh").read_number("ieee80211r");
   if (!value) log_error_as(kReader, "Failed to get ieee80211r value");
-  return value && std::atoi(value->c_str()) == 1 ? 1 : 0;
+  return value == 1 ? 1 : 0;
 }
 
 int read_wps() {
@@ -113,7 +110,7 @@ bool read_powers(WlanDetailInfo& info) {
 bool read_widths(WlanDetailInfo& info) {
   int* const widths[] = {&info.band_width_2g, &info.band_width_5g, &info.band_width_6g};
   for (std::size_t band = 0; band < kRadios.size(); ++band) {
-    const auto htmode = uci_read("wireless", kRadios[band].section, "htmode", kNumberSize);
+    const auto htmode = uci::Section("wireless", kRadios[band].section).read("htmode", kHtmodeSize);
     if (!htmode) {
       log_error_as(kReader, "Failed to get %s htmode value", kBandNames[band]);
       return false;

@@ -11,6 +11,7 @@
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"
+#include "uci_section.h"
 #include "unit/mesh.h"
 #include "wireless.h"
 #include "wireless/detail/band_steering.h"
@@ -27,13 +28,10 @@ constexpr const char* kWriter = "set_wlan_detail_info";
 constexpr std::size_t kOpModeSize = 16;
 constexpr int kShortestBeaconInterval = 100;
 
-bool set_option(const char* package, const char* section, const char* option, const std::string& value) {
-  return UciSetOption(nullptr, package, section, option, value.c_str()) == 0;
-}
-
+// Stops at the first write that fails.
 bool set_mirrored(bool is_mirrored, const char* section, const char* option, const std::string& value) {
-  return std::ranges::all_of(wireless_packages(is_mirrored),
-                             [&](const char* package) { return set_option(package, section, option, value); });
+  return std::ranges::all_of(wireless_sections(is_mirrored, section),
+                             [&](const uci::Section& place) { return place.set(option, value); });
 }
 
 bool set_beacons(std::span<const char* const> sections, bool is_mirrored, const std::string& interval) {
@@ -66,7 +64,7 @@ bool set_wlan_dtim_period(int period, int role) {
 // The first row that cannot be written, or nullptr.
 const Switch* write_switches(std::span<const Switch> table, int is_on) {
   const auto failed = std::ranges::find_if_not(table, [is_on](const Switch& row) {
-    return set_option("wireless", row.section, row.option, is_on == 1 ? row.on : "0");
+    return uci::Section("wireless", row.section).set(row.option, is_on == 1 ? row.on : "0");
   });
   return failed == table.end() ? nullptr : &*failed;
 }
@@ -109,7 +107,7 @@ struct RadioOption {
 bool set_radio_options(std::span<const RadioOption> options, bool is_mirrored) {
   for (const char* package : wireless_packages(is_mirrored)) {
     for (const RadioOption& row : options) {
-      if (set_option(package, row.section, row.option, row.value)) continue;
+      if (uci::Section(package, row.section).set(row.option, row.value)) continue;
       log_error_as(kWriter, "Failed to set %s.%s", package, row.name);
       return false;
     }

@@ -1,5 +1,4 @@
 // The backhaul of a mesh agent, as hostapd runs it.
-#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -8,7 +7,6 @@
 #include "platform/process.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "wireless.h"

@@ -2,14 +2,13 @@
 #include "wireless/setting/mesh_change.h"
 
 #include <array>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "domain/mesh_codes.h"
 #include "interface_plan.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "wireless/setting/ssid_info.h"
 
 namespace {
@@ -26,14 +25,13 @@ constexpr std::array<ModeOfBand, 3> kModes{{
     {"2.4GHz,5GHz,6GHz", kMeshMode245And6},
 }};
 
-int read_mesh_number(const char* option) {
-  return std::atoi(uci_read_or("button_mesh", "easymesh", option, kNumberSize, "0").c_str());
-}
+uci::Section easymesh() { return {"button_mesh", "easymesh"}; }
+
+int read_mesh_number(const char* option) { return easymesh().read_number(option, kNumberSize).value_or(0); }
 
 void set_backhaul_key(const std::string& password) {
-  UciSetOption(nullptr, "repacd", "MAPConfig", "BackhaulKey", password.c_str());
-  UciSetOption(nullptr, "repacd_org", "MAPConfig", "BackhaulKey", password.c_str());
-  for (const char* ifname : kBackhaulSsids) UciSetOption(nullptr, "wireless", ifname, "key", password.c_str());
+  for (const char* package : {"repacd", "repacd_org"}) uci::Section(package, "MAPConfig").set("BackhaulKey", password);
+  for (const char* ifname : kBackhaulSsids) uci::Section("wireless", ifname).set("key", password);
 }
 
 }  // namespace
@@ -49,7 +47,8 @@ int get_mesh_change_flags(int requested_mesh, int requested_mode, const std::str
   int flags = 0;
   if (read_mesh_number("enable") != requested_mesh) flags += kMeshEnableChanged;
   if (read_mesh_number("mode") != requested_mode) flags += kMeshModeChanged;
-  if (uci_read_or("repacd", "MAPConfig", "BackhaulKey", kPasswordSize, "") != password) flags += kMeshPasswordChanged;
+  const uci::Section backhaul("repacd", "MAPConfig");
+  if (backhaul.read_or("BackhaulKey", kPasswordSize, "") != password) flags += kMeshPasswordChanged;
   return flags;
 }
 
@@ -62,10 +61,10 @@ MeshChange choose_mesh_change(int requested_mesh, int flags) {
 MeshChange apply_mesh_change(int requested_mesh, int requested_mode, const std::string& password) {
   const int flags = get_mesh_change_flags(requested_mesh, requested_mode, password);
   if (flags == 0) return MeshChange::kNone;
-  UciSetOption(nullptr, "button_mesh", "easymesh", "mode", std::to_string(requested_mode).c_str());
+  easymesh().set("mode", std::to_string(requested_mode));
   if ((flags & kMeshPasswordChanged) != 0) set_backhaul_key(password);
   const MeshChange change = choose_mesh_change(requested_mesh, flags);
-  if (change == MeshChange::kModeOnly) UciSetOption(nullptr, "button_mesh", "easymesh", "mode_change", "1");
+  if (change == MeshChange::kModeOnly) easymesh().set("mode_change", "1");
   if (change == MeshChange::kSwitchedOn) os_system("/usr/sbin/easymesh_controller.sh &");
   return change;
 }

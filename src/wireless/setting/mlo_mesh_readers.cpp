@@ -1,13 +1,11 @@
 // Readers of the two slots that stand for several access points: MLO and mesh backhaul.
 #include "wireless/setting/mlo_mesh_readers.h"
 
-#include <cstdlib>
-
 #include "domain/security_codes.h"
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "wireless/setting/ssid_info.h"
@@ -25,7 +23,7 @@ constexpr std::size_t kBssidSize = 32;
 constexpr std::array<int, 8> kModeOfDisabledLinks{4, 1, 2, 0, 3, 0, 0, 0};
 
 std::size_t is_link_disabled(const char* ifname) {
-  return std::atoi(uci_read_or("wireless", ifname, "disabled", kFlagSize, "1").c_str()) == 1 ? 1 : 0;
+  return uci::Section("wireless", ifname).read_number("disabled", kFlagSize).value_or(1) == 1 ? 1 : 0;
 }
 
 // SSID and key of the backhaul: an agent has them in its second access point.
@@ -40,12 +38,13 @@ constexpr BackhaulPlace kBackhaul{"repacd", "MAPConfig", "BackhaulSSID", "Backha
 
 int read_backhaul(WirelessIfaceInfo& info, int role) {
   const BackhaulPlace& place = role == kMeshRoleAgent ? kAgentBackhaul : kBackhaul;
-  const auto ssid = uci_read(place.package, place.section, place.ssid, kSsidSize);
+  const uci::Section section(place.package, place.section);
+  const auto ssid = section.read(place.ssid, kSsidSize);
   if (!ssid) {
     log_error_as(kMeshInfo, "Failed to get BackhaulSSID");
     return 1;
   }
-  const auto key = uci_read(place.package, place.section, place.key, kPasswordSize);
+  const auto key = section.read(place.key, kPasswordSize);
   if (!key) {
     log_error_as(kMeshInfo, "Failed to get BackhaulKey");
     return 1;
@@ -58,13 +57,13 @@ int read_backhaul(WirelessIfaceInfo& info, int role) {
 int read_backhaul_state(WirelessIfaceInfo& info, int mesh_enabled) {
   info.bssid = kZeroBssid;
   if (mesh_enabled != 1) return 0;
-  const auto status = uci_read("repacd", "repacd", "Enable", kNumberSize);
+  const std::optional<int> status = uci::Section("repacd", "repacd").read_number("Enable", kNumberSize);
   if (!status) {
     log_error_as(kMeshInfo, "Failed to get ssidStatusValue");
     return 1;
   }
-  info.ssid_status = std::atoi(status->c_str());
-  if (const auto bssid = uci_read("repacd", "MAPConfig", "mld_mac_addr", kBssidSize)) {
+  info.ssid_status = *status;
+  if (const auto bssid = uci::Section("repacd", "MAPConfig").read("mld_mac_addr", kBssidSize)) {
     info.bssid = *bssid;
   } else {
     log_error_as(kMeshInfo, "Failed to get bssid, return default value");
@@ -118,7 +117,7 @@ int get_mesh_info(SsidSlot& slot, WirelessIfaceInfo& info, int mesh_enabled) {
     return 1;
   }
   if (read_backhaul(info, role) != 0 || read_backhaul_state(info, mesh_enabled) != 0) return 1;
-  const auto mode = uci_read("button_mesh", "easymesh", "mode", kNumberSize);
+  const auto mode = uci::Section("button_mesh", "easymesh").read("mode", kNumberSize);
   if (!mode) {
     log_error("Failed to get meshMode");
     return 1;

@@ -12,6 +12,8 @@
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
+#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "wireless/security_options.h"
@@ -48,7 +50,7 @@ bool set_links(const MloMode& mode, const WirelessIfaceInfo& info, bool is_mirro
   bool is_any_there = false;
   for (std::size_t link = 0; link < kMloLinks.size(); ++link) {
     const char* ifname = kMloLinks[link];
-    is_any_there = UciCheckSection(nullptr, "wireless", ifname) == 0 || is_any_there;
+    is_any_there = uci::Section("wireless", ifname).exists() || is_any_there;
     set_wireless_option(is_mirrored, ifname, "disabled", mode.is_on[link] ? "0" : "1");
     set_wireless_option(is_mirrored, ifname, "hidden", std::to_string(info.wifi_stealth));
     set_wireless_option(is_mirrored, ifname, "ssid", info.ssid);
@@ -58,9 +60,9 @@ bool set_links(const MloMode& mode, const WirelessIfaceInfo& info, bool is_mirro
 }
 
 void set_mld_ssid(const std::string& ssid, const Unit& unit) {
-  UciSetOption(nullptr, "wireless", unit.is_mirrored ? "mld2" : "mld0", "mld_ssid", ssid.c_str());
+  uci::Section("wireless", unit.is_mirrored ? "mld2" : "mld0").set("mld_ssid", ssid);
   if (unit.brand->mlo_in_mesh == MloInMesh::kMirrored && unit.role == kMeshRoleController) {
-    UciSetOption(nullptr, "wireless_for_easymesh", "mld0", "mld_ssid", ssid.c_str());
+    uci::Section("wireless_for_easymesh", "mld0").set("mld_ssid", ssid);
   }
 }
 
@@ -182,24 +184,24 @@ int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) 
 int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role) {
   if (unit::brand().mlo_in_mesh == MloInMesh::kMirrored && std::string_view(ifname) == k6gLink &&
       *escaped_password != '\0') {
-    UciSetOption(nullptr, "button_mesh", "easymesh", "mlo_key", escaped_password);
+    uci::Section("button_mesh", "easymesh").set("mlo_key", escaped_password);
   }
   const security::Writing* writing = security::find_writing(security::kMloWritings, wifi_security);
   if (writing == nullptr) {
     log_error("set_mlo_encryption: unknown encryption type %d", wifi_security);
     return 1;
   }
-  for (const char* package : wireless_packages(mesh_role == kMeshRoleController)) {
-    security::write(*writing, package, ifname, escaped_password);
+  for (const uci::Section& link : wireless_sections(mesh_role == kMeshRoleController, ifname)) {
+    security::write(*writing, link, escaped_password);
   }
   return 0;
 }
 
 void clear_mlo_config() {
-  UciDelSection(nullptr, "wireless", "mld0");
-  for (const char* link : kMloLinks) UciDelOption(nullptr, "wireless", link, "mld");
-  UciDelOption(nullptr, "wireless", "wifi2", "enable_ema");
-  for (const char* link : kMloLinks) UciSetOption(nullptr, "wireless", link, "disabled", "1");
+  uci::Section("wireless", "mld0").remove();
+  for (const char* link : kMloLinks) uci::Section("wireless", link).remove("mld");
+  uci::Section("wireless", "wifi2").remove("enable_ema");
+  for (const char* link : kMloLinks) uci::Section("wireless", link).set("disabled", "1");
   os_system("uci commit wireless");
 }
 

@@ -7,15 +7,15 @@
 #include "domain/security_codes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "wireless/setting/ssid_info.h"
 
 namespace {
 
 constexpr const char* kWriter = "set_repacd_info";
 
-void set_map_option(const char* option, const char* value) {
-  UciSetOption(nullptr, "repacd", "MAPConfig", option, value);
+void set_map_option(const char* option, const std::string& value) {
+  uci::Section("repacd", "MAPConfig").set(option, value);
 }
 
 }  // namespace
@@ -39,8 +39,8 @@ int set_repacd_info(const WirelessIfaceInfo& info, const char* ifname) {
     return 0;
   }
   if (check_repacd_info(info, ifname) != 0) return 1;
-  if (!info.ssid.empty()) set_map_option(row->ssid, info.ssid.c_str());
-  if (!info.password.empty()) set_map_option(row->key, info.password.c_str());
+  if (!info.ssid.empty()) set_map_option(row->ssid, info.ssid);
+  if (!info.password.empty()) set_map_option(row->key, info.password);
   const auto* auth = std::ranges::find(fronthaul::kAuths, info.wifi_security, &fronthaul::Auth::code);
   if (auth != fronthaul::kAuths.end()) {
     set_map_option(row->auth, auth->value);

@@ -2,7 +2,6 @@
 #include "wireless/setting/setting_read.h"
 
 #include <array>
-#include <cstdlib>
 #include <optional>
 #include <string>
 #include <utility>
@@ -14,6 +13,7 @@
 #include "platform/log.h"
 #include "platform/process.h"
 #include "uci_access.h"
+#include "uci_section.h"
 #include "unit/mesh.h"
 #include "wireless/channel/channel_readers.h"
 #include "wireless/detail/band_steering.h"
@@ -125,9 +125,9 @@ std::optional<json::ObjectText> read_wireless_setting() {
     log_error_as(kHandler, "Failed to get opmode");
     return std::nullopt;
   }
-  const auto ieee80211r = uci_read("button_mesh", "easymesh", "ieee80211r", kTextSize);
+  const auto ieee80211r = uci::Section("button_mesh", "easymesh").read_number("ieee80211r", kTextSize);
   if (!ieee80211r) log_error_as(kHandler, "Failed to get 80211r");
-  root.add("ieee802dot11r", std::atoi(ieee80211r.value_or("0").c_str()));
+  root.add("ieee802dot11r", ieee80211r.value_or(0));
   if (get_channel_value(root, *op_mode, mesh) != 0) {
     log_error_as(kHandler, "Failed to get channel");
     return std::nullopt;
@@ -139,7 +139,7 @@ std::optional<json::ObjectText> read_wireless_setting() {
 }  // namespace
 
 int get_channel_value(json::ObjectText& root, const std::string& op_mode, int mesh_enabled) {
-  const auto status = uci_read("repeater", "repeater_band", "status", kTextSize);
+  const auto status = uci::Section("repeater", "repeater_band").read("status", kTextSize);
   if (!status) log_error("get repeater result error(if not repeater mode, ignore this error)");
   std::optional<std::array<std::string, 3>> mlds;
   const bool is_connected = is_connected_repeater(op_mode, mesh_enabled, status.value_or(""));

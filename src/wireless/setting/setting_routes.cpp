@@ -1,5 +1,4 @@
 // POST /api/v1/wireless/setting.
-#include <cstdlib>
 #include <optional>
 #include <string>
 
@@ -8,7 +7,7 @@
 #include "handlers.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "wireless/answers.h"
@@ -88,10 +87,11 @@ Verdict set_slot(const SettingRequest& request, const SlotRequest& slot, Change&
 // Everything that is written before the answer is chosen.
 Verdict apply_setting(const SettingRequest& request, Change& change) {
   if (check_slots(request, *change.brand) != 0) return Verdict::kFailed;
+  const uci::Section easymesh("button_mesh", "easymesh");
   if (!request.is_repeater) {
-    change.mesh_before = std::atoi(uci_read_or("button_mesh", "easymesh", "enable", kNumberSize, "0").c_str());
+    change.mesh_before = easymesh.read_number("enable", kNumberSize).value_or(0);
   }
-  UciSetOption(nullptr, "button_mesh", "easymesh", "ieee80211r", request.ieee802dot11r == 1 ? "1" : "0");
+  easymesh.set("ieee80211r", request.ieee802dot11r == 1 ? "1" : "0");
   if (set_channel_Value(request.channels[0], request.channels[1], request.channels[2]) != 0) {
     log_error_as(kHandler, "Failed to set channel2G, channel5G, channel6G");
     return Verdict::kUnusable;

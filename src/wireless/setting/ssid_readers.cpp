@@ -9,7 +9,7 @@
 #include "platform/log.h"
 #include "platform/process.h"
 #include "system_helpers.h"
-#include "uci_access.h"
+#include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "unit/mesh_mld.h"
@@ -43,38 +43,39 @@ int mesh_role_or_none() {
   return role;
 }
 
+// `fallback`, told in the log by `name`, for an option that cannot be read.
+std::string read_or_default(const uci::Section& access_point, const char* option, std::size_t size,
+                            const char* fallback, const char* name) {
+  const std::optional<std::string> value = access_point.read(option, size);
+  if (!value) {
+    log_error_as(kInfo, "Failed to get %s for interface %s, return default value", name, access_point.name().c_str());
+  }
+  return value.value_or(fallback);
+}
+
+int number(const std::string& text) { return std::atoi(text.c_str()); }
+
 }  // namespace
 
 int get_wireless_info(const SsidSlot& slot, WirelessIfaceInfo& info) {
   const char* ifname = slot.ifname;
   const brands::Brand& brand = unit::brand();
-  const int role = mesh_role_or_none();
-  const auto ssid = uci_read("wireless", ifname, "ssid", kSsidSize);
-  if (!ssid) log_error("Failed to get SSID for interface %s, return default value", ifname);
-  info.ssid = ssid.value_or("");
-
-  const auto disabled = uci_read("wireless", ifname, "disabled", kFlagSize);
-  if (!disabled) log_error("Failed to get disabled status for interface %s, return default value", ifname);
-  info.ssid_status = std::atoi(disabled.value_or(default_disabled(ifname, brand, role)).c_str()) != 1 ? 1 : 0;
-
+  const char* disabled = default_disabled(ifname, brand, mesh_role_or_none());
+  const uci::Section access_point("wireless", ifname);
+  info.ssid = read_or_default(access_point, "ssid", kSsidSize, "", "SSID");
+  info.ssid_status =
+      number(read_or_default(access_point, "disabled", kFlagSize, disabled, "disabled status")) != 1 ? 1 : 0;
   if (get_wireless_bssid(slot, info) != 0) {
     log_error("get_wireless_info: Failed to get BSSID for interface %s", ifname);
     return 1;
   }
-  const auto password = uci_read("wireless", ifname, "key", kPasswordSize);
-  if (!password) log_error("Failed to get password for interface %s, return default value", ifname);
-  info.password = password.value_or("");
-
+  info.password = read_or_default(access_point, "key", kPasswordSize, "", "password");
   if (get_encryption_mode_value(ifname, info.wifi_security) != 0) {
     log_error("Failed to get wifi security for interface %s", ifname);
   }
-  const auto hidden = uci_read("wireless", ifname, "hidden", kFlagSize);
-  if (!hidden) log_error("Failed to get hidden status for interface %s, return default value", ifname);
-  info.wifi_stealth = std::atoi(hidden.value_or("0").c_str());
-
-  const auto rekey = uci_read("wireless", ifname, "wpa_group_rekey", kFlagSize);
-  if (!rekey) log_error("Failed to get WPA rekey interval for interface %s, return default value", ifname);
-  info.wpa_rekey_interval = std::atoi(rekey.value_or("1800").c_str());
+  info.wifi_stealth = number(read_or_default(access_point, "hidden", kFlagSize, "0", "hidden status"));
+  const std::string rekey = read_or_default(access_point, "wpa_group_rekey", kFlagSize, "1800", "WPA rekey interval");
+  info.wpa_rekey_interval = number(rekey);
   return 0;
 }
 
@@ -95,7 +96,7 @@ int get_wireless_bssid(const SsidSlot& slot, WirelessIfaceInfo& info) {
     log_error("get_wireless_bssid: Radio name is NULL, return default value");
     return 0;
   }
-  if (const auto mac = uci_read("wireless", slot.radio, "macaddr", kMacSize)) {
+  if (const auto mac = uci::Section("wireless", slot.radio).read("macaddr", kMacSize)) {
     info.bssid = *mac;
   } else {
     log_error("Failed to get MAC address for radio %s, return default value", slot.radio);
@@ -127,7 +128,7 @@ int get_copySsid_enable(const char* ifname, int& out) {
     log_error("interface is null");
     return 1;
   }
-  out = std::atoi(uci_read_or("wireless", ifname, "disabled", 4, "0").c_str()) != 1 ? 1 : 0;
+  out = uci::Section("wireless", ifname).read_number("disabled", 4) != 1 ? 1 : 0;
   return 0;
 }
 

@@ -10,6 +10,7 @@
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
+#include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
 #include "unit/mesh_mld.h"
@@ -46,8 +47,7 @@ WirelessIfaceInfo follow_band_steering(std::string_view ssid_name, WirelessIface
 
 // A mesh takes access points away; one that is not there must not name the MLD, which another one may have now.
 void set_mld_ssid(const char* package, const SsidSlot& slot, const char* mld, const std::string& ssid) {
-  if (mld == nullptr || UciCheckSection(nullptr, package, slot.ifname) != 0) return;
-  UciSetOption(nullptr, package, mld, "mld_ssid", ssid.c_str());
+  if (mld != nullptr && uci::Section(package, slot.ifname).exists()) uci::Section(package, mld).set("mld_ssid", ssid);
 }
 
 void set_ssid(const SsidSlot& slot, const std::string& ssid, bool is_controller) {
@@ -62,8 +62,9 @@ void set_ssid(const SsidSlot& slot, const std::string& ssid, bool is_controller)
 
 int set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
   if (unit::brand().fronthaul_slot == slot.ssid_name) {
-    UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulSSID", info.ssid.c_str());
-    UciSetOption(nullptr, "repacd", "MAPConfig", "FronthaulKey", info.password.c_str());
+    const uci::Section mesh("repacd", "MAPConfig");
+    mesh.set("FronthaulSSID", info.ssid);
+    mesh.set("FronthaulKey", info.password);
   }
   if (set_repacd_info(info, slot.ifname) == 0) return 0;
   log_error_as(kInfo, "set_repacd_info failed");
@@ -149,14 +150,15 @@ int set_wireless_encryption(const WirelessIfaceInfo& info, const char* ifname, i
   const std::string_view name = ifname;
   if (!is_password_usable(info)) return 1;
   if (info.wifi_security != kSecurityOpen) {
-    if (name == kMainSsids[2]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key6G", info.password.c_str());
-    if (name == kMainSsids[1]) UciSetOption(nullptr, "button_mesh", "easymesh", "Key5G", info.password.c_str());
+    const uci::Section easymesh("button_mesh", "easymesh");
+    if (name == kMainSsids[2]) easymesh.set("Key6G", info.password);
+    if (name == kMainSsids[1]) easymesh.set("Key5G", info.password);
   }
   const auto& table = name.starts_with(kMainSsids[2]) ? security::kSsidWritings6g : security::kSsidWritings;
   const security::Writing* writing = security::find_writing(table, info.wifi_security);
   if (info.wifi_security == kSecurityWpa3 || info.wifi_security == kSecurityOpen) wps_state = 0;
-  for (const char* package : wireless_packages(mesh_role == kMeshRoleController)) {
-    if (writing != nullptr) security::write(*writing, package, ifname, info.password.c_str());
+  for (const uci::Section& access_point : wireless_sections(mesh_role == kMeshRoleController, ifname)) {
+    if (writing != nullptr) security::write(*writing, access_point, info.password);
     change_wpsStatus(wps_state, ifname);
   }
   return 0;

@@ -78,8 +78,8 @@ TEST(SecurityWriting, ReadsBackAsTheSameCode) {
     for (const int before : {1, 2, 3, 4})
       for (const int after : {1, 2, 3, 4}) {
         router_state::config("wireless", std::string("config wifi-iface '") + ifname + "'\n");
-        security::write(*security::find_writing(table, before), "wireless", ifname, "12345678");
-        security::write(*security::find_writing(table, after), "wireless", ifname, "12345678");
+        security::write(*security::find_writing(table, before), uci::Section("wireless", ifname), "12345678");
+        security::write(*security::find_writing(table, after), uci::Section("wireless", ifname), "12345678");
         int code = 0;
         EXPECT_EQ(get_encryption_mode_value(ifname, code), 0);
         EXPECT_EQ(code, after) << ifname << " after " << before;
