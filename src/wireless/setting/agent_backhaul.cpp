@@ -21,6 +21,27 @@ const char* backhaul_file(const brands::Brand& brand, int mesh_mode) {
   return mode < brand.backhaul_files.size() ? brand.backhaul_files[mode] : brand.backhaul_files.back();
 }
 
+struct Backhaul {
+  std::optional<std::string> ssid;
+  std::optional<std::string> passphrase;
+};
+
+// What the last of several lines says.
+Backhaul parse_backhaul(std::string_view text) {
+  constexpr std::string_view kPassphrase = "wpa_passphrase=";
+  constexpr std::string_view kSsid = "ssid=";
+  Backhaul found;
+  for (const std::string& line : platform::split_lines(text, kLineSize)) {
+    const std::string_view value = without_line_end(line);
+    if (value.starts_with(kPassphrase)) {
+      found.passphrase = platform::cut_utf8(value.substr(kPassphrase.size()), kPasswordMax);
+    } else if (value.starts_with(kSsid)) {
+      found.ssid = platform::cut_utf8(value.substr(kSsid.size()), kSsidMax);
+    }
+  }
+  return found;
+}
+
 }  // namespace
 
 int get_agent_backhul_info(std::string& ssid, std::string& passphrase) {
@@ -35,23 +56,12 @@ int get_agent_backhul_info(std::string& ssid, std::string& passphrase) {
     log_error("Failed to open backhaul info file %s", path);
     return 1;
   }
-  constexpr std::string_view kPassphrase = "wpa_passphrase=";
-  constexpr std::string_view kSsid = "ssid=";
-  std::optional<std::string> found_ssid;
-  std::optional<std::string> found_passphrase;
-  for (const std::string& line : platform::split_lines(*text, kLineSize)) {
-    const std::string value(without_line_end(line));
-    if (value.starts_with(kPassphrase)) {
-      found_passphrase = platform::cut_utf8(std::string_view(value).substr(kPassphrase.size()), kPasswordMax);
-    } else if (value.starts_with(kSsid)) {
-      found_ssid = platform::cut_utf8(std::string_view(value).substr(kSsid.size()), kSsidMax);
-    }
-  }
-  if (!found_ssid || !found_passphrase) {
+  const Backhaul found = parse_backhaul(*text);
+  if (!found.ssid || !found.passphrase) {
     log_error("Failed to find ssid or wpa_passphrase in the file");
     return 1;
   }
-  ssid = *found_ssid;
-  passphrase = *found_passphrase;
+  ssid = *found.ssid;
+  passphrase = *found.passphrase;
   return 0;
 }

@@ -101,25 +101,31 @@ json::ListText read_slots(const std::string& op_mode, int mlo, int mesh) {
   return list;
 }
 
-// The whole document, or nullopt after a failure that leaves nothing to show.
-std::optional<json::ObjectText> read_wireless_setting() {
-  json::ObjectText root = json::result_text(0);
-  root.add("version", 1);
-  int mlo = 0;
+// "mlo", "mesh" and "bandSteering"; false after a failure that leaves nothing to show.
+bool add_switches(json::ObjectText& root, int& mlo, int& mesh) {
   if (get_mlo_value(mlo) != 0) log_error_as(kHandler, "Failed to get MLO");
   root.add("mlo", mlo);
-  int mesh = 0;
   if (get_mesh_value(mesh) != 0) {
     log_error_as(kHandler, "Failed to get mesh");
-    return std::nullopt;
+    return false;
   }
   root.add("mesh", mesh);
   int band_steering = 0;
   if (get_bandSteering_Value(band_steering) != 0) {
     log_error_as(kHandler, "Failed to get bandSteering");
-    return std::nullopt;
+    return false;
   }
   root.add("bandSteering", band_steering);
+  return true;
+}
+
+// The whole document, or nullopt after a failure that leaves nothing to show.
+std::optional<json::ObjectText> read_wireless_setting() {
+  json::ObjectText root = json::result_text(0);
+  root.add("version", 1);
+  int mlo = 0;
+  int mesh = 0;
+  if (!add_switches(root, mlo, mesh)) return std::nullopt;
   const auto op_mode = uci_read("system", "@system[0]", "op_mode", kTextSize);
   if (!op_mode) {
     log_error_as(kHandler, "Failed to get opmode");
