@@ -7,6 +7,7 @@
 #include "platform/process.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "wireless.h"
 
 namespace {
 
@@ -37,11 +38,10 @@ bool add_name(const char* ifname, const std::string& description) {
   return exit_status == 0;
 }
 
-int set_wps(const char* ifname, const char* state, const char* pbc) {
-  const uci::Section ssid("wireless", ifname);
-  if (ssid.set("wps_state", state) && ssid.set("wps_pbc", pbc)) return 0;
-  log_error("Failed to set wps disable for %s", ifname);
-  return 1;
+bool set_wps(const char* ifname, wps::Change change, platform::LogPlace place = platform::LogPlace::here()) {
+  if (!wps::write(ifname, change)) return true;
+  log_error_at(place, "Failed to set wps disable for %s", ifname);
+  return false;
 }
 
 // Whether any interface took the address.
@@ -83,7 +83,7 @@ int execute_uci_del_namelist(const char* ifname) { return delete_list(ifname, "n
 
 int set_wps_enable() {
   for (const char* ifname : std::span(mac_filter::kWpsInterfaces).first(2)) {
-    if (set_wps(ifname, "2", "1") != 0) return 1;
+    if (!set_wps(ifname, wps::Change::kOn)) return 1;
   }
   return 0;
 }
@@ -91,7 +91,7 @@ int set_wps_enable() {
 int set_wps_disable(unsigned long ath0_pbc, unsigned long ath1_pbc, int include_ath2) {
   if (ath0_pbc != 1 && ath1_pbc != 1) return 0;  // off already
   for (const char* ifname : std::span(mac_filter::kWpsInterfaces).first(include_ath2 == 1 ? 3 : 2)) {
-    if (set_wps(ifname, "0", "0") != 0) return 1;
+    if (!set_wps(ifname, wps::Change::kOffBesideFilter)) return 1;
   }
   return 0;
 }
