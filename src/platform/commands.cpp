@@ -1,0 +1,71 @@
+// Commands with the results that their callers know.
+#include <cstring>
+
+#include "platform/first_line.h"
+#include "platform/log.h"
+#include "platform/process.h"
+#include "system_helpers.h"
+
+namespace {
+
+std::string joined(const std::vector<std::string>& words) {
+  std::string text;
+  for (const std::string& word : words) {
+    if (!text.empty()) text += ' ';
+    text += word;
+  }
+  return text;
+}
+
+// The value that os_system and os_exec answer for a command that was run, with their message.
+#define SYSTEM_RESULT(result, shown)                                                         \
+  if (!(result).started) {                                                                   \
+    log_debug("exec syscmd error!");                                                         \
+    return 0;                                                                                \
+  }                                                                                          \
+  if ((result).succeeded()) return 1;                                                        \
+  log_debug("exec cmd '%s' errno=%d!", (shown).c_str(), ((result).wait_status >> 8) & 0xff); \
+  return 0;
+
+}  // namespace
+
+int os_system(const std::string& command) {
+  if (command.empty()) {
+    log_debug("shell cmd is null!");
+    return 0;
+  }
+  const platform::ProcessResult result = platform::run_shell(command, {.capture_output = false});
+  SYSTEM_RESULT(result, command)
+}
+
+int os_exec(const std::vector<std::string>& argv) {
+  if (argv.empty() || argv[0].empty()) {
+    log_debug("shell cmd is null!");
+    return 0;
+  }
+  const platform::ProcessResult result = platform::run(argv, {.capture_output = false});
+  SYSTEM_RESULT(result, joined(argv))
+}
+
+int execute_cmd(const char* command, char* out, std::size_t out_size) {
+  if (command == nullptr || *command == '\0') {
+    log_error("no cammand is passed at calling execute_cmd()\n");
+    return 1;
+  }
+  const platform::ProcessResult result =
+      platform::run_shell(command, {.max_output = platform::kFirstLineBuffer + platform::kBeyondBound});
+  if (!result.started) {
+    log_error("Fail to execute CMD\n");
+    return 1;
+  }
+  const std::optional<std::string> read = platform::first_line(result.output, platform::kFirstLineBuffer);
+  if (!read || out == nullptr) return 0;
+  const std::string_view line = without_line_end(*read);
+  if (line.size() > out_size) {
+    log_error("out put buffer is not enough  to copy result  of CMD\n");
+    return 0;
+  }
+  std::memset(out, 0, out_size);
+  std::memcpy(out, line.data(), line.size());
+  return 0;
+}
