@@ -21,21 +21,28 @@ void sync_folder_of(const std::string& path) {
   if (opened.valid()) fsync(opened.get());
 }
 
-// A FIFO is no file: it would hold its reader until somebody writes.
-UniqueFd open_for_reading(const char* path) {
-  UniqueFd file(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+// A FIFO is no file: it would hold who opens it until somebody came to its other end. Nor is a socket.
+UniqueFd open_at_once(const char* path, int flags, mode_t mode = 0) {
+  UniqueFd file(open(path, flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode));
   struct stat status {};
-  if (!file.valid() || fstat(file.get(), &status) != 0 || !S_ISFIFO(status.st_mode)) return file;
-  file.reset();
-  errno = EINVAL;
+  if (file.valid() && fstat(file.get(), &status) == 0 && (S_ISFIFO(status.st_mode) || S_ISSOCK(status.st_mode))) {
+    file.reset();
+    errno = ENXIO;
+  }
+  if (!file.valid() && errno == ENXIO) errno = EINVAL;  // what the kernel says to who would write
+  if (file.valid()) fcntl(file.get(), F_SETFL, flags & O_APPEND);
   return file;
+}
+
+int flags_of(std::string_view mode) {
+  if (mode == "r") return O_RDONLY;
+  return O_WRONLY | O_CREAT | (mode == "a" ? O_APPEND : O_TRUNC);
 }
 
 }  // namespace
 
 FilePtr open_file(const char* path, const char* mode) {
-  if (std::string_view(mode) != "r") return FilePtr(std::fopen(path, (std::string(mode) + "e").c_str()));
-  UniqueFd file = open_for_reading(path);
+  UniqueFd file = open_at_once(path, flags_of(mode), 0666);
   FilePtr stream(file.valid() ? fdopen(file.get(), mode) : nullptr);
   if (stream) file.release();
   return stream;
@@ -54,7 +61,7 @@ void UniqueFd::reset(int descriptor) {
 }
 
 std::optional<std::string> read_file(const char* path, std::size_t max_bytes) {
-  const UniqueFd file = open_for_reading(path);
+  const UniqueFd file = open_at_once(path, O_RDONLY);
   if (!file.valid()) return std::nullopt;
   std::string content;
   std::array<char, 16384> piece;
@@ -73,7 +80,7 @@ bool write_file(const char* path, std::string_view content, unsigned int mode) {
   if (file.valid()) {
     fchmod(file.get(), static_cast<mode_t>(mode));
   } else if (errno == EEXIST) {
-    file.reset(open(path, O_WRONLY | O_TRUNC | O_CLOEXEC));
+    file = open_at_once(path, O_WRONLY | O_TRUNC);
   }
   return file.valid() && write_whole(file.get(), content) && close(file.release()) == 0;
 }
@@ -118,7 +125,7 @@ UniqueFd append_private_file(const std::string& path) {
   return create_private_file(path);
 }
 
-UniqueFd open_existing_for_writing(const char* path) { return UniqueFd(open(path, O_WRONLY | O_CLOEXEC)); }
+UniqueFd open_existing_for_writing(const char* path) { return open_at_once(path, O_WRONLY); }
 
 bool close_file(UniqueFd file) { return close(file.release()) == 0; }
 

@@ -15,7 +15,7 @@ struct CloseFile {
 };
 using FilePtr = std::unique_ptr<std::FILE, CloseFile>;
 
-// fopen, close-on-exec. A FIFO cannot be opened with "r": it would hold its reader.
+// fopen with "r", "w" or "a", close-on-exec. A FIFO or a socket cannot be opened (EINVAL): it would hold the caller.
 FilePtr open_file(const char* path, const char* mode);
 
 // Owner of a descriptor; -1 owns nothing.

@@ -89,6 +89,16 @@ def test_work_that_outlives_its_request_has_no_limit(hurried):
     hurried.wait_until(lambda: hurried.exists("/tmp/restarted"))
 
 
+@pytest.mark.parametrize("uri, path", [
+    ("/api/v1/router/info", "/tmp/inetchkresult.txt"), ("/api/v1/router/info", "/tmp/deviceid"),
+    ("/api/v1/router/client-list", "/tmp/clientList.txt")])
+def test_a_fifo_in_the_place_of_a_file_keeps_nobody_waiting(router, uri, path):
+    router.remove(path)
+    os.mkfifo(router.root.path(path))
+    assert "result" in router.get(uri).json
+    assert router.alive()
+
+
 # Clients.
 
 def connect(router):

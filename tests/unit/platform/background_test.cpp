@@ -28,6 +28,12 @@ namespace {
 
 constexpr std::chrono::seconds kDeadline{10};
 
+// Writes into a FIFO, once somebody reads it.
+void tell(const char* path, const std::string& text) {
+  const platform::UniqueFd fifo(open(path, O_WRONLY));
+  EXPECT_EQ(write(fifo.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+}
+
 TEST(StartDetached, RunsTheWorkAndContainsItsExceptions) {
   std::promise<void> done;
   EXPECT_TRUE(platform::start_detached([&done] {
@@ -89,7 +95,7 @@ TEST(StartDaemon, HoldsOnlyItsStandardStreams) {
   std::remove(path);
   ASSERT_EQ(mkfifo(path, 0600), 0);
   const int held = open("/dev/null", O_RDONLY);
-  const auto started = platform::start_daemon([path] { platform::write_file(path, open_descriptors() + "end\n"); });
+  const auto started = platform::start_daemon([path] { tell(path, open_descriptors() + "end\n"); });
   EXPECT_EQ(started, platform::DaemonStart::kStarted);
   const platform::UniqueFd fifo(open(path, O_RDONLY));
   const std::string listed = read_to_end(fifo.get());
@@ -125,8 +131,7 @@ TEST(ReadyDaemon, BeginsWhenItIsTold) {
   const char* path = "/tmp/background_test_fifo";
   std::remove(path);
   ASSERT_EQ(mkfifo(path, 0600), 0);
-  platform::ReadyWork work =
-      platform::ready_daemon([path] { platform::write_file(path, open_descriptors() + "end\n"); });
+  platform::ReadyWork work = platform::ready_daemon([path] { tell(path, open_descriptors() + "end\n"); });
   ASSERT_TRUE(work);
   const platform::UniqueFd fifo(open(path, O_RDONLY | O_NONBLOCK));
   std::array<char, 8> piece{};

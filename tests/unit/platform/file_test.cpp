@@ -29,6 +29,31 @@ TEST(ReadFile, ReadsWholeFilesAndBoundedHeads) {
   EXPECT_EQ(platform::read_file("/tmp"), std::nullopt);
 }
 
+TEST(OpenFile, KeepsNobodyWaitingAtAFifo) {
+  std::remove(kPath);
+  ASSERT_EQ(mkfifo(kPath, 0600), 0);
+  for (const char* mode : {"r", "w", "a"}) {
+    EXPECT_EQ(platform::open_file(kPath, mode), nullptr) << mode;
+    EXPECT_EQ(errno, EINVAL) << mode;
+  }
+  EXPECT_EQ(platform::read_file(kPath), std::nullopt);
+  EXPECT_FALSE(platform::write_file(kPath, "x"));
+  std::remove(kPath);
+}
+
+TEST(OpenFile, ReadsWritesAndAppends) {
+  std::remove(kPath);
+  EXPECT_EQ(platform::open_file(kPath, "r"), nullptr);
+  EXPECT_GT(std::fputs("first", platform::open_file(kPath, "w").get()), 0);
+  EXPECT_GT(std::fputs("+more", platform::open_file(kPath, "a").get()), 0);
+  EXPECT_EQ(platform::read_file(kPath), "first+more");
+  std::array<char, 8> head{};
+  EXPECT_STREQ(std::fgets(head.data(), head.size(), platform::open_file(kPath, "r").get()), "first+m");
+  EXPECT_GT(std::fputs("new", platform::open_file(kPath, "w").get()), 0);
+  EXPECT_EQ(platform::read_file(kPath), "new");
+  std::remove(kPath);
+}
+
 TEST(WriteFile, ReplacesAndTellsFailures) {
   ASSERT_TRUE(platform::write_file(kPath, "long content"));
   ASSERT_TRUE(platform::write_file(kPath, "short"));
