@@ -69,7 +69,7 @@ LINKS = {"bin": "usr/bin", "sbin": "usr/sbin", "lib": "usr/lib", "lib64": "usr/l
 DIRECTORIES = """
     dev proc sys etc/config etc/init.d etc/lighttpd tmp/run tmp/lock tmp/log tmp/dnsmasq.d tmp/state var root usr/bin
     usr/sbin usr/lib usr/lib64 usr/share machine/usr router/bin router/tools router/answers router/uses
-    router/record-stdin router/state router/lent
+    router/record-stdin router/state router/lent router/hanging
 """.split()
 
 # Kept where the program runs as the machine's root; a router's program needs no more, and the machine fears the rest.

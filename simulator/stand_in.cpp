@@ -258,13 +258,20 @@ int answer_fake_jose(const std::string& way, const Call& call) {
   return 0;
 }
 
+// Says that it hangs, under the number of its process group: the tests' clock need not wait for it.
+[[noreturn]] void hang() {
+  const std::string mark = kHome + "hanging/" + std::to_string(getpgrp());
+  close(open(mark.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+  while (true) pause();
+}
+
 int give(json_object* answer, const Call& call) {
   write_files(answer);
   const std::string jose = text_of(answer, "jose");
   if (!jose.empty()) return answer_fake_jose(jose, call);
   write_all(STDOUT_FILENO, text_of(answer, "out"));
   write_all(STDERR_FILENO, text_of(answer, "err"));
-  if (flag_of(answer, "hang")) pause();
+  if (flag_of(answer, "hang")) hang();
   if (const int number = number_of(answer, "signal"); number > 0) raise(number);
   return number_of(answer, "exit");
 }

@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <pthread.h>
+#include <spawn.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -116,10 +117,37 @@ static long rate(void) {
   return known;
 }
 
+// A tool that was told to hang says so under the number of its process group, which is that of the child that the
+// program has started. The clock of the thread that waits for it then leaps ahead: what is waited for at most is over,
+// whatever the machine's load, and no other tool's time passes sooner.
+static const long long kLeapNs = 1000000000000;
+static const int kSliceMs = 20;
+static __thread pid_t last_child;
+static __thread long long leapt_ns;
+
+static int is_hanging(void) {
+  if (last_child == 0) return 0;
+  const int error = errno;
+  char mark[64];
+  snprintf(mark, sizeof mark, "/router/hanging/%d", (int)last_child);
+  const int found = access(mark, F_OK) == 0;
+  errno = error;
+  return found;
+}
+
+int posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_t* actions, const posix_spawnattr_t* attributes,
+                 char* const argv[], char* const environment[]) {
+  static int (*real)(pid_t*, const char*, const posix_spawn_file_actions_t*, const posix_spawnattr_t*, char* const[], char* const[]);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "posix_spawnp");
+  const int error = real(child, file, actions, attributes, argv, environment);
+  if (error == 0) last_child = *child;
+  return error;
+}
+
 int clock_gettime(clockid_t clock, struct timespec* now) {
   const int result = (int)syscall(SYS_clock_gettime, clock, now);
-  if (result != 0 || clock != CLOCK_MONOTONIC || rate() == 1) return result;
-  const long long nanoseconds = ((long long)now->tv_sec * 1000000000 + now->tv_nsec) * rate();
+  if (result != 0 || clock != CLOCK_MONOTONIC || (rate() == 1 && leapt_ns == 0)) return result;
+  const long long nanoseconds = ((long long)now->tv_sec * 1000000000 + now->tv_nsec) * rate() + leapt_ns;
   now->tv_sec = (time_t)(nanoseconds / 1000000000);
   now->tv_nsec = (long)(nanoseconds % 1000000000);
   return 0;
@@ -128,7 +156,16 @@ int clock_gettime(clockid_t clock, struct timespec* now) {
 int poll(struct pollfd* descriptors, nfds_t count, int timeout_ms) {
   static int (*real)(struct pollfd*, nfds_t, int);
   if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "poll");
-  return real(descriptors, count, timeout_ms > 0 ? (int)((timeout_ms + rate() - 1) / rate()) : timeout_ms);
+  if (timeout_ms <= 0) return real(descriptors, count, timeout_ms);
+  for (long left_ms = (timeout_ms + rate() - 1) / rate(); left_ms > 0; left_ms -= kSliceMs) {
+    const int ready = real(descriptors, count, (int)(left_ms < kSliceMs ? left_ms : kSliceMs));
+    if (ready != 0) return ready;
+    if (is_hanging()) {
+      leapt_ns += kLeapNs;
+      return 0;
+    }
+  }
+  return 0;
 }
 
 int setsockopt(int descriptor, int level, int option, const void* value, socklen_t length) {
