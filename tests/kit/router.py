@@ -232,18 +232,18 @@ class Router:
     def get(self, uri: str, **params: str) -> Answer:
         return self.fcgi({"REQUEST_METHOD": "GET", "REQUEST_URI": uri, **params})
 
-    def post(self, uri: str, body=None, plain: bool = False, **params: str) -> Answer:
+    def post(self, uri: str, body=None, plain: bool = False, leave: bool = False, **params: str) -> Answer | None:
         """`body`: an object becomes JSON; a text or bytes are sent as they are; None sends no content. Encrypted, but
-        for plain=True (the upload routes take plain bodies)."""
+        for plain=True (the upload routes take plain bodies). With leave=True the client hangs up instead of waiting."""
         data = body_bytes(body)
         if data and not plain:
             data = encrypt(data)
         return self.fcgi({"REQUEST_METHOD": "POST", "REQUEST_URI": uri, "CONTENT_TYPE": "application/json",
-                          "CONTENT_LENGTH": str(len(data)), **params}, data)
+                          "CONTENT_LENGTH": str(len(data)), **params}, data, leave)
 
-    def fcgi(self, params: dict[str, str | bytes], body: bytes = b"") -> Answer:
+    def fcgi(self, params: dict[str, str | bytes], body: bytes = b"", leave: bool = False) -> Answer | None:
         """A request with just these parameters and this body, whatever CONTENT_LENGTH says of it."""
-        return self.raw(fastcgi.request(params, body))
+        return self.raw(fastcgi.request(params, body), close=leave)
 
     def raw(self, data: bytes, close: bool = False) -> Answer | None:
         """Sends bytes made with kit.fastcgi and reads the answer; with close=True hangs up instead of reading."""
@@ -412,6 +412,11 @@ class Router:
             self._process.kill()
         if self._process is not None:
             self._process.wait()
+
+    def restart(self) -> None:
+        """Starts the program once more in the same root, after kill()."""
+        self._process, self._ended = None, False
+        self.start()
 
     def finish(self) -> None:
         """What every test ends with: the program lived, ends well, and no sanitizer has anything to say."""

@@ -74,6 +74,21 @@ def test_lighttpd_starts_the_program_and_starts_it_again(router):
     assert sandbox.find_program(server.pid, "router-api") != program
 
 
+def test_a_length_that_libfcgi_cannot_bear_ends_the_program_and_lighttpd_starts_it_again(router):
+    """Only who holds the socket can send it: a web server makes the lengths itself. docs/reliability.md says more."""
+    server = router.start_lighttpd()
+    router.wait_for_file("/tmp/www.sock")
+    assert router.request("GET", LAN).status == 200
+    program = sandbox.find_program(server.pid, "router-api")
+    path, = router.root.path("/tmp/run").glob("router-api.socket*")
+    lengths = bytes([0xFF, 0xFF, 0xFF, 0xFE]) * 2  # of a name and a value; their sum is beyond an int
+    with fastcgi.connect(str(path), 20.0) as connection:
+        connection.sendall(fastcgi.begin() + fastcgi.record(fastcgi.PARAMS, lengths + b"x"))
+        router.wait_until(lambda: not os.path.exists(f"/proc/{program}"), "the program's end")
+    router.wait_until(lambda: router.request("GET", LAN).status == 200, "an answer of the next program")
+    assert sandbox.find_program(server.pid, "router-api") != program
+
+
 def test_lighttpd_takes_a_large_image_and_no_large_document(router):
     router.start_lighttpd()
     router.wait_for_file("/tmp/www.sock")

@@ -13,6 +13,7 @@ class Figures:
 
     counts: Counter = field(default_factory=Counter)
     losses: list[str] = field(default_factory=list)
+    notes: set[str] = field(default_factory=set)
 
     def count(self, name: str, by: int = 1) -> None:
         self.counts[name] += by
@@ -23,6 +24,7 @@ class Figures:
     def add(self, other: Figures) -> None:
         self.counts.update(other.counts)
         self.losses += other.losses
+        self.notes |= other.notes
 
 
 @dataclass(frozen=True)
@@ -32,6 +34,8 @@ class Bounds:
     seed: int = 1
     count: int | None = None  # tries of a section
     until: float = float("inf")  # as time.monotonic() tells it
+    targets: int = 0  # seconds of each fuzz target
+    threads: bool = False  # units under ThreadSanitizer
 
     def over(self) -> bool:
         return time.monotonic() > self.until
@@ -42,4 +46,5 @@ def table(sections: dict[str, Figures], seconds: dict[str, float]) -> str:
     for name, figures in sections.items():
         rest = ", ".join(f"{number:,} {what}" for what, number in sorted(figures.counts.items()) if what != "tries")
         rows.append(f"| {name} | {figures.counts['tries']:,} | {rest} | {len(figures.losses)} | {seconds[name]:.0f} s |")
-    return "\n".join(rows)
+    notes = [f"{name}: {note}" for name, figures in sections.items() for note in sorted(figures.notes)]
+    return "\n".join([*rows, *notes])

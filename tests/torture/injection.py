@@ -18,7 +18,7 @@ from .units import LASTING, RAW, Unit, get_routes, post_routes
 
 NAME = "injection"
 HELP = "hostile text × every member of every route, raw bodies, URIs, headers"
-SHORT = {"count": 300}
+SHORT = {"count": 250}
 
 _HOLE = "@@hole@@"
 _BENIGN = MARK + "plain"

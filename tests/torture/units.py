@@ -14,6 +14,7 @@ from wan_setup import addresses
 
 from .corpus import CANARY
 
+kit.router.DEADLINE_S = 120.0  # what must come comes; how soon is no matter of the machine's load
 RAW = {"system/firmware": b"\0\x01image " * 500, "system/config/restore": None, "system/config/backup": b""}
 # Routes whose work goes on once it was accepted: what tells that it is under way.
 LASTING = {"reboot": ("reboot",), "repeater/connect": ("/sbin/wifi", "up"), "system/config/waninit": ("reboot",),
@@ -40,7 +41,7 @@ def first_documents() -> dict[str, dict | bytes]:
 class Unit:
     """A router for one route, with the canary among its tools."""
 
-    def __init__(self, route: str, method: str = "POST", start: bool = True, **attributes):
+    def __init__(self, route: str, method: str = "POST", start: bool = True, prepare=lambda router: None, **attributes):
         """`attributes` are those of kit.Router that count before its start: time_rate, preload, environment."""
         self.route, self.method = route, method
         given = GIVEN.get(route) if method == "POST" else None
@@ -49,6 +50,7 @@ class Unit:
             setattr(self.router, name, value)
         try:
             self.router.tool(CANARY)
+            prepare(self.router)
             if not start:
                 return
             self.router.start()
@@ -84,7 +86,10 @@ class Unit:
             return False  # a process ended meanwhile
 
     def activity(self) -> tuple:
-        return below(os.getpid()), len(os.listdir(f"/proc/{self.router.pid()}/task"))
+        program = self.router.processes()
+        if not program:
+            raise ProcessLookupError("the program has ended")
+        return below(os.getpid()), len(os.listdir(f"/proc/{program[0]}/task"))
 
     def files(self) -> dict[str, bytes]:
         found = {}

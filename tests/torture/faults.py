@@ -1,0 +1,287 @@
+"""Writes, renames, memory and more that fail, disks that are full or read-only, and ends at any instant: each package is
+that of some barrier, each state file old or new, and the program answers again."""
+
+from __future__ import annotations
+
+import difflib
+import math
+import mmap
+import os
+import random
+import struct
+import time
+from pathlib import Path
+
+import sandbox
+from kit.router import program
+from route_documents import API
+
+from . import answers
+from .dead_platform import _body
+from .figures import Bounds, Figures
+from .units import LASTING, Unit, first_documents, get_routes, post_routes
+
+NAME = "faults"
+HELP = "writes, forks, memory and more that fail, full disks, kills at any instant"
+SHORT = {"count": 120}
+
+# As faults.cpp numbers them.
+KINDS = ("none", "write", "fsync", "rename", "open", "fork", "spawn", "pipe", "memory")
+ANY = len(KINDS)
+ONCE, FROM_THEN_ON, SHORT_WRITE, DIE = range(4)
+MODES = {ONCE: "once", FROM_THEN_ON: "from then on", SHORT_WRITE: "short"}
+_FIELDS = ("armed", "kind", "mode", "at", "seen", "failed", "versions")
+_MOST_OF_A_KIND = 60  # places that are tried of one kind: a request asks for memory some hundred times
+
+# Routes that write, for the kills.
+WRITING = ("router/wan-info", "wireless/setting", "wireless/detail-setting", "dhcp", "lan", "ntp", "accounts", "port-open",
+           "parental-control", "wireless/rebootschedule", "repeater/connect", "router/info")
+_PAGE = os.sysconf("SC_PAGE_SIZE")
+
+
+def parts(bounds: Bounds) -> list[tuple]:
+    """Shares: faults 60 %, kills 30 %, disks what there are."""
+    routes = post_routes()
+    faults = None if bounds.count is None else max(1, round(bounds.count * 0.5 / len(routes)))
+    kills = 42 if bounds.count is None else max(1, round(bounds.count * 0.3 / len(WRITING)))
+    disks = len(DISKS) if bounds.count is None or bounds.count > 1000 else 1
+    work = [(kills_of, (route, kills, bounds)) for route in WRITING]
+    work += [(faults_of, (route, faults, bounds)) for route in routes]
+    return work + [(disks_of, (route, disks, bounds)) for route in routes]
+
+
+class Control:
+    """What is to fail, and what was counted: shared with the program."""
+
+    def __init__(self, router):
+        self._file = router.root.path("/router/faults")
+        self._file.write_bytes(bytes(4096))
+        router.root.path("/router/versions").mkdir(exist_ok=True)
+        with open(self._file, "r+b") as file:
+            self._map = mmap.mmap(file.fileno(), 4096)
+
+    def arm(self, kind: int = 0, at: int = 0, mode: int = ONCE) -> None:
+        kept = self.field("versions")  # names of files
+        self._map[:4096] = bytes(4096)
+        for field, value in (("versions", kept), ("kind", kind), ("at", at), ("mode", mode), ("armed", 1)):
+            struct.pack_into("i", self._map, 4 * _FIELDS.index(field), value)
+
+    def disarm(self) -> None:
+        struct.pack_into("i", self._map, 0, 0)
+
+    def field(self, name: str) -> int:
+        return struct.unpack_from("i", self._map, 4 * _FIELDS.index(name))[0]
+
+    def counts(self) -> dict[str, int]:
+        return {kind: struct.unpack_from("i", self._map, 4 * (len(_FIELDS) + i))[0] for i, kind in enumerate(KINDS)}
+
+
+class FaultyUnit:
+    """A unit whose calls can be made to fail, and what it leaves behind undisturbed."""
+
+    def __init__(self, route: str):
+        self.route = route
+        self.body = _body(route, first_documents()[route])
+        self.start()
+        self.control.arm()
+        begin = time.monotonic()
+        answer = self.unit.send(self.body)
+        self.seconds = time.monotonic() - begin
+        self.success = answers.result(answer) == 0
+        self.unit.settle(self.success)
+        self.control.disarm()
+        self.counts = self.control.counts()
+        after = self.unit.files()
+        self.changed = {path for path in after if path.startswith("/etc/") and after[path] != self.unit.before.get(path)}
+        self.allowed = {path: {self.unit.before.get(path), after.get(path)} for path in self.unit.before.keys() | after.keys()}
+        for kept in self.unit.router.root.path("/router/versions").iterdir():
+            path = "/etc/config/" + kept.name.split("-", 2)[2]
+            self.allowed.setdefault(path if path in self.allowed else "/etc/" + path.rsplit("/", 1)[1], set()).add(kept.read_bytes())
+        self.again(after)
+
+    def start(self) -> None:
+        library = program("TORTURE_FAULTS_LIB")
+        self.unit = Unit(self.route, preload=[library], prepare=self._prepare)
+        self.before = self.unit.before
+
+    def _prepare(self, router) -> None:
+        self.control = Control(router)
+        # The `uci` commands' files are kept, too.
+        router.root.mount(program("UCI_BIN"), "/router/real-uci")
+        router.root._mounts = [mount for mount in router.root._mounts if mount[2] != "/router/tools/uci"]
+        router.write("/router/tools/uci", "#!/bin/sh\nFAULTS_ONLY_VERSIONS=1 LD_PRELOAD=/router/" +
+                     program("TORTURE_FAULTS_LIB").name + ' exec /router/real-uci "$@"\n', 0o755)
+
+    def again(self, after: dict[str, bytes] | None = None, fresh: bool = False) -> None:
+        """As before the request; a program of its own where the last one ended, or goes on working."""
+        if fresh or self.route in LASTING:
+            self.unit.router.discard()
+            self.start()
+        else:
+            self.unit.restore(after if after is not None else self.unit.files())
+
+    def _difference(self, path: str, after: dict[str, bytes]) -> str:
+        """Against the known text that is most like it."""
+        texts = [(known or b"").decode(errors="replace").splitlines() for known in self.allowed[path]]
+        now = after.get(path, b"").decode(errors="replace").splitlines()
+        return min((" ".join(line.strip() for line in difflib.unified_diff(known, now, n=0, lineterm=""))[8:] for known in texts),
+                   key=len)[:400]
+
+    def complaints(self, after: dict[str, bytes]) -> list[str]:
+        """What neither was there nor would have come."""
+        found = []
+        for path in {path for path in self.allowed | after if path.startswith("/etc/")}:
+            if path in self.allowed and after.get(path) not in self.allowed[path]:
+                found.append(f"{path} is {'gone' if path not in after else 'something in between'}: {self._difference(path, after)}")
+        return found
+
+
+def faults_of(route: str, count: int | None, bounds: Bounds) -> Figures:
+    figures, faulty = Figures(), FaultyUnit(route)
+    try:
+        for kind, at, mode in _places(faulty.counts, route, count, bounds):
+            if bounds.over():
+                break
+            _fault(figures, faulty, kind, at, mode)
+        faulty.unit.finish()
+    finally:
+        faulty.unit.router.discard()
+    return figures
+
+
+def _places(counts: dict[str, int], route: str, count: int | None, bounds: Bounds) -> list[tuple[int, int, int]]:
+    draw = random.Random(f"{bounds.seed} {NAME} {route}")
+    found = []
+    for kind, name in enumerate(KINDS):
+        numbers = range(1, counts[name] + 1)
+        for at in numbers if len(numbers) <= _MOST_OF_A_KIND else draw.sample(numbers, _MOST_OF_A_KIND):
+            found += [(kind, at, ONCE), (kind, at, FROM_THEN_ON)] + [(kind, at, SHORT_WRITE)] * (name == "write")
+    return found if count is None or count >= len(found) else draw.sample(found, count)
+
+
+def _fault(figures: Figures, faulty: FaultyUnit, kind: int, at: int, mode: int) -> None:
+    unit, where = faulty.unit, f"{faulty.route}: {KINDS[kind]} {at} fails {MODES[mode]}"
+    figures.count("tries")
+    figures.count(f"{KINDS[kind]} failed")
+    faulty.control.arm(kind, at, mode)
+    answer = unit.send(faulty.body)
+    if faulty.route not in LASTING:
+        unit.router.wait_until(unit.is_idle, "the end of all background work")
+    faulty.control.disarm()
+    after = unit.files()
+    silent = answer.empty and KINDS[kind] == "memory"  # what cannot be asked for cannot be answered
+    if not silent and (wrong := answers.complaint("POST", faulty.route, answer)):
+        figures.lose(f"{where}: {wrong}")
+    _compare(figures, faulty, where, after, answers.result(answer) == 0)
+    if not unit.router.alive():
+        figures.lose(f"{where}: the program does not answer any more\n{unit.router.report()[-3000:]}")
+        faulty.again(fresh=True)
+    else:
+        faulty.again(after)
+
+
+def _compare(figures: Figures, faulty: FaultyUnit, where: str, after: dict[str, bytes], said_success: bool) -> None:
+    for wrong in faulty.complaints(after):
+        figures.lose(f"{where}: {wrong}")
+    if any(".uci-" in path or path.endswith("~") for path in after.keys() - faulty.before.keys() if path.startswith("/etc/")):
+        figures.count("temporary files left")
+    stored = {path for path in faulty.changed if after.get(path) != faulty.before.get(path)}
+    if said_success and faulty.changed and not stored:
+        figures.count("success without a change")
+        figures.notes.add(faulty.route)
+
+
+def kills_of(route: str, count: int, bounds: Bounds) -> Figures:
+    """Ends the program at the n-th of its calls, or the whole router after so many milliseconds, turn about."""
+    figures, faulty = Figures(), FaultyUnit(route)
+    draw = random.Random(f"{bounds.seed} kills {route}")
+    most = sum(number for kind, number in faulty.counts.items() if kind != "memory")
+    try:
+        for turn in range(count):
+            if bounds.over():
+                break
+            at, late = draw.randint(1, most), draw.uniform(0, faulty.seconds)
+            _kill(figures, faulty, at if turn % 2 == 0 else None, late)
+    finally:
+        faulty.unit.router.discard()
+    return figures
+
+
+def _kill(figures: Figures, faulty: FaultyUnit, at: int | None, late: float) -> None:
+    unit, where = faulty.unit, f"{faulty.route}: killed " + (f"at call {at}" if at else f"after {late * 1e3:.1f} ms")
+    figures.count("tries")
+    figures.count("kills")
+    faulty.control.arm(ANY, at or 0, DIE)
+    if at:
+        unit.send(faulty.body)  # answered, or broken off
+        unit.router.wait_until(lambda: not unit.router.alive_process() or _is_over(unit), "the kill")
+    else:
+        unit.router.post(API + unit.route, faulty.body, leave=True)
+        time.sleep(late)
+    unit.router.kill()
+    faulty.control.disarm()
+    after = unit.files()
+    _compare(figures, faulty, where, after, False)
+    unit.router.restart()
+    if faulty.route in get_routes() and answers.complaint("GET", faulty.route, unit.router.get(API + faulty.route)):
+        figures.lose(f"{where}: cannot be read afterwards")
+    unit.router.kill()
+    faulty.again(fresh=True)
+
+
+def _is_over(unit: Unit) -> bool:
+    """The request made fewer calls than before: other threads of it were sooner or later."""
+    if unit.route in LASTING:
+        tool, *arguments = LASTING[unit.route]
+        return any(call.args[:len(arguments)] == tuple(arguments) for call in unit.router.calls(tool))
+    return unit.is_idle()
+
+
+DISKS = ("/etc/config full", "/etc/config read-only", "/tmp read-only", "/tmp full")
+
+
+def disks_of(route: str, count: int, bounds: Bounds) -> Figures:
+    figures = Figures()
+    undisturbed = None
+    for disk in random.Random(f"{bounds.seed} disks {route}").sample(DISKS, count):
+        if bounds.over():
+            break
+        path, how = disk.split()
+        unit = Unit(route, start=False)
+        try:
+            files = _fill(unit.router, path, how)
+            figures.count("tries")
+            figures.count(f"{how} disks")
+            answer = unit.send(_body(route, first_documents()[route]))
+            if wrong := answers.complaint("POST", route, answer):
+                figures.lose(f"{route} with {disk}: {wrong}")
+            if not unit.router.alive():
+                figures.lose(f"{route} with {disk}: does not answer any more")
+            for name, content in files.items():
+                if path == "/etc/config" and not _is_package(unit.router.read_running(name)):
+                    figures.lose(f"{route} with {disk}: {name} is lost; it was {content[:80]!r}")
+        except AssertionError as error:
+            figures.lose(f"{route} with {disk}: {str(error)[:2000]}")
+        finally:
+            unit.router.discard()
+    return figures
+
+
+def _is_package(text: str | None) -> bool:
+    return text is not None and text.strip() != "" or text == ""
+
+
+def _fill(router, path: str, how: str) -> dict[str, bytes]:
+    """Puts a disk at `path` that holds what is there, and takes no more."""
+    there = router.root.path(path)
+    files = {"/" + str(place.relative_to(router.root.fs)): place.read_bytes() for place in there.rglob("*") if place.is_file()}
+    if how == "read-only":
+        router.root.mount(there, path)
+        return files
+    pages = sum(max(1, math.ceil(len(content) / _PAGE)) for content in files.values())
+    kept = router.root.path("/router/disk")
+    router.root.copy_tree(there, "/router/disk")
+    assert kept.is_dir()
+    router.root._mounts.append(("--size", str(pages * _PAGE), "--tmpfs", path))
+    router.root.setup.append(f"cp -a /router/disk/. {path}/")
+    return files
