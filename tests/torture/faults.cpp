@@ -1,8 +1,8 @@
-// Preloaded into the program under torture: makes the n-th call of a kind fail, once or from then on, or ends the program
-// there. What it counts and what it does stands in /router/faults, which the torture maps, too.
+// Preloaded into the program under torture: makes the n-th call of a kind fail, once or from then on, or ends the
+// program there. What it counts and what it does stands in /router/faults, which the torture maps, too.
 //
-// Not counted: what the test kit's own means do below /router/, and writes to sockets and pipes, whose other ends say for
-// themselves what becomes of them. Each file of /etc that a rename replaces is kept below /router/versions/.
+// Not counted: what the test kit's own means do below /router/, and writes to sockets and pipes, whose other ends say
+// for themselves what becomes of them. Each file of /etc that a rename replaces is kept below /router/versions/.
 #include <atomic>
 #include <cerrno>
 #include <csignal>
@@ -45,8 +45,8 @@ Function next(const char* name) {
 }
 
 // Not a static's initialiser: what looks the name up may itself ask for memory.
-#define REAL(function)                                \
-  static decltype(&::function) real = nullptr;        \
+#define REAL(function)                         \
+  static decltype(&::function) real = nullptr; \
   if (real == nullptr) real = next<decltype(&::function)>(#function)
 
 // Whether this call is to fail. The program may end here instead.
@@ -96,7 +96,8 @@ void keep_version(const char* from, const char* to) {
   if (control == nullptr || std::strncmp(to, "/etc/", 5) != 0) return;
   char kept[600];
   const char* name = std::strrchr(to, '/') + 1;
-  std::snprintf(kept, sizeof kept, "/router/versions/%d-%d-%.200s", static_cast<int>(getpid()), control->versions.fetch_add(1), name);
+  std::snprintf(kept, sizeof kept, "/router/versions/%d-%d-%.200s", static_cast<int>(getpid()),
+                control->versions.fetch_add(1), name);
   const int error = errno;
   REAL(link);
   real(from, kept);
@@ -115,7 +116,8 @@ ssize_t write(int descriptor, const void* data, size_t size) {
   REAL(write);
   if (!is_counted(descriptor)) return real(descriptor, data, size);
   if (!fails(kWrite, ENOSPC)) return real(descriptor, data, size);
-  if (control->mode.load() == kShort && size > 1 && control->failed.load() == 1) return real(descriptor, data, size / 2);
+  if (control->mode.load() == kShort && size > 1 && control->failed.load() == 1)
+    return real(descriptor, data, size / 2);
   return -1;
 }
 
@@ -164,8 +166,8 @@ pid_t fork() {
   return fails(kFork, EAGAIN) ? -1 : real();
 }
 
-int posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_t* actions, const posix_spawnattr_t* attributes,
-                 char* const argv[], char* const environment[]) {
+int posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_t* actions,
+                 const posix_spawnattr_t* attributes, char* const argv[], char* const environment[]) {
   REAL(posix_spawnp);
   return fails(kSpawn, EAGAIN) ? EAGAIN : real(child, file, actions, attributes, argv, environment);
 }
