@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "access/mac_filter.h"
-#include "platform/process.h"
+#include "platform/text.h"
 
 namespace mac_filter {
 
@@ -15,14 +15,8 @@ constexpr std::string_view kSection = "config wifi-iface";
 constexpr std::string_view kSectionOfInterest = "'ath0'";
 constexpr std::string_view kNames = "list namelist '";
 constexpr std::string_view kMacs = "list maclist '";
-constexpr std::string_view kBlanks = " \t";
 
 using Lines = std::vector<std::string>;
-
-std::string_view without_indent(std::string_view line) {
-  const std::size_t begin = line.find_first_not_of(kBlanks);
-  return begin == std::string_view::npos ? std::string_view{} : line.substr(begin);
-}
 
 // A quoted value as UCI writes it, which may hold quotes ('\'') and line feeds: `text` is what follows its opening
 // quote, `row` the line it began in and then the line it ends in. nullopt when it does not end as one.
@@ -73,7 +67,7 @@ Lists parse_lists(std::string_view text) {
   Lists lists;
   bool is_in_section = false;
   for (std::size_t row = 0; row < lines.size(); ++row) {
-    const std::string_view line = without_indent(lines[row]);
+    const std::string_view line = platform::trim_start(lines[row]);
     if (line.starts_with(kSection)) {
       const bool is_of_interest = line.find(kSectionOfInterest) != std::string_view::npos;
       if (is_in_section && !is_of_interest) break;

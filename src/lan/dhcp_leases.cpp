@@ -2,7 +2,6 @@
 #include "lan/dhcp_leases.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -18,27 +17,13 @@
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/text.h"
+#include "system_helpers.h"
 
 namespace {
 
 constexpr std::size_t kLineMax = 255;
 constexpr std::size_t kTextMax = 31;
 constexpr std::size_t kFieldCount = 3;
-
-// The fields of a line, empty ones left out; nullopt when they are not three.
-std::optional<std::array<std::string_view, kFieldCount>> split_at_commas(std::string_view line) {
-  std::array<std::string_view, kFieldCount> fields;
-  std::size_t count = 0;
-  while (!line.empty()) {
-    const std::size_t comma = line.find(',');
-    if (comma != 0) {
-      if (count == kFieldCount) return std::nullopt;
-      fields[count++] = platform::cut_utf8(line.substr(0, comma), kTextMax);
-    }
-    line.remove_prefix(comma == std::string_view::npos ? line.size() : comma + 1);
-  }
-  return count == kFieldCount ? std::optional(fields) : std::nullopt;
-}
 
 // What awk makes of the lease file; nullopt, logged, when no command can be run.
 std::optional<std::string> read_lease_lines() {
@@ -58,14 +43,13 @@ std::int64_t get_uptime_seconds() {
 
 void for_each_lease(std::string_view lines, std::int64_t now_s, const std::function<void(const Lease&)>& visit) {
   while (!lines.empty()) {
-    // As fgets gives them to a reader with a buffer: a longer line comes in pieces.
-    const std::string_view line = lines.substr(0, std::min(lines.find('\n'), kLineMax - 1) + 1);
-    lines.remove_prefix(line.size());
-    const auto fields = split_at_commas(line.substr(0, line.find_first_of("\r\n")));
-    if (!fields) continue;
-    const auto& [expiry_text, mac, ip] = *fields;
-    const std::int64_t expiry = std::strtoll(std::string(expiry_text).c_str(), nullptr, 10);
+    const std::string_view line = without_line_end(platform::take_line(lines, kLineMax));
+    const std::vector<std::string_view> fields = platform::pieces(line, ",");
+    if (fields.size() != kFieldCount) continue;
+    const std::int64_t expiry = std::strtoll(std::string(platform::cut_utf8(fields[0], kTextMax)).c_str(), nullptr, 10);
     if (expiry == 0 || expiry <= now_s) continue;
+    const std::string_view mac = platform::cut_utf8(fields[1], kTextMax);
+    const std::string_view ip = platform::cut_utf8(fields[2], kTextMax);
     visit({ip, mac, static_cast<int>(std::min<std::int64_t>(expiry - now_s, std::numeric_limits<int>::max()))});
   }
 }

@@ -10,7 +10,6 @@
 #include "mesh/topology_log.h"
 #include "platform/file.h"
 #include "platform/log.h"
-#include "platform/process.h"
 #include "platform/text.h"
 #include "uci_section.h"
 #include "unit/mesh.h"

@@ -5,6 +5,7 @@
 #include "mesh/client_sources.h"
 #include "mesh/dump_index.h"
 #include "mesh/topology_log.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -28,19 +29,19 @@ class LegacyReader {
  public:
   // The MAC of a wired device on this line; empty when it holds none.
   std::string read(std::string_view line) {
-    if (holds(line, "Legacy Devices:")) {
+    if (platform::holds(line, "Legacy Devices:")) {
       in_table_ = true;
       is_wired_ = false;
       return {};
     }
-    if (holds(line, "Radios:")) in_table_ = false;
+    if (platform::holds(line, "Radios:")) in_table_ = false;
     if (!in_table_) return {};
     if (const auto name = text_behind(line, "Interface ", ":")) {
-      is_wired_ = holds(*name, "eth") && *name != "eth1";
+      is_wired_ = platform::holds(*name, "eth") && *name != "eth1";
       return {};
     }
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
-    if (!is_wired_ || !holds(line, ":") || line.size() < kMacLength) return {};
+    if (!is_wired_ || !platform::holds(line, ":") || line.size() < kMacLength) return {};
     return std::string(line.substr(0, kMacLength));
   }
 

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "mesh/topology.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -25,13 +26,8 @@ bool has_form_of_mac(std::string_view text) {
 }
 
 std::string_view second_field(std::string_view line) {
-  constexpr std::string_view kBlanks = " \t";
-  for (int field = 0;; ++field) {
-    line.remove_prefix(std::min(line.find_first_not_of(kBlanks), line.size()));
-    const std::size_t end = std::min(line.find_first_of(kBlanks), line.size());
-    if (field == 1 || line.empty()) return line.substr(0, end);
-    line.remove_prefix(end);
-  }
+  const std::vector<std::string_view> fields = platform::pieces(line);
+  return fields.size() < 2 ? std::string_view() : fields[1];
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 
 #include "domain/mesh_codes.h"
 #include "mesh/topology.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -65,16 +66,17 @@ const char* type_of(unsigned int media) {
 }
 
 bool ends_remote_table(std::string_view line) {
-  return line.empty() || holds(line, "Bridged addresses:") || holds(line, "Radios:") ||
-         holds(line, "Remote connections (Not directly connected to self)");
+  return line.empty() || platform::holds(line, "Bridged addresses:") || platform::holds(line, "Radios:") ||
+         platform::holds(line, "Remote connections (Not directly connected to self)");
 }
 
 // The media of a remote table from `line` on, given those of the lines behind it.
 unsigned char media_from(std::string_view line, unsigned char behind) {
   if (ends_remote_table(line)) return 0;
-  if (holds(line, "eth")) return kEthernet;
+  if (platform::holds(line, "eth")) return kEthernet;
   for (const MediumName& name : kMediumNames) {
-    if (name.medium != kEthernet && holds(line, name.name)) behind = static_cast<unsigned char>(behind | name.medium);
+    if (name.medium != kEthernet && platform::holds(line, name.name))
+      behind = static_cast<unsigned char>(behind | name.medium);
   }
   return behind;
 }
@@ -131,8 +133,8 @@ const BackhaulReader::IndicesOfMac& BackhaulReader::bridge_rows(std::size_t head
   const std::vector<std::string_view>& lines = index_.lines();
   for (std::size_t number = heading + 1; number < lines.size(); ++number) {
     const std::string line(lines[number]);
-    if (line.empty() || holds(line, "Address")) break;
-    if (!holds(line, "Remote")) continue;
+    if (line.empty() || platform::holds(line, "Address")) break;
+    if (!platform::holds(line, "Remote")) continue;
     std::array<char, kMacLength + 1> mac{};
     std::array<char, 16> type{};
     int index = 0;

@@ -14,6 +14,7 @@
 #include "platform/host.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 
 namespace {
@@ -33,36 +34,35 @@ struct WifiClient {
   std::string mld_addr;
 };
 
-std::string behind(std::string_view line, char mark, std::size_t most) {
-  const std::size_t found = line.find(mark);
-  return found == std::string_view::npos ? std::string() : std::string(line.substr(found + 1, most));
+std::string value_behind(std::string_view line, std::string_view mark, std::size_t most) {
+  return std::string(platform::behind(line, mark).value_or("").substr(0, most));
 }
 
 // False when the list is full: what follows belongs to a client that has no place in it.
 bool read_wifi_line(std::string_view line, std::vector<WifiClient>& clients) {
-  if (holds(line, "mac_rssi")) {
+  if (platform::holds(line, "mac_rssi")) {
     if (clients.size() == kMostWifiClients) return false;
-    clients.push_back({behind(line, ':', 17), behind(line, ' ', 7), "", "", ""});
+    clients.push_back({value_behind(line, ":", 17), value_behind(line, " ", 7), "", "", ""});
     return true;
   }
   if (clients.empty()) return true;
   WifiClient& client = clients.back();
-  if (holds(line, "operating_band")) {
-    client.operating_band = behind(line, ':', 63);
-  } else if (holds(line, "mlo")) {
-    client.mlo = behind(line, ':', 3);
-  } else if (holds(line, "mld_addr")) {
-    client.mld_addr = behind(line, ':', 17);
+  if (platform::holds(line, "operating_band")) {
+    client.operating_band = value_behind(line, ":", 63);
+  } else if (platform::holds(line, "mlo")) {
+    client.mlo = value_behind(line, ":", 3);
+  } else if (platform::holds(line, "mld_addr")) {
+    client.mld_addr = value_behind(line, ":", 17);
   }
   return true;
 }
 
 int type_of_bands(std::string_view bands) {
   std::size_t mask = 0;
-  if (holds(bands, "2.4GHz")) mask += 1;
-  if (holds(bands, "5GHz")) mask += 2;
-  if (holds(bands, "6GHz")) mask += 4;
-  if (holds(bands, "ETHER") || holds(bands, "eth0")) mask = 8;
+  if (platform::holds(bands, "2.4GHz")) mask += 1;
+  if (platform::holds(bands, "5GHz")) mask += 2;
+  if (platform::holds(bands, "6GHz")) mask += 4;
+  if (platform::holds(bands, "ETHER") || platform::holds(bands, "eth0")) mask = 8;
   return kTypeOfBandMask[mask];
 }
 

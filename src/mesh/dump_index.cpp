@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "mesh/topology.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -34,18 +35,14 @@ std::string without_brackets(std::string_view line) {
 
 }  // namespace
 
-bool holds(std::string_view line, std::string_view text) { return line.find(text) != std::string_view::npos; }
-
 std::optional<std::string_view> text_behind(std::string_view line, std::string_view mark, std::string_view ends) {
-  const std::size_t found = line.find(mark);
-  if (found == std::string_view::npos) return std::nullopt;
-  line.remove_prefix(found + mark.size());
-  return line.substr(0, line.find_first_of(ends));
+  const std::optional<std::string_view> rest = platform::behind(line, mark);
+  return rest ? std::optional(rest->substr(0, rest->find_first_of(ends))) : std::nullopt;
 }
 
 bool is_device_header(std::string_view line) {
-  return (holds(line, "QCA IEEE 1905.1 device:") && holds(line, "IPv4 address:")) ||
-         (holds(line, "IEEE 1905.1 device:") && holds(line, "MAP Agent"));
+  return (platform::holds(line, "QCA IEEE 1905.1 device:") && platform::holds(line, "IPv4 address:")) ||
+         (platform::holds(line, "IEEE 1905.1 device:") && platform::holds(line, "MAP Agent"));
 }
 
 std::string header_mac(std::string_view line) {
@@ -73,15 +70,16 @@ DumpIndex::DumpIndex(std::string_view dump) {
 }
 
 void DumpIndex::add_line(std::size_t number, std::string_view line) {
-  if (holds(line, "QCA IEEE 1905.1 device:")) headers_.emplace(header_mac(line), number);
-  if (holds(line, "Upstream Device: None")) upstream_none_.add(number);
-  if (holds(line, "Index") && holds(line, "Medium Type")) interface_headings_.add(number);
+  if (platform::holds(line, "QCA IEEE 1905.1 device:")) headers_.emplace(header_mac(line), number);
+  if (platform::holds(line, "Upstream Device: None")) upstream_none_.add(number);
+  if (platform::holds(line, "Index") && platform::holds(line, "Medium Type")) interface_headings_.add(number);
   if (ends_interface_table(line)) interface_ends_.add(number);
-  if (holds(line, "Remote connections (Directly connected to self)")) direct_remotes_.add(number);
-  if (holds(line, "Remote connections (Not directly connected to self)")) other_remotes_.add(number);
-  if (holds(line, "Interface name   Medium Type  MAC Address") && holds(line, "MID")) remote_headings_.add(number);
-  if (holds(line, "Bridged addresses:")) bridged_.add(number);
-  if (holds(line, "Address") && holds(line, "Interface Type")) bridge_headings_.add(number);
+  if (platform::holds(line, "Remote connections (Directly connected to self)")) direct_remotes_.add(number);
+  if (platform::holds(line, "Remote connections (Not directly connected to self)")) other_remotes_.add(number);
+  if (platform::holds(line, "Interface name   Medium Type  MAC Address") && platform::holds(line, "MID"))
+    remote_headings_.add(number);
+  if (platform::holds(line, "Bridged addresses:")) bridged_.add(number);
+  if (platform::holds(line, "Address") && platform::holds(line, "Interface Type")) bridge_headings_.add(number);
   add_interface_row(number, line);
 }
 

@@ -76,8 +76,6 @@ class DumpIndex {
   std::unordered_map<std::size_t, std::size_t> radios_24ghz_;        // positions in interfaces_, by the heading's line
 };
 
-bool holds(std::string_view line, std::string_view text);
-
 // The text behind `mark`, up to the first of `ends` or the line's end; nullopt without `mark`.
 std::optional<std::string_view> text_behind(std::string_view line, std::string_view mark, std::string_view ends);
 

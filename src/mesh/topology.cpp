@@ -10,6 +10,7 @@
 
 #include "mesh/backhaul.h"
 #include "mesh/dump_index.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -107,20 +108,20 @@ class TopologyParser {
   void read_line(std::size_t number) {
     const std::string_view line = index_.lines()[number];
     if (const auto header = headers_.find(number); header != headers_.end()) return begin_block(header->second);
-    if (!root_seen_ && holds(line, "Upstream Device: None")) {
+    if (!root_seen_ && platform::holds(line, "Upstream Device: None")) {
       root_mac_ = current_mac_;
       root_seen_ = true;
       return;
     }
-    if (block_accepted_ && holds(line, "Upstream Device:")) return link_to_parent(line);
+    if (block_accepted_ && platform::holds(line, "Upstream Device:")) return link_to_parent(line);
     const bool is_root = !current_mac_.empty() && current_mac_ == root_mac_;
-    if (is_root && holds(line, "Legacy Devices:")) {
+    if (is_root && platform::holds(line, "Legacy Devices:")) {
       in_legacy_ = true;
       interface_is_eth1_ = false;
       return;
     }
     if (in_legacy_ && read_legacy(line)) return;
-    if (block_accepted_ && !is_root && holds(line, "Bridged addresses:")) {
+    if (block_accepted_ && !is_root && platform::holds(line, "Bridged addresses:")) {
       in_bridged_ = true;
       return;
     }
@@ -140,7 +141,7 @@ class TopologyParser {
 
   void link_to_parent(std::string_view line) {
     std::string parent_mac = root_mac_;
-    if (!holds(line, "None")) {
+    if (!platform::holds(line, "None")) {
       parent_mac = text_behind(line, "Upstream Device: ", "").value_or("").substr(0, kMacLength);
     }
     const std::optional<std::size_t> child = position_of(current_mac_);
@@ -159,7 +160,7 @@ class TopologyParser {
 
   // True when the line belongs to the root's legacy table.
   bool read_legacy(std::string_view line) {
-    if (holds(line, "Radios:")) {
+    if (platform::holds(line, "Radios:")) {
       in_legacy_ = false;
       interface_.clear();
       return true;
@@ -169,20 +170,21 @@ class TopologyParser {
       interface_is_eth1_ = interface_ == "eth1";
       return true;
     }
-    if (interface_.empty() || interface_is_eth1_ || !holds(line, ":")) return false;
+    if (interface_.empty() || interface_is_eth1_ || !platform::holds(line, ":")) return false;
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
     if (line.size() < kMacLength || !info_.root) return true;
-    add_station(*info_.root, std::string(line.substr(0, kMacLength)), holds(interface_, "eth") ? "ETHER" : "Wireless");
+    add_station(*info_.root, std::string(line.substr(0, kMacLength)),
+                platform::holds(interface_, "eth") ? "ETHER" : "Wireless");
     return true;
   }
 
   void read_bridged(std::string_view line) {
-    if (holds(line, "Radios:")) {
+    if (platform::holds(line, "Radios:")) {
       in_bridged_ = false;
       return;
     }
-    const bool is_heading = holds(line, "Address") && holds(line, "Interface Type");
-    if (is_heading || !holds(line, "Remote")) return;
+    const bool is_heading = platform::holds(line, "Address") && platform::holds(line, "Interface Type");
+    if (is_heading || !platform::holds(line, "Remote")) return;
     std::array<char, kMacLength + 1> mac{};
     int index = 0;
     if (std::sscanf(std::string(line).c_str(), "%17s%*[ \t]%9d", mac.data(), &index) < 2) return;

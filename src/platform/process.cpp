@@ -271,22 +271,4 @@ ProcessResult run_shell(const std::string& command, const ProcessOptions& option
   return run({"/bin/sh", "-c", command}, options);
 }
 
-void for_each_line(std::string_view text, std::size_t size, const std::function<void(const std::string&)>& visit) {
-  while (!text.empty()) {
-    const std::size_t line_feed = text.find('\n');
-    std::size_t taken = line_feed == std::string_view::npos ? text.size() : line_feed + 1;
-    if (size > 1 && taken > size - 1) taken = size - 1;
-    std::string_view line = text.substr(0, taken);
-    text.remove_prefix(taken);
-    if (line.ends_with('\n')) line.remove_suffix(1);
-    visit(std::string(line));
-  }
-}
-
-std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
-  std::vector<std::string> lines;
-  for_each_line(text, size, [&lines](const std::string& line) { lines.push_back(line); });
-  return lines;
-}
-
 }  // namespace platform

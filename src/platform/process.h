@@ -51,10 +51,4 @@ ProcessResult run(const std::vector<std::string>& argv, const ProcessOptions& op
 // Runs `command` with /bin/sh -c. Only for texts made of constants and our own numbers.
 ProcessResult run_shell(const std::string& command, const ProcessOptions& options = {});
 
-// The lines of `text`, without their line feeds. With size > 0 as fgets gives them to a reader with a buffer of `size`
-// bytes: a line of more than size - 1 bytes comes in pieces.
-std::vector<std::string> split_lines(std::string_view text, std::size_t size = 0);
-// The same, one at a time, for texts that may be long.
-void for_each_line(std::string_view text, std::size_t size, const std::function<void(const std::string&)>& visit);
-
 }  // namespace platform

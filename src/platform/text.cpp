@@ -51,6 +51,48 @@ bool is_control(unsigned char byte) { return byte < 0x20 || byte == 0x7F; }
 
 }  // namespace
 
+bool holds(std::string_view text, std::string_view part) { return text.find(part) != std::string_view::npos; }
+
+std::optional<std::string_view> behind(std::string_view text, std::string_view mark) {
+  const std::size_t found = text.find(mark);
+  return found == std::string_view::npos ? std::nullopt : std::optional(text.substr(found + mark.size()));
+}
+
+std::string_view trim_start(std::string_view text, std::string_view dropped) {
+  return text.substr(std::min(text.find_first_not_of(dropped), text.size()));
+}
+
+std::vector<std::string_view> pieces(std::string_view text, std::string_view separators) {
+  std::vector<std::string_view> found;
+  for (text = trim_start(text, separators); !text.empty(); text = trim_start(text, separators)) {
+    found.push_back(text.substr(0, text.find_first_of(separators)));
+    text.remove_prefix(found.back().size());
+  }
+  return found;
+}
+
+std::string_view take_line(std::string_view& rest, std::size_t max_bytes) {
+  const std::string_view within = rest.substr(0, max_bytes);
+  const std::size_t line_feed = within.find('\n');
+  const std::string_view line = within.substr(0, line_feed == std::string_view::npos ? line_feed : line_feed + 1);
+  rest.remove_prefix(line.size());
+  return line;
+}
+
+void for_each_line(std::string_view text, std::size_t size, const std::function<void(const std::string&)>& visit) {
+  while (!text.empty()) {
+    std::string_view line = take_line(text, size > 1 ? size - 1 : std::string_view::npos);
+    if (line.ends_with('\n')) line.remove_suffix(1);
+    visit(std::string(line));
+  }
+}
+
+std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
+  std::vector<std::string> lines;
+  for_each_line(text, size, [&lines](const std::string& line) { lines.push_back(line); });
+  return lines;
+}
+
 std::string_view cut_utf8(std::string_view text, std::size_t max_bytes) {
   constexpr std::size_t kLongestCharacter = 4;
   if (text.size() <= max_bytes) return text;

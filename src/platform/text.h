@@ -1,11 +1,36 @@
-// Pure functions on texts: bounds that respect characters, and what a text may hold.
+// Pure functions on texts: their parts, bounds that respect characters, and what a text may hold.
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace platform {
+
+// --- Parts. All are loans from the text.
+
+inline constexpr std::string_view kBlanks = " \t";
+
+bool holds(std::string_view text, std::string_view part);
+// What stands behind the first `mark`; nullopt when there is none.
+std::optional<std::string_view> behind(std::string_view text, std::string_view mark);
+// `text` without the `dropped` bytes that it begins with.
+std::string_view trim_start(std::string_view text, std::string_view dropped = kBlanks);
+// What stands between the `separators`, each a byte; empty pieces are left out.
+std::vector<std::string_view> pieces(std::string_view text, std::string_view separators = kBlanks);
+// Takes a line off the beginning of `rest`, with its line feed: of a longer one the first `max_bytes` (1 or more), as
+// fgets gives a reader with a buffer of one byte more. Empty when nothing is left.
+std::string_view take_line(std::string_view& rest, std::size_t max_bytes = std::string_view::npos);
+// The lines of `text`, without their line feeds. With size > 1 as fgets gives them to a reader with a buffer of `size`
+// bytes: a line of more than size - 1 bytes comes in pieces.
+std::vector<std::string> split_lines(std::string_view text, std::size_t size = 0);
+// The same, one at a time, for texts that may be long.
+void for_each_line(std::string_view text, std::size_t size, const std::function<void(const std::string&)>& visit);
+
+// --- Bounds and contents.
 
 // `text` cut to at most `max_bytes`, never inside a UTF-8 character: one that does not fit whole is left out. Bytes
 // that are no UTF-8 are cut anywhere.

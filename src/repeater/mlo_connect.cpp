@@ -8,6 +8,7 @@
 
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "repeater/interface_config.h"
 #include "repeater/network_config.h"
 #include "repeater/uci_commands.h"

@@ -48,15 +48,6 @@ constexpr std::array<Product, 4> kProducts{{
     {"HT Operation:", 4},
 }};
 
-bool holds(std::string_view line, std::string_view mark) { return line.find(mark) != std::string_view::npos; }
-
-// What follows the mark; nullopt when the line does not hold it.
-std::optional<std::string_view> after(std::string_view line, std::string_view mark) {
-  const std::size_t position = line.find(mark);
-  if (position == std::string_view::npos) return std::nullopt;
-  return line.substr(position + mark.size());
-}
-
 std::optional<float> parse_number(std::string_view text) {
   const std::string number(text);
   char* end = nullptr;
@@ -169,7 +160,7 @@ void ScanParser::start_block(std::string_view line) {
   seen_block_ = true;
   state_ = {};
   entry_.emplace();
-  if (const auto rest = after(line, " ")) {
+  if (const auto rest = platform::behind(line, " ")) {
     const std::size_t parenthesis = rest->find('(');
     const std::string_view bssid = rest->substr(0, parenthesis == std::string_view::npos ? kBssidMax : parenthesis);
     if (bssid.size() <= kBssidMax) entry_->set("bssid", std::string(bssid));
@@ -187,22 +178,22 @@ void ScanParser::finish_block() {
 
 void ScanParser::read_attribute(std::string_view line) {
   ScanSecurity& security = state_.security;
-  if (const auto signal = after(line, "signal:")) {
+  if (const auto signal = platform::behind(line, "signal:")) {
     read_signal(*signal);
-  } else if (const auto frequency = after(line, "freq:")) {
+  } else if (const auto frequency = platform::behind(line, "freq:")) {
     read_frequency(*frequency);
-  } else if (const auto ssid = after(line, "SSID:")) {
+  } else if (const auto ssid = platform::behind(line, "SSID:")) {
     read_ssid(*ssid);
-  } else if (holds(line, "RSN:")) {
+  } else if (platform::holds(line, "RSN:")) {
     security.rsn = security.encrypted = true;
-  } else if (holds(line, "WPA:")) {
+  } else if (platform::holds(line, "WPA:")) {
     security.wpa = security.encrypted = true;
-  } else if (holds(line, "Authentication suites:")) {
-    security.psk = security.psk || holds(line, "PSK");
-    security.sae = security.sae || holds(line, "SAE");
-  } else if (holds(line, "Group cipher:") || holds(line, "Pairwise ciphers:")) {
-    security.tkip = security.tkip || holds(line, "TKIP");
-    security.ccmp = security.ccmp || holds(line, "CCMP");
+  } else if (platform::holds(line, "Authentication suites:")) {
+    security.psk = security.psk || platform::holds(line, "PSK");
+    security.sae = security.sae || platform::holds(line, "SAE");
+  } else if (platform::holds(line, "Group cipher:") || platform::holds(line, "Pairwise ciphers:")) {
+    security.tkip = security.tkip || platform::holds(line, "TKIP");
+    security.ccmp = security.ccmp || platform::holds(line, "CCMP");
   }
   read_product(line);
 }
@@ -226,8 +217,7 @@ void ScanParser::read_frequency(std::string_view value) {
 
 // A hidden network has no SSID, or one of zero bytes.
 void ScanParser::read_ssid(std::string_view value) {
-  value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
-  std::string ssid = unescape_ssid(value);
+  std::string ssid = unescape_ssid(platform::trim_start(value, " "));
   ssid.resize(std::min(ssid.find('\0'), ssid.size()));
   ssid.resize(platform::cut_utf8(ssid, kSsidMax).size());
   if (ssid.empty()) return;
@@ -238,7 +228,7 @@ void ScanParser::read_ssid(std::string_view value) {
 // The first attribute line of a block decides.
 void ScanParser::read_product(std::string_view line) {
   if (entry_->has("wirelessProduct")) return;
-  const auto is_announced = [line](const Product& product) { return holds(line, product.mark); };
+  const auto is_announced = [line](const Product& product) { return platform::holds(line, product.mark); };
   const auto product = std::find_if(kProducts.begin(), kProducts.end(), is_announced);
   int generation = 4;
   if (product != kProducts.end()) {

@@ -7,6 +7,7 @@
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/stoppable_thread.h"
+#include "platform/text.h"
 #include "repeater/bands.h"
 #include "repeater/uci_commands.h"
 #include "system_helpers.h"

@@ -20,8 +20,7 @@ void overlay(std::array<char, kSize>& field, std::string_view text) {
 }
 
 std::string message_of(std::string_view rest) {
-  rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
-  return std::string(platform::cut_utf8(rest, kMessageMax));
+  return std::string(platform::cut_utf8(platform::trim_start(rest, " "), kMessageMax));
 }
 
 Split split_wireless(std::string_view line, LogFields& fields) {

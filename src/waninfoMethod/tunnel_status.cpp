@@ -37,17 +37,13 @@ bool is_list_of_ports(const Marker& marker) { return marker.field == &Ip4orip6In
 
 const Marker* find_marker(std::string_view line) {
   const auto row =
-      std::find_if(kMarkers.begin(), kMarkers.end(), [&](const Marker& m) { return line.find(m.text) != line.npos; });
+      std::find_if(kMarkers.begin(), kMarkers.end(), [&](const Marker& m) { return platform::holds(line, m.text); });
   return row == kMarkers.end() ? nullptr : &*row;
 }
 
 bool ends_list_of_ports(std::string_view line) {
   return std::any_of(kMarkers.begin(), kMarkers.end(),
-                     [&](const Marker& m) { return !is_list_of_ports(m) && line.find(m.text) != line.npos; });
-}
-
-std::string_view value_behind(const Marker& marker, std::string_view line) {
-  return line.substr(line.find(marker.text) + marker.text.size());
+                     [&](const Marker& m) { return !is_list_of_ports(m) && platform::holds(line, m.text); });
 }
 
 void append_bounded(std::string& field, std::string_view text, std::size_t size) {
@@ -63,7 +59,7 @@ Ip4orip6Info parse_tunnel_status(std::string_view output) {
     const Marker* marker = find_marker(lines[i]);
     if (marker == nullptr) continue;
     std::string& field = info.*(marker->field);
-    field = platform::cut_utf8(value_behind(*marker, lines[i]), marker->size - 1);
+    field = platform::cut_utf8(platform::behind(lines[i], marker->text).value_or(""), marker->size - 1);
     if (is_list_of_ports(*marker)) {
       for (++i; i < lines.size() && !ends_list_of_ports(lines[i]); ++i) append_bounded(field, lines[i], marker->size);
     }

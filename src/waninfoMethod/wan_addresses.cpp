@@ -31,21 +31,11 @@ constexpr std::array<AddressLine, 6> kAddressLines{{
     {"gatewayV6", &WanAddresses::ipv6_gateway, kIpv6Size, false},
 }};
 
-// Takes the next piece as fgets does, line feed included.
-std::string_view take_piece(std::string_view& rest) {
-  const std::size_t end = rest.find('\n');
-  const std::size_t line = end == std::string_view::npos ? rest.size() : end + 1;
-  const std::string_view piece = rest.substr(0, std::min(line, kLineSize - 1));
-  rest.remove_prefix(piece.size());
-  return piece;
-}
-
 // What stands behind the first `separator`, without the last byte; false when there is no separator.
-bool value_behind(std::string_view piece, char separator, std::string& value) {
-  const std::size_t found = piece.find(separator);
-  if (found == std::string_view::npos) return false;
-  value = piece.substr(found + 1);
-  if (!value.empty()) value.pop_back();
+bool value_behind(std::string_view piece, std::string_view separator, std::string& value) {
+  const std::optional<std::string_view> rest = platform::behind(piece, separator);
+  if (!rest) return false;
+  value = rest->substr(0, rest->empty() ? 0 : rest->size() - 1);
   return true;
 }
 
@@ -80,7 +70,7 @@ void fill_address(const AddressLine& line, std::string_view piece, WanAddresses&
   std::string& field = addresses.*(line.field);
   if (line.only_once && field != kNoAddress) return;
   std::string value;
-  if (value_behind(piece, ':', value)) field = platform::cut_utf8(value, line.size - 1);
+  if (value_behind(piece, ":", value)) field = platform::cut_utf8(value, line.size - 1);
 }
 
 }  // namespace
@@ -94,10 +84,10 @@ bool is_ipv4_address(const std::string& text, std::size_t length) {
 void read_address_lines(std::string_view content, WanAddresses& addresses) {
   NameServers servers(addresses);
   while (!content.empty()) {
-    const std::string_view piece = take_piece(content);
+    const std::string_view piece = platform::take_line(content, kLineSize - 1);
     std::string value;
     if (piece.starts_with("nameserver")) {
-      if (value_behind(piece, ' ', value)) servers.add(value);
+      if (value_behind(piece, " ", value)) servers.add(value);
       continue;
     }
     const auto line = std::find_if(kAddressLines.begin(), kAddressLines.end(),

@@ -3,7 +3,7 @@
 
 #include <cstdio>
 
-#include "platform/process.h"
+#include "platform/text.h"
 
 namespace iw {
 namespace {

@@ -12,6 +12,7 @@
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "uci_section.h"
 #include "unit/mesh.h"
 #include "wireless/iw_reading.h"

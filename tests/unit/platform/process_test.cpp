@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/text.h"
+
 namespace {
 
 using platform::run;
@@ -122,13 +124,6 @@ TEST(Run, RestoresTheCallersSignalMask) {
   sigset_t blocked;
   pthread_sigmask(SIG_BLOCK, nullptr, &blocked);
   EXPECT_EQ(sigismember(&blocked, SIGPIPE), 0);
-}
-
-TEST(SplitLines, CutsAtLineFeedsAndAtTheReadersBuffer) {
-  using Lines = std::vector<std::string>;
-  EXPECT_EQ(platform::split_lines(""), Lines{});
-  EXPECT_EQ(platform::split_lines("a\nb\r\n\nc"), (Lines{"a", "b\r", "", "c"}));
-  EXPECT_EQ(platform::split_lines("abcdef\ng", 4), (Lines{"abc", "def", "", "g"}));
 }
 
 }  // namespace

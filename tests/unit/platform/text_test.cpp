@@ -105,4 +105,47 @@ TEST(ParseDecimal, TakesWholeTextsAlone) {
   }
 }
 
+TEST(SplitLines, CutsAtLineFeedsAndAtTheReadersBuffer) {
+  using Lines = std::vector<std::string>;
+  EXPECT_EQ(platform::split_lines(""), Lines{});
+  EXPECT_EQ(platform::split_lines("a\nb\r\n\nc"), (Lines{"a", "b\r", "", "c"}));
+  EXPECT_EQ(platform::split_lines("abcdef\ng", 4), (Lines{"abc", "def", "", "g"}));
+}
+
+TEST(Behind, IsWhatFollowsTheFirstMark) {
+  EXPECT_EQ(platform::behind("key: a: b", ": "), "a: b");
+  EXPECT_EQ(platform::behind("key:", ":"), "");
+  EXPECT_EQ(platform::behind("key", ":"), std::nullopt);
+  EXPECT_TRUE(platform::holds("the key", "key"));
+  EXPECT_TRUE(platform::holds("", ""));
+  EXPECT_FALSE(platform::holds("ke", "key"));
+}
+
+TEST(TrimStart, DropsWhatTheTextBeginsWith) {
+  EXPECT_EQ(platform::trim_start(" \t a b "), "a b ");
+  EXPECT_EQ(platform::trim_start("\ta", " "), "\ta");
+  EXPECT_EQ(platform::trim_start("  "), "");
+  EXPECT_EQ(platform::trim_start(""), "");
+}
+
+TEST(Pieces, AreWhatStandsBetweenTheSeparators) {
+  const auto list = [](std::string_view text, std::string_view separators) {
+    const auto found = platform::pieces(text, separators);
+    return std::vector<std::string>(found.begin(), found.end());
+  };
+  EXPECT_EQ(list(" a  b\tc ", " \t"), (std::vector<std::string>{"a", "b", "c"}));
+  EXPECT_EQ(list(",1,,2", ","), (std::vector<std::string>{"1", "2"}));
+  EXPECT_EQ(list(" , ", ","), (std::vector<std::string>{" ", " "}));
+  EXPECT_TRUE(list("", ",").empty());
+  EXPECT_TRUE(list(",,", ",").empty());
+}
+
+TEST(TakeLine, GivesWhatFgetsGives) {
+  std::string_view rest = "ab\n\nabcd\nx";
+  for (const char* line : {"ab\n", "\n", "abc", "d\n", "x", ""}) EXPECT_EQ(platform::take_line(rest, 3), line);
+  rest = "one line\nrest";
+  EXPECT_EQ(platform::take_line(rest), "one line\n");
+  EXPECT_EQ(rest, "rest");
+}
+
 }  // namespace
