@@ -142,11 +142,9 @@ def test_the_root_keeps_the_machine_out(router):
 
 def test_waits_pass_at_once_and_are_kept_in_their_order(router):
     router.root.mount(os.environ["FAST_TIME_LIB"], "/router/fast_time.so")
-    script = "import time, os; time.sleep(60); os.system('logger x; sleep 3'); time.sleep(0.25)"
-    started = time.monotonic()
+    script = "import time, os; time.sleep(86400); os.system('logger x; sleep 3'); time.sleep(0.25)"
     router.run("python3", "-c", script, environment={"LD_PRELOAD": "/router/fast_time.so"})
-    assert time.monotonic() - started < 30
-    assert router.commands() == ["sleep 60", "logger x", "sleep 3", "sleep 0.25"]
+    assert router.commands() == ["sleep 86400", "logger x", "sleep 3", "sleep 0.25"]
 
 
 def test_loads_and_commits_of_packages_are_kept(router):

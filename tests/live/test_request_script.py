@@ -14,7 +14,7 @@ PASS_THROUGH = "/api/v1/security/passthrough"
 
 
 def request(*arguments):
-    return subprocess.run([SCRIPT, *map(str, arguments)], capture_output=True, text=True, timeout=90, stdin=subprocess.DEVNULL)
+    return subprocess.run([SCRIPT, *map(str, arguments)], capture_output=True, text=True, timeout=300, stdin=subprocess.DEVNULL)
 
 
 def test_a_trace_tells_the_tools_and_the_packages_once_the_router_is_quiet(live):

@@ -2,7 +2,7 @@
 
 import time
 
-DEADLINE_S = 60.0  # only a failure takes so long
+DEADLINE_S = 180.0  # only a failure takes so long
 
 
 def wait_until(condition, what="it"):

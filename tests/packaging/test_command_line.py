@@ -11,7 +11,7 @@ SOURCES = Path(__file__).resolve().parents[2]
 
 
 def run(*options):
-    return subprocess.run([os.environ["ROUTER_API_BIN"], *options], capture_output=True, text=True, timeout=20,
+    return subprocess.run([os.environ["ROUTER_API_BIN"], *options], capture_output=True, text=True, timeout=120,
                           stdin=subprocess.DEVNULL)
 
 
