@@ -23,7 +23,7 @@ from .units import LASTING, Unit, first_documents, get_routes, post_routes
 
 NAME = "faults"
 HELP = "writes, forks, memory and more that fail, full disks, kills at any instant"
-SHORT = {"count": 120}
+SHORT = None  # minutes: by itself or in the long form
 
 # As faults.cpp numbers them.
 KINDS = ("none", "write", "fsync", "rename", "open", "fork", "spawn", "pipe", "memory")

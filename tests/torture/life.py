@@ -21,7 +21,7 @@ from .units import Unit, first_documents, get_routes
 
 NAME = "life"
 HELP = "100,000 mixed requests, 64 clients at once through the web server, clients that leave; nothing grows"
-SHORT = {"count": 240}
+SHORT = None  # minutes: by itself or in the long form
 
 WHOLE = 100_000
 CLIENTS = 64
