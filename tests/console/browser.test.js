@@ -257,7 +257,12 @@ const LOOKS = [[1440, 'light', VIEWS], [360, 'dark', VIEWS], [360, 'light', SOME
 for (const [width, colorScheme, views] of LOOKS) {
   withPage(`axe-core finds nothing at ${width} px, ${colorScheme}, and nothing is wider than the page`, 'controller', '', async (page) => {
     for (const view of views) {
-      await page.evaluate((hash) => { location.hash = hash; }, view);
+      await page.evaluate((hash) => new Promise((shown) => {
+        if (location.hash === hash) shown();
+        addEventListener('hashchange', () => shown(), { once: true });  // behind the console's own
+        location.hash = hash;
+      }), view);
+      await page.locator('h1').first().waitFor();  // a view is drawn when it has been read
       if (view === '#/mesh') await settled(page);
       if (view.includes('/lan')) {
         await page.locator('[data-name=lanIpv4Address] input').fill('192.168.');
