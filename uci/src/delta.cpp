@@ -7,6 +7,7 @@
 
 #include "edit.h"
 #include "package_parser.h"
+#include "section_index.h"
 #include "text.h"
 #include "tuple.h"
 #include "words.h"
@@ -55,11 +56,7 @@ std::optional<Record> parse_record(std::string& text, std::string_view package) 
 
 // The functions below apply a record; false when what it names is gone.
 
-bool remove(uci_section& section, const Record& record) {
-  if (record.option == nullptr) {
-    free_section(&section);
-    return true;
-  }
+bool remove_from_section(uci_section& section, const Record& record) {
   uci_option* option = find_option(section, record.option);
   if (option == nullptr) return false;
   const bool is_item = option->type == UCI_TYPE_LIST && record.value != nullptr && *record.value != '\0';
@@ -72,13 +69,7 @@ bool remove(uci_section& section, const Record& record) {
   return true;
 }
 
-bool apply_rename(uci_section& section, const Record& record) {
-  if (record.option == nullptr) {
-    if (!may_be_named(section, record.value)) return false;
-    rename(section, record.value);
-    section.anonymous = false;
-    return true;
-  }
+bool rename_option(uci_section& section, const Record& record) {
   uci_option* option = find_option(section, record.option);
   if (option != nullptr) rename(*option, record.value);
   return option != nullptr;
@@ -91,17 +82,14 @@ bool remove_from_list(uci_section& section, const Record& record) {
   return true;
 }
 
-bool apply_to_section(uci_section& section, const Record& record) {
+bool apply_to_option(uci_section& section, const Record& record) {
   switch (record.command) {
     case UCI_CMD_REMOVE:
-      return remove(section, record);
+      return remove_from_section(section, record);
     case UCI_CMD_RENAME:
-      return apply_rename(section, record);
+      return rename_option(section, record);
     case UCI_CMD_LIST_DEL:
       return remove_from_list(section, record);
-    case UCI_CMD_REORDER:
-      move_section(section, std::atoi(record.value));
-      return true;
     case UCI_CMD_LIST_ADD:
       add_item(section, record.option, record.value);
       return true;
@@ -111,18 +99,63 @@ bool apply_to_section(uci_section& section, const Record& record) {
   }
 }
 
-bool apply(uci_package& package, const Record& record) {
-  const bool sets = record.command == UCI_CMD_CHANGE || record.command == UCI_CMD_ADD;
-  if (sets && *record.value == '\0') return apply(package, {UCI_CMD_REMOVE, record.section, record.option, nullptr});
-  if (sets && record.option == nullptr) {
+class Application {
+ public:
+  explicit Application(uci_package& package) : package_(package), sections_(package) {}
+
+  bool apply(const Record& record) {
+    const bool sets = record.command == UCI_CMD_CHANGE || record.command == UCI_CMD_ADD;
+    if (sets && *record.value == '\0') return apply({UCI_CMD_REMOVE, record.section, record.option, nullptr});
+    if (sets && record.option == nullptr) return set_section(record);
+    uci_section* section = sections_.find(record.section);
+    if (section == nullptr) return false;
+    return record.option != nullptr ? apply_to_option(*section, record) : apply_to_section(*section, record);
+  }
+
+ private:
+  bool set_section(const Record& record) {
     if (!is_type(record.value)) return false;
-    uci_section* section = set_section(package, record.section, record.value);
+    uci_section* section = sections_.find(record.section);
+    if (section == nullptr) {
+      section = new_section(package_, record.value, record.section);
+      sections_.add(*section);
+    } else {
+      set_type(*section, record.value);
+    }
     if (record.command == UCI_CMD_ADD) section->anonymous = true;
     return true;
   }
-  uci_section* section = find_section(package, record.section);
-  return section != nullptr && apply_to_section(*section, record);
-}
+
+  // A removal, a new name or a new place.
+  bool apply_to_section(uci_section& section, const Record& record) {
+    if (record.command == UCI_CMD_RENAME) return rename_section(section, record.value);
+    if (record.command == UCI_CMD_REORDER) {
+      move_section(section, std::atoi(record.value));
+      sections_.forget();
+      return true;
+    }
+    sections_.remove(section);
+    free_section(&section);
+    return true;
+  }
+
+  bool rename_section(uci_section& section, const char* name) {
+    const uci_section* namesake = sections_.find(name);
+    if (!may_share_name(section, namesake)) return false;
+    sections_.remove(section);
+    rename(section, name);
+    section.anonymous = false;
+    if (namesake == nullptr) {
+      sections_.add(section);
+    } else {
+      sections_.forget();
+    }
+    return true;
+  }
+
+  uci_package& package_;
+  SectionIndex sections_;
+};
 
 }  // namespace
 
@@ -156,10 +189,11 @@ void read_records(LineSource& lines, std::string_view package, const std::functi
 
 int apply_records(LineSource& lines, uci_package& package) {
   const bool note = (package.ctx->flags & UCI_FLAG_SAVED_DELTA) != 0;
+  Application application(package);
   int applied = 0;
   read_records(lines, package.e.name, [&](const Record& record) {
     if (note) append(package.saved_delta, make_delta(record.command, record.section, record.option, record.value));
-    if (apply(package, record)) ++applied;
+    if (application.apply(record)) ++applied;
   });
   return applied;
 }

@@ -123,7 +123,12 @@ void set_section_type(uci_ptr& ptr) {
   require(is_type(ptr.value), UCI_ERR_INVAL);
   if (ptr.s != nullptr && std::strcmp(ptr.s->type, ptr.value) == 0) return;
   Note note(*ptr.p, UCI_CMD_CHANGE, ptr.section, nullptr, ptr.value);
-  ptr.s = set_section(*ptr.p, ptr.section, ptr.value);
+  ptr.s = find_section(*ptr.p, ptr.section);
+  if (ptr.s == nullptr) {
+    ptr.s = new_section(*ptr.p, ptr.value, ptr.section);
+  } else {
+    set_type(*ptr.s, ptr.value);
+  }
   note.keep();
 }
 
@@ -144,13 +149,10 @@ uci_option* set_string(uci_section& section, const char* name, std::string_view 
   return option;
 }
 
-uci_section* set_section(uci_package& package, const char* name, std::string_view type) {
-  uci_section* section = find_section(package, name);
-  if (section == nullptr) return new_section(package, type, name);
-  const bool same_length = std::strlen(section->type) == type.size();
-  retype(*section, type);
-  if (!same_length) section->anonymous = false;
-  return section;
+void set_type(uci_section& section, std::string_view type) {
+  const bool same_length = std::strlen(section.type) == type.size();
+  retype(section, type);
+  if (!same_length) section.anonymous = false;
 }
 
 void remove_items(uci_option& option, std::string_view value) {
@@ -169,8 +171,7 @@ uci_element* item_at(uci_option& option, int index) {
   return nullptr;
 }
 
-bool may_be_named(const uci_section& section, const char* name) {
-  const uci_section* other = find_section(*section.package, name);
+bool may_share_name(const uci_section& section, const uci_section* other) {
   return other == nullptr || other == &section || std::strcmp(other->type, section.type) == 0;
 }
 
@@ -250,7 +251,8 @@ int uci_rename(uci_context* ctx, uci_ptr* ptr) {
     uci::require((ptr->flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0, UCI_ERR_NOTFOUND);
     uci::require(ptr->value != nullptr && ptr->s != nullptr, UCI_ERR_INVAL);
     uci::require(ptr->p->has_delta || uci::is_name(ptr->value), UCI_ERR_INVAL);
-    uci::require(ptr->o != nullptr || uci::may_be_named(*ptr->s, ptr->value), UCI_ERR_DUPLICATE);
+    const uci_section* namesake = uci::find_section(*ptr->p, ptr->value);
+    uci::require(ptr->o != nullptr || uci::may_share_name(*ptr->s, namesake), UCI_ERR_DUPLICATE);
     uci::Note note(*ptr->p, UCI_CMD_RENAME, ptr->s->e.name, ptr->o != nullptr ? ptr->o->e.name : nullptr, ptr->value);
     if (ptr->o != nullptr) {
       uci::rename(*ptr->o, ptr->value);

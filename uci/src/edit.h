@@ -9,14 +9,15 @@ namespace uci {
 uci_section* add_named_section(uci_package& package, const char* name, const char* type);
 // The option, made or replaced in its place.
 uci_option* set_string(uci_section& section, const char* name, std::string_view value);
-// The named section, made or retyped.
-uci_section* set_section(uci_package& package, const char* name, std::string_view type);
+// Gives the section another type, as setting one does.
+void set_type(uci_section& section, std::string_view type);
 // Removes every item equal to `value`.
 void remove_items(uci_option& option, std::string_view value);
 // The item of that index, or nullptr.
 uci_element* item_at(uci_option& option, int index);
-// False when a section of another type has this name: a file that held both could not be read again.
-bool may_be_named(const uci_section& section, const char* name);
+// False when `other`, which has the name that the section shall get, is of another type: a file that held both could
+// not be read again. nullptr: nobody has it.
+bool may_share_name(const uci_section& section, const uci_section* other);
 // Puts the section before the one that then has this index. False when it stood there already.
 bool move_section(uci_section& section, int index);
 
