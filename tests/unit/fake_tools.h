@@ -1,0 +1,76 @@
+// Tools of a test's own in the places of the platform's. Each tells how it is called before it does what it is to do.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <fcntl.h>
+#include <filesystem>
+#include <poll.h>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "platform/file.h"
+
+// They are found from provide() to this object's end, before any other of their names. One object at a time.
+class FakeTools {
+ public:
+  FakeTools() {
+    std::filesystem::remove(kPipe);
+    // Open for writing, too: no tool waits for a reader, and no reader sees an end.
+    if (mkfifo(kPipe, 0600) == 0) pipe_ = open(kPipe, O_RDWR | O_NONBLOCK | O_CLOEXEC);
+  }
+  FakeTools(const FakeTools&) = delete;
+  FakeTools& operator=(const FakeTools&) = delete;
+  ~FakeTools() {
+    close(pipe_);
+    for (const std::string& place : places_) std::filesystem::remove(place);
+    std::filesystem::remove(kPipe);
+  }
+
+  // `tool`: a name, or the path that the tool is called by. `script`: of the shell.
+  void provide(const std::string& tool, const std::string& script = "") {
+    const std::string place = tool.starts_with('/') ? tool : "/router/bin/" + tool;
+    std::filesystem::create_directories(std::filesystem::path(place).parent_path());
+    const std::string tell = "printf '%s\\n' \"" + tool + "${*:+ $*}\" >" + kPipe;
+    ASSERT_TRUE(platform::write_file(place.c_str(), "#!/bin/sh\n" + tell + "\n" + script + "\n"));
+    std::filesystem::permissions(place, std::filesystem::perms::owner_all);
+    places_.push_back(place);
+  }
+  // One that prints these lines.
+  void answer(const std::string& tool, const std::string& lines) {
+    provide(tool, "cat <<'END_OF_ANSWER'\n" + lines + (lines.ends_with('\n') ? "" : "\n") + "END_OF_ANSWER");
+  }
+
+  // "tool argument argument" of each call since the last look, in their order.
+  std::vector<std::string> calls() {
+    std::array<char, 4096> piece{};
+    for (ssize_t got = read(pipe_, piece.data(), piece.size()); got > 0; got = read(pipe_, piece.data(), piece.size()))
+      unread_.append(piece.data(), static_cast<std::size_t>(got));
+    std::vector<std::string> lines;
+    for (std::size_t end = unread_.find('\n'); end != std::string::npos; end = unread_.find('\n')) {
+      lines.push_back(unread_.substr(0, end));
+      unread_.erase(0, end + 1);
+    }
+    return lines;
+  }
+  // The next calls, of a thread or daemon that may not have come to them yet: as soon as there are any. None only after
+  // a minute in which there was none.
+  std::vector<std::string> awaited_calls() {
+    constexpr int kMinuteMs = 60'000;
+    pollfd readable{.fd = pipe_, .events = POLLIN, .revents = 0};
+    poll(&readable, 1, kMinuteMs);
+    return calls();
+  }
+
+ private:
+  static constexpr const char* kPipe = "/tmp/fake_tools.calls";
+  int pipe_ = -1;
+  std::string unread_;
+  std::vector<std::string> places_;
+};
