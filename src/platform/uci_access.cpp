@@ -10,6 +10,7 @@
 #include <uci.h>
 
 #include "platform/log.h"
+#include "platform/section_cursor.h"
 #include "platform/text.h"
 #include "platform/uci_session.h"
 
@@ -46,6 +47,7 @@ class CallSession {
     if (platform::UciSession::current() == nullptr) own_.emplace();
   }
   platform::UciSession* operator->() const { return platform::UciSession::current(); }
+  platform::UciSession& operator*() const { return *platform::UciSession::current(); }
 
  private:
   std::optional<platform::UciSession> own_;
@@ -63,6 +65,22 @@ uci_package* load(uci_context* context, const char* package) {
   return uci_lookup_ptr(context, &found, address.data(), true) == UCI_OK ? found.p : nullptr;
 }
 
+// The same without a walk through the package, where the section is a position and the address is whole. `option` is
+// nullptr where the section itself is looked up.
+bool look_up_to_read(platform::UciSession& session, uci_context* context, Address& address, uci_ptr& found,
+                     const char* package, const char* section, const char* option) {
+  const auto position = platform::SectionPosition::parse(text_or_empty(section));
+  const bool is_whole = address.shown.size() < kUciAddressMax && (option == nullptr || *option != '\0');
+  if (!position || !is_whole) return look_up(context, address, found);
+  uci_package* const loaded = load(context, package);
+  uci_section* const known = loaded == nullptr ? nullptr : session.cursor().find(*loaded, *position);
+  if (known == nullptr) return look_up(context, address, found);
+  found.p = loaded;
+  found.s = known;
+  found.option = option;
+  return uci_lookup_ptr(context, &found, nullptr, true) == UCI_OK;
+}
+
 bool is_complete(const uci_ptr& found) { return (found.flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0; }
 
 // The steps that every wrapper begins with; they return from it on failure. Every message carries the name and line of
@@ -74,12 +92,17 @@ bool is_complete(const uci_ptr& found) { return (found.flags & uci_ptr::UCI_LOOK
     log_error("alloc uci context failed");                                            \
     return kFailure;                                                                  \
   }
-#define LOOK_UP(address)                                             \
-  uci_ptr found{};                                                   \
-  if (!look_up(context, address, found)) {                           \
+#define REQUIRE_FOUND(is_found, address)                             \
+  if (!(is_found)) {                                                 \
     log_error("uci_lookup_ptr %s failed.", (address).shown.c_str()); \
     return kFailure;                                                 \
   }
+#define LOOK_UP(address) \
+  uci_ptr found{};       \
+  REQUIRE_FOUND(look_up(context, address, found), address)
+#define LOOK_UP_TO_READ(address, package, section, option) \
+  uci_ptr found{};                                         \
+  REQUIRE_FOUND(look_up_to_read(*session, context, address, found, package, section, option), address)
 // A commit that fails later is told in the log alone: the change itself was made.
 #define MARK_CHANGED(package) session->mark_changed(package, __func__, __LINE__)
 
@@ -88,7 +111,7 @@ bool is_complete(const uci_ptr& found) { return (found.flags & uci_ptr::UCI_LOOK
 unsigned int UciCheckSection(const char* confdir, const char* package, const char* section) {
   OPEN_CONTEXT(confdir, package)
   Address address({package, section});
-  LOOK_UP(address)
+  LOOK_UP_TO_READ(address, package, section, nullptr)
   if (is_complete(found)) return kSuccess;
   log_error("find tuple failed.");
   return kFailure;
@@ -148,7 +171,7 @@ unsigned int UciGetOption(const char* confdir, const char* package, const char* 
                           std::size_t size) {
   OPEN_CONTEXT(confdir, package)
   Address address({package, section, option});
-  LOOK_UP(address)
+  LOOK_UP_TO_READ(address, package, section, text_or_empty(option))
   if (!is_complete(found) || found.o == nullptr || found.o->type != UCI_TYPE_STRING) {
     log_error("find tuple %s.%s.%s failed.", text_or_empty(package), text_or_empty(section), text_or_empty(option));
     return kFailure;
@@ -199,7 +222,7 @@ unsigned int UciGetlist(const char* confdir, const char* package, const char* se
                         std::size_t element_size, std::size_t max_count, std::size_t* count) {
   OPEN_CONTEXT(confdir, package)
   Address address({package, section, option});
-  LOOK_UP(address)
+  LOOK_UP_TO_READ(address, package, section, text_or_empty(option))
   if (!is_complete(found) || found.o == nullptr) {
     log_error("find tuple %s.%s.%s failed.", text_or_empty(package), text_or_empty(section), text_or_empty(option));
     return kFailure;

@@ -98,17 +98,19 @@ class UciFolder {
   [[nodiscard]] uci_context* context() const { return context_.get(); }
 
   // Drops `package` if it is loaded and no longer what its files hold; notes their state if it is about to be loaded.
-  void refresh(const char* package, unsigned int starts) {
+  // False when it dropped it.
+  bool refresh(const char* package, unsigned int starts) {
     const bool is_loaded = find_loaded(context(), package) != nullptr;
     Reading& reading = reading_of(package);
-    if (is_loaded && reading.starts == starts) return;
+    if (is_loaded && reading.starts == starts) return true;
     const Reading now = take(package, starts);
     if (is_loaded && now.has_states_of(reading) && !is_fresh_from_the_pen(reading)) {
       reading.starts = starts;
-      return;
+      return true;
     }
     if (is_loaded) unload(context(), package);
     reading = now;
+    return !is_loaded;
   }
 
  private:
@@ -157,17 +159,19 @@ uci_context* UciSession::context_for(const char* confdir, const char* package) {
   while (folder_name.size() > 1 && folder_name.ends_with('/')) folder_name.pop_back();
   if (folder_name == UCI_CONFDIR) folder_name.clear();
   UciFolder* folder = folder_of(folder_name);
-  if (folder->context() != nullptr) folder->refresh(package, starts_);
+  if (folder->context() != nullptr && !folder->refresh(package, starts_)) cursor_.forget();
   return folder->context();
 }
 
 void UciSession::mark_changed(uci_package* package, const char* function, int line) {
+  cursor_.forget();
   const std::string name = package->e.name;
   const auto is_this = [&](const Change& change) { return change.context == package->ctx && change.package == name; };
   if (std::ranges::none_of(changes_, is_this)) changes_.push_back({package->ctx, name, function, line});
 }
 
 void UciSession::commit() {
+  if (!changes_.empty()) cursor_.forget();
   for (const Change& change : std::exchange(changes_, {})) {
     uci_package* loaded = find_loaded(change.context, change.package.c_str());
     if (loaded == nullptr) continue;
@@ -186,6 +190,7 @@ void UciSession::settle() {
 
 void UciSession::release() {
   commit();
+  cursor_.forget();
   folders_.clear();
 }
 

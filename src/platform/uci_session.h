@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/section_cursor.h"
+
 struct uci_context;
 struct uci_package;
 
@@ -35,6 +37,9 @@ class UciSession {
   // date. nullptr when memory ends. A loan until the next call.
   uci_context* context_for(const char* confdir, const char* package);
 
+  // For reading by position: follows the loaded packages.
+  SectionCursor& cursor() { return cursor_; }
+
   // Remembers that the loaded `package` was changed, by the wrapper `function` at `line`, which a failed commit's
   // message names.
   void mark_changed(uci_package* package, const char* function, int line);
@@ -58,6 +63,7 @@ class UciSession {
   UciSession* outer_;
   std::vector<std::unique_ptr<UciFolder>> folders_;
   std::vector<Change> changes_;
+  SectionCursor cursor_;
   unsigned int starts_ = 0;  // children, daemons and threads since the session began
 };
 
