@@ -2,7 +2,9 @@
 
 import json
 import os
+import pty
 import re
+import shutil
 import subprocess
 from pathlib import Path
 
@@ -48,13 +50,16 @@ def test_a_router_that_does_not_tell_is_asked_all_the_same_but_not_traced(live):
     assert done.returncode == 2 and "only a simulated router tells" in done.stderr
 
 
-@pytest.mark.parametrize("words, completed", [
+completions = pytest.mark.parametrize("words, completed", [
     (["PO"], ["POST"]),
     (["POST", "/api/v1/la"], ["/api/v1/lan"]),
     (["GET", "/api/v1/reb"], []),
     (["--trace", "POST", "/api/v1/reb"], ["/api/v1/reboot"]),
     (["--tr"], ["--trace"]),
 ])
+
+
+@completions
 def test_bash_completes_methods_options_and_the_methods_routes(words, completed):
     line = " ".join(["script/request", *words])
     done = subprocess.run(["bash", "--norc", "-c", f'eval "$({SCRIPT} --completion bash)"\nCOMP_WORDS=({line}); '
@@ -62,6 +67,43 @@ def test_bash_completes_methods_options_and_the_methods_routes(words, completed)
                           capture_output=True, text=True, env={**os.environ, "LC_ALL": "C"})
     assert (done.returncode, done.stderr) == (0, "")
     assert done.stdout.split() == completed
+
+
+# A key tells the line as it stands, and ends the shell.
+ZSHRC = f"""
+PS1= PS2= PROMPT_EOL_MARK=
+autoload -Uz compinit && compinit -D -u
+eval "$({SCRIPT} --completion zsh)"
+told() {{ print -r -- "<$BUFFER>"; exit }}
+zle -N told && bindkey '^T' told
+"""
+
+
+def zsh_line(folder: Path, typed: str) -> str:
+    """What stands in the line of a zsh in a terminal after `typed` and the tab key."""
+    (folder / ".zshrc").write_text(ZSHRC)
+    child, terminal = pty.fork()
+    if child == 0:
+        environment = {**os.environ, "ZDOTDIR": str(folder), "TERM": "dumb", "LC_ALL": "C"}
+        os.execvpe("timeout", ["timeout", "--foreground", "120", "zsh", "-d", "-i"], environment)
+    os.write(terminal, f"{typed}\t\x14".encode())
+    shown = b""
+    try:
+        while more := os.read(terminal, 4096):
+            shown += more
+    except OSError:
+        pass  # the shell closed its side
+    os.close(terminal)
+    assert os.waitpid(child, 0)[1] == 0
+    return re.findall(r"<(.*)>", shown.decode())[-1]
+
+
+@pytest.mark.skipif(shutil.which("zsh") is None and os.environ.get("CONSOLE_TESTS") != "needed",
+                    reason="no zsh: script/setup --console installs it")
+@completions
+def test_zsh_completes_the_same_in_a_terminal(words, completed, tmp_path):
+    whole = ["script/request", *words[:-1], *(completed or words[-1:])]
+    assert zsh_line(tmp_path, " ".join(["script/request", *words])).rstrip() == " ".join(whole)
 
 
 def test_zsh_gets_the_same_routes():
