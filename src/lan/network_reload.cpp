@@ -12,6 +12,12 @@ namespace {
 constexpr const char* kResolvConf = "/tmp/resolv.conf.auto";
 constexpr const char* kResolvConfBackup = "/tmp/resolv.conf.auto.bak";
 
+// False when something stays at `path` through which cp would write somewhere else: a link, a folder with one. What is
+// not there cp makes anew.
+bool make_way_for(const char* path) {
+  return platform::is_own_file(path) || platform::remove_file(path) || !platform::file_exists(path);
+}
+
 void reload_network() {
   platform::sleep_seconds(2);
   os_system("/etc/init.d/globalip start");
@@ -32,11 +38,13 @@ int check_and_restore_dns() {
     return 0;
   }
   log_debug("[%s] is null,ready restore", kResolvConf);
-  if (!platform::file_exists(kResolvConfBackup)) {
+  // Anybody can put a link below /tmp: one in the backup's place would publish any file of root's.
+  if (!platform::is_own_file(kResolvConfBackup)) {
     log_debug(" [%s] not exist", kResolvConfBackup);
     return 1;
   }
-  const bool restored = os_system(std::string("cp ") + kResolvConfBackup + ' ' + kResolvConf) == 1;
+  const bool restored =
+      make_way_for(kResolvConf) && os_system(std::string("cp ") + kResolvConfBackup + ' ' + kResolvConf) == 1;
   log_debug("%s", restored ? "DNS restore success" : "DNS restore fail");
   return restored ? 0 : 1;
 }

@@ -34,6 +34,36 @@ UniqueFd open_at_once(const char* path, int flags, mode_t mode = 0) {
   return file;
 }
 
+// Not a link's target, not somebody else's file, and no second name of one.
+bool is_ours(int descriptor) {
+  struct stat status {};
+  return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
+         status.st_nlink == 1;
+}
+
+UniqueFd open_ours(const char* path, int flags) {
+  UniqueFd file(open(path, flags | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (file.valid() && !is_ours(file.get())) {
+    file.reset();
+    errno = EPERM;
+  }
+  return file;
+}
+
+std::optional<std::string> read_all(const UniqueFd& file, std::size_t max_bytes) {
+  if (!file.valid()) return std::nullopt;
+  std::string content;
+  std::array<char, 16384> piece;
+  while (content.size() < max_bytes) {
+    const ssize_t got = read(file.get(), piece.data(), std::min(piece.size(), max_bytes - content.size()));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return std::nullopt;
+    if (got == 0) break;
+    content.append(piece.data(), static_cast<std::size_t>(got));
+  }
+  return content;
+}
+
 int flags_of(std::string_view mode) {
   if (mode == "r") return O_RDONLY;
   return O_WRONLY | O_CREAT | (mode == "a" ? O_APPEND : O_TRUNC);
@@ -61,19 +91,14 @@ void UniqueFd::reset(int descriptor) {
 }
 
 std::optional<std::string> read_file(const char* path, std::size_t max_bytes) {
-  const UniqueFd file = open_at_once(path, O_RDONLY);
-  if (!file.valid()) return std::nullopt;
-  std::string content;
-  std::array<char, 16384> piece;
-  while (content.size() < max_bytes) {
-    const ssize_t got = read(file.get(), piece.data(), std::min(piece.size(), max_bytes - content.size()));
-    if (got < 0 && errno == EINTR) continue;
-    if (got < 0) return std::nullopt;
-    if (got == 0) break;
-    content.append(piece.data(), static_cast<std::size_t>(got));
-  }
-  return content;
+  return read_all(open_at_once(path, O_RDONLY), max_bytes);
 }
+
+std::optional<std::string> read_own_file(const char* path, std::size_t max_bytes) {
+  return read_all(open_ours(path, O_RDONLY), max_bytes);
+}
+
+bool is_own_file(const char* path) { return open_ours(path, O_RDONLY).valid(); }
 
 bool write_file(const char* path, std::string_view content, unsigned int mode) {
   UniqueFd file(open(path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
@@ -116,13 +141,8 @@ UniqueFd create_private_file(const std::string& path) {
 }
 
 UniqueFd append_private_file(const std::string& path) {
-  UniqueFd file(open(path.c_str(), O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-  struct stat status {};
-  if (file.valid() && fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
-      status.st_nlink == 1) {
-    return file;
-  }
-  return create_private_file(path);
+  UniqueFd file = open_ours(path.c_str(), O_WRONLY | O_APPEND);
+  return file.valid() ? std::move(file) : create_private_file(path);
 }
 
 UniqueFd open_existing_for_writing(const char* path) { return open_at_once(path, O_WRONLY); }

@@ -41,6 +41,13 @@ class UniqueFd {
 // The whole file, or nullopt when it is a FIFO or cannot be opened or read. At most `max_bytes` are read.
 std::optional<std::string> read_file(const char* path, std::size_t max_bytes = static_cast<std::size_t>(-1));
 
+// As read_file, of a file of our own only: nullopt, with errno EPERM or ELOOP, for a link, somebody else's file, a
+// second name of a file. What others may put into /tmp is then no message of a tool that we started.
+std::optional<std::string> read_own_file(const char* path, std::size_t max_bytes = static_cast<std::size_t>(-1));
+
+// Whether read_own_file could read it. In a sticky folder such as /tmp nobody but us can then put something else there.
+bool is_own_file(const char* path);
+
 // Replaces the content of the file (made with `mode`, whatever the umask, when missing). False, with errno, on any
 // failed step.
 bool write_file(const char* path, std::string_view content, unsigned int mode = 0644);

@@ -19,7 +19,6 @@ namespace {
 constexpr std::string_view kResultNotVerified = R"({"result": 3})";
 // The key is spelled so, and kept as it is.
 constexpr std::string_view kResultInstalling = R"({"result": 0, "version": 1, "waitTime": 300, "Massage": ""})";
-constexpr const char* kVerifyResultPath = "/tmp/Download_Verify_Result";
 
 // False when not all of the upload arrived, or it cannot be stored.
 bool store_image(const RawBody& body) {
@@ -30,15 +29,15 @@ bool store_image(const RawBody& body) {
 }
 
 bool verify_upload(const brands::Brand& brand) {
-  platform::remove_file(kVerifyResultPath);  // an earlier image's verification says nothing of this one
+  forget_verdict();
   os_system("/usr/sbin/tesmirupg.sh");
   os_system(brand.update_tool.verify);
   if (!brands::is_known(brand)) {
     log_error("unknown device id\n");
     return false;
   }
-  std::string verdict;
-  if (getFileInfo(kVerifyResultPath, &verdict, 64) == 0 && without_line_end(verdict) == "Verify Success") return true;
+  const std::string verdict = read_verdict().value_or("");
+  if (without_line_end(verdict.substr(0, verdict.find('\n'))) == "Verify Success") return true;
   log_error("verification failed\n");
   return false;
 }

@@ -33,8 +33,13 @@ int check_update_status(int& status) {
   return 0;
 }
 
+void forget_verdict() { platform::remove_file(kVerifyResultPath); }
+
+// The tool runs as the user that we are; what anybody else has put there is no verdict of its.
+std::optional<std::string> read_verdict() { return platform::read_own_file(kVerifyResultPath); }
+
 int check_download_fw_res(int& status) {
-  const std::optional<std::string> text = platform::read_file(kVerifyResultPath);
+  const std::optional<std::string> text = read_verdict();
   if (!text) {
     log_error("fopen failed\n");
     return 1;
@@ -48,7 +53,7 @@ void exec_automatic_download_and_verify(int brand_index) {
   constexpr int kAttempts = 3;
   const brands::Brand& brand = brands::of_index(brand_index);
   platform::remove_file(kFirmwarePath);
-  platform::remove_file(kVerifyResultPath);  // an earlier image's verification says nothing of this one
+  forget_verdict();
   for (int attempt = 0; attempt < kAttempts && !platform::file_exists(kFirmwarePath); ++attempt) {
     if (brands::is_known(brand)) {
       os_system(brand.update_tool.download);

@@ -2,6 +2,7 @@
 // through files.
 #pragma once
 
+#include <optional>
 #include <string>
 
 inline constexpr const char* kFirmwarePath = "/tmp/firmware.bin";
@@ -11,6 +12,10 @@ int count_running_tools(std::string& count);
 
 // 0 and the last check's status (1: a newer version is available), or 1 when there is none.
 int check_update_status(int& status);
+// An earlier image's verification says nothing of the next one.
+void forget_verdict();
+// What the last verification wrote; nullopt when there is nothing, or nothing that the tool can have written.
+std::optional<std::string> read_verdict();
 // 0 and the last verification's outcome (0 good, -1 bad), or 1 when there is none.
 int check_download_fw_res(int& status);
 

@@ -58,6 +58,15 @@ def test_an_earlier_verdict_does_not_count(router):
     assert upload(router).body == b'{"result": 3}'
 
 
+def test_a_verdict_behind_a_planted_link_does_not_count(router):
+    """Put there while the tool works: what the link points to is anybody's to write."""
+    router.write("/tmp/planted", "Verify Success\n")
+    router.remove(tool_of("orvane"))
+    router.write("/usr/sbin/orvanehota", f"#!/bin/sh\nln -sf /tmp/planted {VERDICT}\n", 0o755)
+    assert upload(router).body == b'{"result": 3}'
+    assert not router.exists(FILE)
+
+
 def test_an_unknown_brand_installs_nothing(router):
     router.brand("0999")
     verifies(router, "tesmir")

@@ -1,5 +1,7 @@
 """The network reload behind POST /api/v1/lan: its chain, its name servers, and what it does to the program."""
 
+import os
+
 import pytest
 from lan_setup import CHAIN, IFCONFIG, OK, RELOAD_LOG, URI, messages, set_mode, settings, wait_for_chain
 from process_state import below, daemons, resources, sockets
@@ -103,6 +105,35 @@ def test_a_backup_that_cannot_be_copied_is_logged(lan):
     lan.post(URI, settings())
     wait_for_message(lan, "DNS restore fail")
     assert not lan.exists(RESOLV_CONF)
+
+
+def test_a_planted_link_in_the_place_of_the_name_servers_is_not_written_through(lan):
+    lan.write("/etc/victim", "")
+    lan.write(BACKUP, "nameserver 2.2.2.2\n")
+    os.symlink("/etc/victim", lan.root.path(RESOLV_CONF))
+    lan.post(URI, settings())
+    wait_for_message(lan, "DNS restore success")
+    assert lan.read("/etc/victim") == ""
+    assert lan.read(RESOLV_CONF) == "nameserver 2.2.2.2\n" and not lan.root.path(RESOLV_CONF).is_symlink()
+
+
+@pytest.mark.parametrize("link", [os.symlink, os.link], ids=["link", "second name"])
+def test_a_planted_link_in_the_place_of_the_backup_publishes_no_file(lan, link):
+    lan.write("/etc/victim", "root's own\n")
+    link(lan.root.path("/etc/victim") if link is os.link else "/etc/victim", lan.root.path(BACKUP))
+    lan.post(URI, settings())
+    wait_for_message(lan, f" [{BACKUP}] not exist")
+    assert not lan.exists(RESOLV_CONF)
+
+
+def test_a_folder_in_the_place_of_the_name_servers_is_not_written_into(lan):
+    lan.write("/etc/victim", "")
+    lan.write(BACKUP, "nameserver 2.2.2.2\n")
+    lan.root.path(RESOLV_CONF).mkdir()
+    os.symlink("/etc/victim", lan.root.path(RESOLV_CONF) / "resolv.conf.auto.bak")
+    lan.post(URI, settings())
+    wait_for_message(lan, "DNS restore fail")
+    assert lan.read("/etc/victim") == ""
 
 
 # What it leaves in the program.

@@ -17,6 +17,17 @@
 
 namespace {
 
+bool is_somebody_else = false;
+
+}  // namespace
+
+extern "C" {
+uid_t __real_geteuid();
+uid_t __wrap_geteuid() { return is_somebody_else ? __real_geteuid() + 1 : __real_geteuid(); }
+}
+
+namespace {
+
 constexpr const char* kPath = "/tmp/file_test";
 
 TEST(ReadFile, ReadsWholeFilesAndBoundedHeads) {
@@ -27,6 +38,46 @@ TEST(ReadFile, ReadsWholeFilesAndBoundedHeads) {
   std::remove(kPath);
   EXPECT_EQ(platform::read_file(kPath), std::nullopt);
   EXPECT_EQ(platform::read_file("/tmp"), std::nullopt);
+}
+
+TEST(OwnFile, IsARegularFileOfOurs) {
+  ASSERT_TRUE(platform::write_file(kPath, "ours"));
+  EXPECT_TRUE(platform::is_own_file(kPath));
+  EXPECT_EQ(platform::read_own_file(kPath), "ours");
+  EXPECT_EQ(platform::read_own_file(kPath, 2), "ou");
+  std::remove(kPath);
+  EXPECT_FALSE(platform::is_own_file(kPath));
+  EXPECT_EQ(platform::read_own_file(kPath), std::nullopt);
+  EXPECT_EQ(errno, ENOENT);
+}
+
+TEST(OwnFile, IsNotSomebodyElses) {
+  ASSERT_TRUE(platform::write_file(kPath, "theirs"));
+  is_somebody_else = true;
+  EXPECT_FALSE(platform::is_own_file(kPath));
+  EXPECT_EQ(platform::read_own_file(kPath), std::nullopt);
+  EXPECT_EQ(errno, EPERM);
+  is_somebody_else = false;
+  std::remove(kPath);
+}
+
+TEST(OwnFile, IsNoLinkNoSecondNameNoFolderAndNoFifo) {
+  constexpr const char* kOther = "/tmp/file_test_other";
+  ASSERT_TRUE(platform::write_file(kOther, "other"));
+  const auto is_none = [] { return !platform::is_own_file(kPath) && !platform::read_own_file(kPath); };
+  ASSERT_EQ(symlink(kOther, kPath), 0);
+  EXPECT_TRUE(is_none());
+  std::remove(kPath);
+  ASSERT_EQ(link(kOther, kPath), 0);
+  EXPECT_TRUE(is_none());
+  std::remove(kPath);
+  ASSERT_EQ(mkfifo(kPath, 0600), 0);
+  EXPECT_TRUE(is_none());
+  std::remove(kPath);
+  ASSERT_EQ(mkdir(kPath, 0700), 0);
+  EXPECT_TRUE(is_none());
+  std::remove(kPath);
+  std::remove(kOther);
 }
 
 TEST(OpenFile, KeepsNobodyWaitingAtAFifo) {
