@@ -4,6 +4,7 @@
 #include <exception>
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <fcgiapp.h>
@@ -58,9 +59,9 @@ void dispatch_guarded(FCGX_Request* request) {
 // libfcgi accepts with accept(), which would leave a connection open in a child that another thread starts before it
 // can be marked. It binds to this definition instead of the C library's: close-on-exec from the first instant, and
 // given up when its peer falls silent, in the parameters too, which libfcgi reads before anybody else sees the
-// connection.
+// connection. It asks the kernel itself: accept4() of some C libraries falls back on accept(), which is this one.
 extern "C" int accept(int socket, sockaddr* address, socklen_t* length) {
-  const int connection = accept4(socket, address, length, SOCK_CLOEXEC);
+  const int connection = static_cast<int>(syscall(SYS_accept4, socket, address, length, SOCK_CLOEXEC));
   if (connection >= 0) limit_silence(connection);
   return connection;
 }

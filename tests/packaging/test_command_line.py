@@ -2,6 +2,7 @@
 
 import os
 import re
+import socket
 import subprocess
 from pathlib import Path
 
@@ -10,9 +11,9 @@ import pytest
 SOURCES = Path(__file__).resolve().parents[2]
 
 
-def run(*options):
+def run(*options, stdin=subprocess.DEVNULL):
     return subprocess.run([os.environ["ROUTER_API_BIN"], *options], capture_output=True, text=True, timeout=120,
-                          stdin=subprocess.DEVNULL)
+                          stdin=stdin)
 
 
 def test_the_version_is_the_projects():
@@ -38,3 +39,9 @@ def test_anything_else_is_refused_and_nothing_is_served(options):
 def test_without_a_socket_it_says_so_and_ends():
     done = run()
     assert done.returncode == 0 and done.stderr.startswith("FCGX_Accept_r: ")
+
+
+def test_with_a_socket_that_does_not_listen_it_says_so_and_ends():
+    with socket.socket(socket.AF_UNIX) as not_listening:
+        done = run(stdin=not_listening)
+    assert (done.returncode, done.stderr) == (0, "FCGX_Accept_r: Invalid argument\n")
