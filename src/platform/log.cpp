@@ -1,10 +1,13 @@
 // The syslog form that the router's log tools filter by.
 #include "platform/log.h"
 
+#include <array>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
+#include <memory>
 #include <mutex>
-#include <string>
+#include <new>
 #include <unistd.h>
 
 namespace platform {
@@ -16,25 +19,36 @@ std::mutex& log_mutex() {
   return mutex;
 }
 
-// The text that vprintf would print, whatever its length.
-[[gnu::format(printf, 1, 0)]] std::string format_text(const char* format, va_list arguments) {
-  va_list measured;
-  va_copy(measured, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, measured);
-  va_end(measured);
-  if (length < 0) return {};
-  std::string text(static_cast<std::size_t>(length) + 1, '\0');
-  std::vsnprintf(text.data(), text.size(), format, arguments);
-  text.resize(static_cast<std::size_t>(length));
-  return text;
-}
+// The text that vprintf would print, whatever its length; where memory has ended, its beginning. Nothing is thrown:
+// much of what is logged tells of a failure, also where nobody could catch another one.
+class FormattedText {
+ public:
+  [[gnu::format(printf, 2, 0)]] FormattedText(const char* format, va_list arguments) noexcept {
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(usual_.data(), usual_.size(), format, arguments);
+    if (length < 0) usual_[0] = '\0';
+    if (length >= static_cast<int>(usual_.size())) {
+      const std::size_t size = static_cast<std::size_t>(length) + 1;
+      long_.reset(new (std::nothrow) char[size]);
+      if (long_) std::vsnprintf(long_.get(), size, format, again);
+    }
+    va_end(again);
+  }
+
+  [[nodiscard]] const char* c_str() const noexcept { return long_ ? long_.get() : usual_.data(); }
+
+ private:
+  std::array<char, 1024> usual_;
+  std::unique_ptr<char[]> long_;
+};
 
 }  // namespace
 
 void write_log(int priority, const char* function, int line, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  const std::string message = format_text(format, arguments);
+  const FormattedText message(format, arguments);
   va_end(arguments);
   const std::lock_guard<std::mutex> lock(log_mutex());
   syslog(priority, "[FcgiApp][%s]:[%d] %s", function, line, message.c_str());
@@ -48,7 +62,7 @@ int fork_with_log_idle() {
 void write_trace(const char* file, const char* function, int line, const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  const std::string message = format_text(format, arguments);
+  const FormattedText message(format, arguments);
   va_end(arguments);
   std::fprintf(stderr, "\033[1;32m %s\033[0m \033[1;36m[%s:%d]\033[0m \033[1;31m %s\033[0m", file, function, line,
                message.c_str());

@@ -5,9 +5,11 @@ README of the kit: the docstrings of Router, in the order in which a test uses t
 
 from __future__ import annotations
 
+import contextlib
 import errno
 import json
 import os
+import select
 import shutil
 import socket
 import subprocess
@@ -255,10 +257,24 @@ class Router:
                 pass  # answered before all was read
             if close:
                 return None
+            self._wait_for_answer(connection)
             try:
                 return Answer(fastcgi.read_response(connection))
             except socket.timeout:
                 raise AssertionError(f"no answer within {DEADLINE_S:.0f} s\n{self.report()}") from None
+
+    def _wait_for_answer(self, connection: socket.socket) -> None:
+        """Until there is something of it or the program has ended: the listening socket is ours and takes connections for
+        a program that is gone, which then end with it."""
+        if not self.alive_process():
+            return connection.shutdown(socket.SHUT_RDWR)
+        program = os.pidfd_open(self._process.pid)
+        try:
+            ready, _, _ = select.select([connection, program], [], [], DEADLINE_S)
+        finally:
+            os.close(program)
+        if ready == [program]:
+            connection.shutdown(socket.SHUT_RDWR)
 
     # Look.
 
@@ -409,7 +425,8 @@ class Router:
         """Ends the root with everything in it."""
         self._ended = True
         if self._process is not None and self._process.poll() is None:
-            self._process.kill()
+            with contextlib.suppress(ProcessLookupError):  # it ended meanwhile
+                sandbox.kill_all(self._process.pid)
         if self._process is not None:
             self._process.wait()
 

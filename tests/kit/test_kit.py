@@ -4,8 +4,10 @@ import errno
 import json
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
+import threading
 import time
 
 import pytest
@@ -228,6 +230,19 @@ def test_a_program_that_ends_fails_the_test(router):
     router.wait_until(lambda: not router.alive_process())
     with pytest.raises(AssertionError, match="ended"):
         router.finish()
+
+
+def test_who_asks_a_program_that_ends_waits_no_longer(router):
+    """The listening socket takes connections for it, before and after."""
+    router.start()
+    program = router.pid()
+    os.kill(program, signal.SIGSTOP)
+    killing = threading.Timer(0.1, os.kill, (program, signal.SIGKILL))
+    killing.start()
+    assert router.get("/api/v1/ntp").empty
+    killing.join()
+    router.wait_until(lambda: not router.alive_process())
+    assert router.get("/api/v1/ntp").empty
 
 
 def test_a_sanitizer_report_fails_the_test(router):

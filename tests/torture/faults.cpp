@@ -177,6 +177,15 @@ int pipe2(int* ends, int flags) {
   return fails(kPipe, EMFILE) ? -1 : real(ends, flags);
 }
 
+// What an assertion has to say is told whatever failed: the C library makes the text in memory that it asks for.
+void __assert_fail(const char* assertion, const char* file, unsigned int line, const char* function) {
+  if (control != nullptr) control->armed.store(0);
+  static void (*real)(const char*, const char*, unsigned int, const char*) = nullptr;
+  if (real == nullptr) real = next<void (*)(const char*, const char*, unsigned int, const char*)>("__assert_fail");
+  real(assertion, file, line, function);
+  abort();
+}
+
 void* malloc(size_t size) {
   REAL(malloc);
   return fails(kMemory, ENOMEM) ? nullptr : real(size);

@@ -1,9 +1,56 @@
-// Where messages come from.
+// Where messages come from, and that they come.
 #include "platform/log.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <string>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "captured_log.h"
+
 namespace {
+
+std::size_t largest_block = SIZE_MAX;  // what is asked for beyond it is not given
+
+}  // namespace
+
+extern "C" {
+void* __real__Znwm(std::size_t size);
+void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
+
+void* __wrap__Znwm(std::size_t size) {
+  if (size > largest_block) throw std::bad_alloc();
+  return __real__Znwm(size);
+}
+void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) {
+  return size > largest_block ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+}
+}
+
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(WriteLog, WritesTextsOfAnyLengthWhole) {
+  CapturedLog log;
+  for (const std::size_t length : {0U, 1U, 1022U, 1023U, 1024U, 1025U, 3000U}) {
+    const std::string text(length, 'x');
+    log_error("%s", text.c_str());
+    EXPECT_THAT(log.texts(), ElementsAre(text));
+  }
+}
+
+TEST(WriteLog, WritesTheBeginningAndThrowsNothingWhereMemoryHasEnded) {
+  const std::string text(3000, 'x');
+  CapturedLog log;
+  largest_block = 2000;
+  EXPECT_NO_THROW(log_error("%s", text.c_str()));
+  largest_block = SIZE_MAX;
+  EXPECT_THAT(log.texts(), ElementsAre(text.substr(0, 1023)));
+}
 
 platform::LogPlace helper(platform::LogPlace place = platform::LogPlace::here()) { return place; }
 
