@@ -18,7 +18,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-DEADLINE_S = 30
+DEADLINE_S = 600
 NAMES = ["s", "n", "a", "b", "l", "x1", "cfg01b619", "@t[0]", "@t[-1]", "@u[1]", "@[0]", "@t[9]", "bad-name", ""]
 TYPES = ["t", "u", "wifi-iface", "a b", "", "it's"]
 VALUES = ["1", "x", "y z", "", "it's", "two\nlines", "#", ";", "a\\b", "\"", "\x01", "0", "-1", "v" * 300]

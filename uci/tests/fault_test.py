@@ -13,7 +13,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-DEADLINE_S = 30
+DEADLINE_S = 600
 SECTIONS = 40
 VALUE, NEW_VALUE = "x" * 4000, "y" * 4000  # so that a package is written in several pieces
 OLD = "".join(f"\nconfig thing 's{i}'\n\toption value '{VALUE}'\n" for i in range(SECTIONS)) + "\n"

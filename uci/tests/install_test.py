@@ -12,7 +12,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-DEADLINE_S = 500
+DEADLINE_S = 1500
 USER = """#include <stdio.h>
 #include <uci.h>
 int main(void) {

@@ -7,7 +7,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-DEADLINE_S = 60
+DEADLINE_S = 600
 
 
 def main() -> int:

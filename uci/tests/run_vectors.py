@@ -16,7 +16,7 @@ import tempfile
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
-DEADLINE_S = 30
+DEADLINE_S = 600
 
 
 def encode(text: str) -> bytes:
