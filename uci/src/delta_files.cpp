@@ -61,10 +61,9 @@ bool is_reverted(const Record& record, const uci_ptr& ptr) {
 
 int apply_delta_files(uci_context& context, uci_package& package, const LockedFile& package_file,
                       const LockedFile* savedir_file) {
-  const FileId locked = savedir_file != nullptr ? savedir_file->id() : FileId{};
   int count = 0;
   for (const DeltaFile& file : find_delta_files(context, package, package_file.id())) {
-    if (file.id == locked) {
+    if (savedir_file != nullptr && file.id == savedir_file->id()) {
       count += apply_delta_file(*savedir_file, package);
     } else {
       count += apply_delta_file(LockedFile(file.path, Lock::kShared), package);

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
+#include <unordered_set>
 #include <utility>
 
 #include "piece.h"
@@ -23,9 +25,15 @@ void destroy_element(Object* object, uci_element& element) {
   std::free(object);
 }
 
+struct HashText {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view text) const noexcept { return std::hash<std::string_view>()(text); }
+};
+
 struct NotedPackage {
   uci_package package;
   PackageNotes notes;
+  std::unordered_set<std::string, HashText, std::equal_to<>> types;  // of its sections, former ones too
 };
 
 // Every package is one.
@@ -80,7 +88,6 @@ void destroy_option(uci_option* option) {
 
 void destroy_section(uci_section* section) {
   destroy_all<uci_option>(section->options, destroy_option);
-  free_text(section, section->type);
   destroy_element(section, section->e);
 }
 
@@ -100,6 +107,13 @@ void make_list(uci_option& option) {
   option.type = UCI_TYPE_LIST;
   list_init(option.v.list);
   append(option.v.list, std::move(first));
+}
+
+// The package's copy of a type. Nobody writes it: the interface just has no const there.
+char* share_type(uci_package& package, std::string_view type) {
+  auto& types = noted(&package)->types;
+  const auto known = types.find(type);
+  return const_cast<char*>((known != types.end() ? known : types.emplace(type).first)->c_str());
 }
 
 }  // namespace
@@ -128,10 +142,11 @@ std::string generated_name(int number, std::string_view type) {
 uci_section* new_section(uci_package& package, std::string_view type, const char* name) {
   const std::string generated = name == nullptr ? generated_name(package.n_section + 1, type) : "";
   const std::string_view own_name = name == nullptr ? std::string_view(generated) : name;
-  auto* section = new_piece<uci_section>(own_name.size() + type.size() + 2);
+  char* const shared_type = share_type(package, type);
+  auto* section = new_piece<uci_section>(own_name.size() + 1);
   init(section->e, UCI_TYPE_SECTION, texts_of(section));
-  section->type = put(section->e.name, own_name);
-  put(section->type, type);
+  put(section->e.name, own_name);
+  section->type = shared_type;
   list_init(section->options);
   section->anonymous = name == nullptr;
   section->package = &package;
@@ -211,7 +226,9 @@ void free_package(uci_package* package) {
   clear(*package);
   free_deltas(package->delta);
   std::free(package->path);
-  destroy_element(noted(package), package->e);
+  NotedPackage* const piece = noted(package);
+  std::destroy_at(&piece->types);
+  destroy_element(piece, package->e);
 }
 
 void make_string(uci_option& option, std::string_view value) {
@@ -223,7 +240,13 @@ void make_string(uci_option& option, std::string_view value) {
 
 void rename(uci_section& section, std::string_view name) { replace_text_of(section, section.e.name, name); }
 void rename(uci_option& option, std::string_view name) { replace_text_of(option, option.e.name, name); }
-void retype(uci_section& section, std::string_view type) { replace_text_of(section, section.type, type); }
+void retype(uci_section& section, std::string_view type) { section.type = share_type(*section.package, type); }
+
+const char* shared_type(uci_package& package, std::string_view type) {
+  const auto& types = noted(&package)->types;
+  const auto known = types.find(type);
+  return known != types.end() ? known->c_str() : nullptr;
+}
 
 void replace_text(char*& text, std::string_view value) {
   char* copy = copy_text(value);

@@ -56,6 +56,9 @@ void rename(uci_section& section, std::string_view name);
 void rename(uci_option& option, std::string_view name);
 void retype(uci_section& section, std::string_view type);
 
+// The one text that all sections of that type in the package have; nullptr when there can be none.
+const char* shared_type(uci_package& package, std::string_view type);
+
 // Replaces an owned C text that belongs to no element's piece.
 void replace_text(char*& text, std::string_view value);
 

@@ -50,15 +50,14 @@ Position parse_position(const char* text) {
 
 // Counts from the end for a negative index, -1 being the last.
 uci_section* find_at(uci_package& package, const Position& position) {
+  const bool is_any = position.type.empty();
+  const char* const type = shared_type(package, position.type);
   const bool from_end = position.index < 0;
   long left = from_end ? -1L - position.index : position.index;
   const auto step = [from_end](const uci_list& node) { return from_end ? node.prev : node.next; };
   for (uci_list* node = step(package.sections); node != &package.sections; node = step(*node)) {
     uci_section* section = uci_to_section(list_to_element(node));
-    const std::size_t size = position.type.size();
-    const bool matches =
-        size == 0 || (std::strncmp(section->type, position.type.data(), size) == 0 && section->type[size] == '\0');
-    if (matches && left-- == 0) return section;
+    if ((is_any || section->type == type) && left-- == 0) return section;
   }
   return nullptr;
 }
