@@ -24,13 +24,15 @@ bool is_plain(std::string_view text) {
   });
 }
 
-// Wraps what was collected in place, so that a long text is never copied.
-std::string enclose(char open, std::string inside, char close) {
-  if (inside.empty()) return {open, ' ', close};
-  inside[0] = open;
-  inside += ' ';
-  inside += close;
-  return inside;
+// Wraps what was collected from `begin` on in place, so that a long text is never copied.
+std::string enclose(std::string text, std::size_t begin, char open, std::string_view close) {
+  if (text.size() == begin) {
+    text += open;
+  } else {
+    text[begin] = open;
+  }
+  platform::append_sparingly(text, close);
+  return text;
 }
 
 // The position behind the string that begins at `at`.
@@ -39,6 +41,27 @@ std::size_t end_of_string(std::string_view text, std::size_t at) {
     if (text[at] == '\\') ++at;
   }
   return std::min(at + 1, text.size());
+}
+
+// Gives `put` the pieces of the text in json-c's pretty form.
+template <class Put>
+void print_pretty(std::string_view text, const Put& put) {
+  std::size_t level = 0;
+  bool begins_line = false;
+  for (std::size_t at = 0; at < text.size();) {
+    const char token = text[at];
+    const std::size_t end = token == '"' ? end_of_string(text, at) : at + 1;
+    if (token != ' ') {
+      const bool closes = token == '}' || token == ']';
+      if (closes) --level;
+      if (closes || begins_line) put("\n" + std::string(2 * level, ' '));
+      put(text.substr(at, end - at));
+      const bool opens = token == '{' || token == '[';
+      if (opens) ++level;
+      begins_line = opens || token == ',';
+    }
+    at = end;
+  }
 }
 
 }  // namespace
@@ -61,46 +84,47 @@ ObjectText& ObjectText::add(const char* key, ListText value) {
   if (list.capacity() - list.size() >= members_.size()) {
     list.insert(0, members_);
     members_ = std::move(list);
-    return *this;
+  } else {
+    platform::append_sparingly(members_, list);
   }
-  members_ += list;
   return *this;
 }
 
 // Each member begins with the ',' before it; the first one's place becomes the brace.
 ObjectText& ObjectText::add_raw(const char* key, std::string_view value) {
-  members_.append(", ").append(quoted(key)).append(": ").append(value);
+  platform::append_sparingly(members_, std::string(", ").append(quoted(key)).append(": "));
+  platform::append_sparingly(members_, value);
   return *this;
 }
 
-std::string ObjectText::take() { return enclose('{', std::move(members_), '}'); }
+ObjectText& ObjectText::add_list(const char* key, const std::function<void(ListText&)>& fill) {
+  add_raw(key, {});
+  ListText list(std::move(members_));
+  fill(list);
+  members_ = list.take();
+  return *this;
+}
+
+std::string ObjectText::take() { return enclose(std::move(members_), 0, '{', " }"); }
 
 ListText& ListText::add_raw(std::string_view value) {
-  elements_.append(", ").append(value);
+  platform::append_sparingly(elements_, ", ");
+  platform::append_sparingly(elements_, value);
   return *this;
 }
 
-std::string ListText::take() { return enclose('[', std::move(elements_), ']'); }
+std::string ListText::take() { return enclose(std::move(elements_), begin_, '[', " ]"); }
 
 std::string pretty(std::string_view text) {
   std::string pretty;
-  std::size_t level = 0;
-  bool begins_line = false;
-  for (std::size_t at = 0; at < text.size();) {
-    const char token = text[at];
-    const std::size_t end = token == '"' ? end_of_string(text, at) : at + 1;
-    if (token != ' ') {
-      const bool closes = token == '}' || token == ']';
-      if (closes) --level;
-      if (closes || begins_line) pretty.append("\n").append(2 * level, ' ');
-      pretty += text.substr(at, end - at);
-      const bool opens = token == '{' || token == '[';
-      if (opens) ++level;
-      begins_line = opens || token == ',';
-    }
-    at = end;
-  }
+  print_pretty(text, [&pretty](std::string_view piece) { pretty += piece; });
   return pretty;
+}
+
+std::size_t pretty_size(std::string_view text) {
+  std::size_t size = 0;
+  print_pretty(text, [&size](std::string_view piece) { size += piece.size(); });
+  return size;
 }
 
 }  // namespace json

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -25,6 +26,11 @@ class ObjectText {
   ObjectText& add(const char* key, const char* value);
   ObjectText& add(const char* key, ObjectText value) { return add_raw(key, std::move(value).text()); }
   ObjectText& add(const char* key, ListText value);
+  // A list whose elements `fill` adds: they are written where they stay.
+  ObjectText& add_list(const char* key, const std::function<void(ListText&)>& fill);
+
+  // Makes room for so many bytes at once: a long text that grows stands in memory twice at times.
+  void reserve(std::size_t bytes) { members_.reserve(bytes); }
 
   // "{ "a": 1, "b": [ 1, "two" ] }", "{ }"
   [[nodiscard]] std::string text() const& { return ObjectText(*this).take(); }
@@ -39,6 +45,7 @@ class ObjectText {
 // An array.
 class ListText {
  public:
+  ListText() = default;
   ListText& add(int value) { return add_raw(std::to_string(value)); }
   ListText& add(std::string_view value) { return add_raw(quoted(value)); }
   ListText& add(ObjectText value) { return add_raw(std::move(value).text()); }
@@ -47,9 +54,12 @@ class ListText {
   [[nodiscard]] std::string text() && { return take(); }
 
  private:
+  friend class ObjectText;
+  explicit ListText(std::string before) : elements_(std::move(before)), begin_(elements_.size()) {}
   std::string take();
   ListText& add_raw(std::string_view value);
   std::string elements_;
+  std::size_t begin_ = 0;  // what stands before it is an object's
 };
 
 // {"result": N} and what every document of a failed reading is.
@@ -61,5 +71,7 @@ inline ObjectText result_text(int result) {
 
 // What one of the builders above made, as json-c's JSON_C_TO_STRING_PRETTY would write it: for logs.
 std::string pretty(std::string_view text);
+// The length of that.
+std::size_t pretty_size(std::string_view text);
 
 }  // namespace json

@@ -56,12 +56,12 @@ void set_led_status(std::vector<AgentInfo>& agents) {
 
 // False on failure, which is logged.
 bool add_agents(json::ListText& array) {
-  const std::optional<std::string> dump = get_topology_dump();
+  std::optional<DumpLines> dump = get_topology_dump();
   if (!dump) {
     log_error("Failed to get topology data");
     return false;
   }
-  std::vector<AgentInfo> agents = topology_to_agents(parse_topology(*dump));
+  std::vector<AgentInfo> agents = topology_to_agents(parse_topology(*std::move(dump)));
   if (agents.empty()) {
     log_error("Failed to convert topology to agents");
     return false;
@@ -130,6 +130,6 @@ int handle_get_mesh_agent_info(FCGX_Request* request) {
   }
   json::ObjectText document = json::result_text(0);
   const std::string text = document.add("version", 1).add("agentInfo", std::move(agents)).text();
-  topo_log("handle_get_mesh_agent_info = %s\n", json::pretty(text).c_str());
+  topo_log_document("handle_get_mesh_agent_info", text);
   return answer(request, text);
 }

@@ -8,9 +8,9 @@ AgentInfo agent_of(const TopologyInfo& info, std::size_t device_position, int nu
   const TopologyDevice& device = info.devices[device_position];
   AgentInfo agent;
   agent.agentDeviceNumber = number;
-  agent.macAddress = device.mac;
-  agent.ipv4Address = device.ip;
-  if (number != 0 && device.parent) agent.connectParentMacAddress = info.devices[*device.parent].mac;
+  agent.macAddress = device.mac.view();
+  agent.ipv4Address = device.ip.view();
+  if (number != 0 && device.parent) agent.connectParentMacAddress = info.devices[*device.parent].mac.view();
   agent.connectionType = number == 0 ? 0 : connection_type_code(device.connectionType);
   return agent;
 }

@@ -52,13 +52,13 @@ class LegacyReader {
 
 }  // namespace
 
-AgentTopo parse_agent_topology(std::string_view dump) {
+AgentTopo parse_agent_topology(const DumpLines& dump) {
   AgentTopo topology;
   UniqueList agents(topology.agents);
   UniqueList legacy(topology.legacy);
   LegacyReader reader;
-  const DumpIndex index(dump);
-  for (const std::string_view line : index.lines()) {
+  for (std::size_t number = 0; number < dump.size(); ++number) {
+    const std::string_view line = dump[number];
     if (is_device_header(line)) {
       if (topology.agents.size() < kMostAgents) agents.add(header_mac(line));
       continue;

@@ -81,15 +81,20 @@ unsigned char media_from(std::string_view line, unsigned char behind) {
   return behind;
 }
 
-std::vector<std::string> words_of(std::string_view line) {
-  std::vector<std::string> words;
-  for (std::size_t begin = line.find_first_not_of(" \t\r"); begin != std::string_view::npos;
-       begin = line.find_first_not_of(" \t\r")) {
-    line.remove_prefix(begin);
-    words.emplace_back(line.substr(0, line.find_first_of(" \t\r")));
-    line.remove_prefix(words.back().size());
-  }
-  return words;
+constexpr std::string_view kWordEnds = " \t\r";
+
+std::string_view first_word(std::string_view line) {
+  line = platform::trim_start(line, kWordEnds);
+  return line.substr(0, line.find_first_of(kWordEnds)).substr(0, kMacLength);
+}
+
+// The index of a row of bridged addresses; nullopt for a line that is none.
+std::optional<int> bridge_index(std::string_view line) {
+  if (!platform::holds(line, "Remote")) return std::nullopt;
+  std::array<char, kMacLength + 1> mac{};
+  int index = 0;
+  if (std::sscanf(std::string(line).c_str(), "%17s %9d", mac.data(), &index) < 2) return std::nullopt;
+  return index;
 }
 
 }  // namespace
@@ -102,7 +107,7 @@ int connection_type_code(std::string_view connection_type) {
 BackhaulReader::BackhaulReader(const DumpIndex& index, std::function<int()> mesh_mode)
     : index_(index), mesh_mode_(std::move(mesh_mode)) {}
 
-std::string BackhaulReader::get_backhaul_type_from_remote(const std::string& device_mac) {
+std::string BackhaulReader::get_backhaul_type_from_remote(std::string_view device_mac) {
   unsigned int media = 0;
   const std::optional<std::size_t> header = index_.header_of(device_mac);
   const std::optional<std::size_t> heading = header ? index_.remote_table(*header) : std::nullopt;
@@ -127,44 +132,61 @@ const char* BackhaulReader::type_of_mesh_mode() {
   return *known_mesh_mode_ == kMeshMode24And5 ? "WLAN_MLO_24G_5G" : "WLAN_MLO_5G_6G";
 }
 
-const BackhaulReader::IndicesOfMac& BackhaulReader::bridge_rows(std::size_t heading) {
-  const auto [known, is_new] = bridge_rows_.try_emplace(heading);
-  if (!is_new) return known->second;
-  const std::vector<std::string_view>& lines = index_.lines();
-  for (std::size_t number = heading + 1; number < lines.size(); ++number) {
-    const std::string line(lines[number]);
-    if (line.empty() || platform::holds(line, "Address")) break;
-    if (!platform::holds(line, "Remote")) continue;
-    std::array<char, kMacLength + 1> mac{};
-    std::array<char, 16> type{};
-    int index = 0;
-    if (std::sscanf(line.c_str(), "%17s %9d %15s", mac.data(), &index, type.data()) < 2) continue;
-    for (const std::string& word : words_of(line)) {
-      std::vector<int>& indices = known->second[word.substr(0, kMacLength)];
-      if (indices.size() < kMostIndices) indices.push_back(index);
-    }
-  }
-  return known->second;
+const BackhaulReader::BridgeTable& BackhaulReader::bridge_table(std::size_t heading) {
+  const auto known = bridge_tables_.find(heading);
+  if (known != bridge_tables_.end()) return known->second;
+  return bridge_tables_.emplace(heading, read_bridge_table(heading)).first->second;
 }
 
-std::string BackhaulReader::get_backhaul_type_via_bridge(const std::string& owner_mac, const std::string& target_mac,
+BackhaulReader::BridgeTable BackhaulReader::read_bridge_table(std::size_t heading) const {
+  const DumpLines& lines = index_.lines();
+  BridgeTable table;
+  for (std::size_t number = heading + 1; number < lines.size(); ++number) {
+    const std::string_view line = lines[number];
+    if (line.empty() || platform::holds(line, "Address")) break;
+    const std::optional<int> index = bridge_index(line);
+    if (!index) continue;
+    table.lines.push_back(static_cast<std::uint32_t>(number));
+    const std::vector<std::string_view> words = platform::pieces(line, kWordEnds);
+    for (std::size_t word = 1; word < words.size(); ++word) {
+      std::vector<BridgeRow>& rows = table.by_other_word[std::string(words[word].substr(0, kMacLength))];
+      if (rows.size() < kMostIndices) rows.push_back({number, *index});
+    }
+  }
+  std::ranges::stable_sort(table.lines, {}, [&lines](std::uint32_t line) { return first_word(lines[line]); });
+  return table;
+}
+
+std::vector<int> BackhaulReader::indices_of(const BridgeTable& table, std::string_view text) const {
+  const auto word = [this](std::uint32_t line) { return first_word(index_.lines()[line]); };
+  std::vector<BridgeRow> rows;
+  for (auto at = std::ranges::lower_bound(table.lines, text, {}, word);
+       at != table.lines.end() && word(*at) == text && rows.size() < kMostIndices; ++at) {
+    rows.push_back({*at, bridge_index(index_.lines()[*at]).value_or(0)});
+  }
+  if (const auto others = table.by_other_word.find(std::string(text)); others != table.by_other_word.end()) {
+    rows.insert(rows.end(), others->second.begin(), others->second.end());
+    std::ranges::stable_sort(rows, {}, &BridgeRow::line);
+  }
+  std::vector<int> indices;
+  for (std::size_t row = 0; row < std::min(rows.size(), kMostIndices); ++row) indices.push_back(rows[row].index);
+  return indices;
+}
+
+std::string BackhaulReader::get_backhaul_type_via_bridge(std::string_view owner_mac, std::string_view target_mac,
                                                          std::string* interface_mac) {
   const std::optional<std::size_t> header = index_.header_of(owner_mac);
   const std::optional<std::size_t> heading = header ? index_.bridge_table(*header) : std::nullopt;
-  const std::vector<int>* indices = nullptr;
-  if (heading) {
-    const IndicesOfMac& rows = bridge_rows(*heading);
-    if (const auto found = rows.find(target_mac); found != rows.end()) indices = &found->second;
-  }
-  if (indices == nullptr) return get_backhaul_type_from_remote(target_mac);
+  const std::vector<int> indices = heading ? indices_of(bridge_table(*heading), target_mac) : std::vector<int>();
+  if (indices.empty()) return get_backhaul_type_from_remote(target_mac);
 
   unsigned int media = 0;
   const std::optional<DumpIndex::Range> table = index_.interface_table(owner_mac);
-  for (const int index : *indices) {
+  for (const int index : indices) {
     const InterfaceRow* row = table ? index_.interface_row(*table, index) : nullptr;
     if (row == nullptr) continue;
-    media |= std::ranges::find(kMediumNames, row->medium, &MediumName::name)->medium;
-    if (interface_mac != nullptr && interface_mac->empty()) *interface_mac = row->mac;
+    media |= std::ranges::find(kMediumNames, row->medium.view(), &MediumName::name)->medium;
+    if (interface_mac != nullptr && interface_mac->empty()) *interface_mac = row->mac.view();
   }
   const char* type = type_of(media);
   return type != nullptr ? type : kDefaultType;

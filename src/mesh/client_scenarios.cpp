@@ -66,8 +66,8 @@ ClientTable handle_non_mesh_scenario(ClientTable clients) {
   return clients;
 }
 
-std::vector<ClientRecord> collect_topology_clients(const TopologyInfo& topology, const ClientTable& wifi) {
-  std::vector<ClientRecord> rows;
+std::deque<ClientRecord> collect_topology_clients(const TopologyInfo& topology, const ClientTable& wifi) {
+  std::deque<ClientRecord> rows;  // many grow without a copy of them all
   int number = 0;
   for (const TopologyDevice& device : topology.devices) {
     for (const std::size_t position : device.children) {

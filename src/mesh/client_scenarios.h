@@ -1,7 +1,7 @@
 // How the sources become one list: without a mesh, on the controller, on a satellite.
 #pragma once
 
-#include <vector>
+#include <deque>
 
 #include "mesh/client_sources.h"
 #include "mesh/client_table.h"
@@ -16,7 +16,7 @@ ClientTable handle_agent_scenario(const AgentTopo& topology);
 
 // The satellites, numbered through the whole walk of the tree's devices, and the clients behind them. Signal and bands
 // of a client that the driver knows, too, are the driver's.
-std::vector<ClientRecord> collect_topology_clients(const TopologyInfo& topology, const ClientTable& wifi);
+std::deque<ClientRecord> collect_topology_clients(const TopologyInfo& topology, const ClientTable& wifi);
 
 // Every Wi-Fi row and every legacy wired device once for each agent MAC that differs from it: with no agents nothing.
 void collect_topology_agent_devices(const AgentTopo& topology, const ClientTable& wifi, ClientTable& devices);

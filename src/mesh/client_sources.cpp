@@ -12,7 +12,9 @@
 #include "platform/background.h"
 #include "platform/file.h"
 #include "platform/host.h"
+#include "platform/line_reader.h"
 #include "platform/log.h"
+#include "platform/output_lines.h"
 #include "platform/process.h"
 #include "platform/text.h"
 #include "system_helpers.h"
@@ -21,6 +23,7 @@ namespace {
 
 constexpr std::size_t kMostWifiClients = 127;
 constexpr std::size_t kWifiLineSize = 64;
+constexpr std::size_t kTableLineMax = 1023;  // a line of the kernel's tables has 80
 constexpr const char* kWifiListPath = "/tmp/clientList.txt";
 
 // By the mask of the bands: 1 2.4 GHz, 2 5 GHz, 4 6 GHz, 8 wired.
@@ -100,6 +103,20 @@ std::optional<ClientRecord> read_arp_row(const std::string& line) {
   return record;
 }
 
+// Collects the rows of the table, behind its heading.
+class ArpRows {
+ public:
+  void add(const std::string& line) {
+    if (std::exchange(is_heading_, false)) return;
+    if (const std::optional<ClientRecord> record = read_arp_row(line)) table_.merge(*record);
+  }
+  ClientTable table() && { return std::move(table_); }
+
+ private:
+  ClientTable table_;
+  bool is_heading_ = true;
+};
+
 }  // namespace
 
 std::string get_network_subnet(std::string_view ip) {
@@ -124,16 +141,17 @@ void refresh_arp() {
 }
 
 ClientTable parse_arp_clients(std::string_view proc_net_arp) {
-  ClientTable table;
-  bool is_heading = true;
-  platform::for_each_line(proc_net_arp, 0, [&](const std::string& line) {
-    if (std::exchange(is_heading, false)) return;
-    if (const std::optional<ClientRecord> record = read_arp_row(line)) table.merge(*record);
-  });
-  return table;
+  ArpRows rows;
+  platform::for_each_line(proc_net_arp, 0, [&rows](const std::string& line) { rows.add(line); });
+  return std::move(rows).table();
 }
 
-ClientTable collect_arp_clients() { return parse_arp_clients(platform::read_file("/proc/net/arp").value_or("")); }
+ClientTable collect_arp_clients() {
+  platform::LineReader lines(platform::open_file("/proc/net/arp", "r"), kTableLineMax);
+  ArpRows rows;
+  for (std::string line; lines.next(line);) rows.add(line);
+  return std::move(rows).table();
+}
 
 ClientTable parse_wifi_clients(std::string_view client_list) {
   std::vector<WifiClient> clients;
@@ -160,31 +178,35 @@ std::optional<int> get_interface_port(const char* ifname) {
   return port;
 }
 
-std::unordered_map<std::uint64_t, int> parse_bridge_ports(std::string_view showmacs) {
-  std::unordered_map<std::uint64_t, int> ports;
-  bool is_heading = true;
-  platform::for_each_line(showmacs, 0, [&](const std::string& line) {
-    if (std::exchange(is_heading, false)) return;
-    int port = 0;
-    std::array<char, 18> learned{};
-    if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2) {
-      ports.try_emplace(mac_key(learned.data()), port);
-    }
-  });
-  return ports;
+void BridgePorts::add(const std::string& line) {
+  if (std::exchange(is_heading_, false)) return;
+  int port = 0;
+  std::array<char, 18> learned{};
+  if (std::sscanf(line.c_str(), "%9d %17s", &port, learned.data()) == 2) {
+    ports_.try_emplace(mac_key(learned.data()), port);
+  }
+}
+
+std::optional<int> BridgePorts::of(std::string_view mac) const {
+  const auto known = ports_.find(mac_key(mac));
+  return known == ports_.end() ? std::nullopt : std::optional(known->second);
 }
 
 std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view mac) {
-  const auto ports = parse_bridge_ports(showmacs);
-  const auto known = ports.find(mac_key(mac));
-  return known == ports.end() ? std::nullopt : std::optional(known->second);
+  BridgePorts ports;
+  platform::for_each_line(showmacs, 0, [&ports](const std::string& line) { ports.add(line); });
+  return ports.of(mac);
 }
 
 void WiredPorts::read() {
   read_ = true;
   eth0_ = get_interface_port("eth0");
   eth2_ = get_interface_port("eth2");
-  ports_ = parse_bridge_ports(platform::run_shell("brctl showmacs br-lan").output);
+  platform::OutputLines lines(kTableLineMax, [this](const std::string& line) { ports_.add(line); });
+  const auto add = [&lines](std::string_view piece) { return lines.add(piece); };
+  const platform::ProcessResult result = platform::run_shell("brctl showmacs br-lan", {.reader = add});
+  lines.finish();
+  if (result.too_late) ports_ = {};
 }
 
 bool WiredPorts::is_wired_device(std::string_view mac) {
@@ -192,10 +214,7 @@ bool WiredPorts::is_wired_device(std::string_view mac) {
   if (!eth0_) log_error("Failed to get eth0 port");
   if (eth0_ && !eth2_) log_error("Failed to get eth2 port");
   if (!eth0_ || !eth2_) return false;
-  const auto known = ports_.find(mac_key(mac));
-  if (known == ports_.end()) {
-    log_error("Target MAC %s not found in bridge", std::string(mac).c_str());
-    return false;
-  }
-  return known->second == *eth0_ || known->second == *eth2_;
+  const std::optional<int> port = ports_.of(mac);
+  if (!port) log_error("Target MAC %s not found in bridge", std::string(mac).c_str());
+  return port == *eth0_ || port == *eth2_;
 }

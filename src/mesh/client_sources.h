@@ -26,9 +26,18 @@ ClientTable collect_wifi_clients();
 
 // The bridge port of an interface, from its port_no file ("0x2" or "2"); nullopt without one.
 std::optional<int> get_interface_port(const char* ifname);
-// The ports that MACs were learned on, by mac_key, out of what `brctl showmacs` printed; of a MAC that stands
-// there twice, the first.
-std::unordered_map<std::uint64_t, int> parse_bridge_ports(std::string_view showmacs);
+// The ports that MACs were learned on, out of what `brctl showmacs` printed; of a MAC that stands there twice, the
+// first.
+class BridgePorts {
+ public:
+  // A line of the output, of which the first is a heading.
+  void add(const std::string& line);
+  [[nodiscard]] std::optional<int> of(std::string_view mac) const;
+
+ private:
+  std::unordered_map<std::uint64_t, int> ports_;
+  bool is_heading_ = true;
+};
 // The bridge port that one MAC was learned on; nullopt when it was not.
 std::optional<int> get_port_by_mac(std::string_view showmacs, std::string_view mac);
 
@@ -42,7 +51,7 @@ class WiredPorts {
   bool read_ = false;
   std::optional<int> eth0_;
   std::optional<int> eth2_;
-  std::unordered_map<std::uint64_t, int> ports_;
+  BridgePorts ports_;
 };
 
 // The agent's own view of the mesh: the devices it sees, and its legacy wired devices.
@@ -50,5 +59,5 @@ struct AgentTopo {
   std::vector<std::string> agents;  // MACs, at most 16
   std::vector<std::string> legacy;  // MACs
 };
-AgentTopo parse_agent_topology(std::string_view dump);
+AgentTopo parse_agent_topology(const DumpLines& dump);
 void print_agent_topology(const AgentTopo* topology);

@@ -8,11 +8,13 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "platform/short_text.h"
+
 struct ClientRecord {
-  std::string mac;         // as normalize_mac writes it
-  std::string ip;          // at most 15 bytes
-  std::string rssi;        // as the driver reports it, at most 7 bytes
-  int connectionType = 0;  // 0 wired, 1 2.4, 2 5, 3 6, 4 2.4+5, 5 5+6, 6 2.4+5+6, 7 2.4+6 GHz
+  platform::ShortText<17> mac;  // as normalize_mac writes it
+  platform::ShortText<15> ip;
+  platform::ShortText<7> rssi;  // as the driver reports it
+  int connectionType = 0;       // 0 wired, 1 2.4, 2 5, 3 6, 4 2.4+5, 5 5+6, 6 2.4+5+6, 7 2.4+6 GHz
   bool isWireless = false;
   bool isMeshDevice = false;  // a mesh unit, never listed
   int agentIndex = -1;        // number of the satellite that it hangs behind, -1 for the router itself

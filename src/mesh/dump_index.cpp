@@ -7,7 +7,6 @@
 #include <set>
 #include <utility>
 
-#include "mesh/topology.h"
 #include "platform/text.h"
 
 namespace {
@@ -58,14 +57,8 @@ std::optional<std::size_t> LineNumbers::after(std::size_t line) const {
   return next == lines_.end() ? std::nullopt : std::optional(*next);
 }
 
-DumpIndex::DumpIndex(std::string_view dump) {
-  while (!dump.empty()) {
-    const std::size_t line_feed = dump.find('\n');
-    const std::string_view line = dump.substr(0, line_feed).substr(0, kDumpLineMax);
-    add_line(lines_.size(), line);
-    lines_.push_back(line);
-    dump.remove_prefix(line_feed == std::string_view::npos ? dump.size() : line_feed + 1);
-  }
+DumpIndex::DumpIndex(DumpLines lines) : lines_(std::move(lines)) {
+  for (std::size_t number = 0; number < lines_.size(); ++number) add_line(number, lines_[number]);
   find_radios();
 }
 
@@ -91,19 +84,20 @@ void DumpIndex::add_interface_row(std::size_t number, std::string_view line) {
   std::array<char, 32> medium{};
   std::array<char, kMacLength + 1> mac{};
   if (std::sscanf(without_brackets(line).c_str(), "%9d %31s %17s", &row.index, medium.data(), mac.data()) != 3) return;
+  if (std::ranges::find(kMediums, std::string_view(medium.data())) == kMediums.end()) return;
   row.medium = medium.data();
   row.mac = mac.data();
-  if (std::ranges::find(kMediums, row.medium) == kMediums.end()) return;
   rows_of_index_[row.index].push_back(interfaces_.size());
   interfaces_.push_back(std::move(row));
 }
 
-std::optional<std::size_t> DumpIndex::header_of(const std::string& mac) const {
+std::optional<std::size_t> DumpIndex::header_of(std::string_view mac) const {
   const auto found = headers_.find(mac);
-  return found == headers_.end() || mac.empty() ? std::nullopt : std::optional(found->second);
+  return found == headers_.end() || mac.empty() || mac.size() > kMacLength ? std::nullopt
+                                                                           : std::optional(found->second);
 }
 
-std::optional<DumpIndex::Range> DumpIndex::interface_table(const std::string& mac) const {
+std::optional<DumpIndex::Range> DumpIndex::interface_table(std::string_view mac) const {
   const std::optional<std::size_t> header = header_of(mac);
   if (!header) return std::nullopt;
   const std::optional<std::size_t> heading = interface_headings_.after(*header);

@@ -9,7 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-inline constexpr std::size_t kDumpLineMax = 1023;  // longer lines are cut
+#include "mesh/dump_lines.h"
+#include "platform/short_text.h"
 
 // Positions of lines, ascending.
 class LineNumbers {
@@ -27,25 +28,25 @@ class LineNumbers {
 struct InterfaceRow {
   std::size_t line = 0;
   int index = 0;
-  std::string medium;  // "ETHER", "WLAN2G", "WLAN5G" or "WLAN6G"
-  std::string mac;
+  platform::ShortText<6> medium;  // "ETHER", "WLAN2G", "WLAN5G" or "WLAN6G"
+  platform::ShortText<kMacLength> mac;
 };
 
 class DumpIndex {
  public:
-  explicit DumpIndex(std::string_view dump);
+  explicit DumpIndex(DumpLines lines);
 
-  [[nodiscard]] const std::vector<std::string_view>& lines() const { return lines_; }
+  [[nodiscard]] const DumpLines& lines() const { return lines_; }
 
   // The line of the device's own header ("QCA IEEE 1905.1 device:").
-  [[nodiscard]] std::optional<std::size_t> header_of(const std::string& mac) const;
+  [[nodiscard]] std::optional<std::size_t> header_of(std::string_view mac) const;
 
   // The lines between which the device's interface rows stand; nullopt for the controller and where there is no table.
   struct Range {
     std::size_t begin = 0;  // the heading
     std::size_t end = 0;    // the line that ends the table
   };
-  [[nodiscard]] std::optional<Range> interface_table(const std::string& mac) const;
+  [[nodiscard]] std::optional<Range> interface_table(std::string_view mac) const;
   // The first row of that index in the range, which is the one that counts.
   [[nodiscard]] const InterfaceRow* interface_row(const Range& range, int index) const;
   // The first 2.4 GHz row that counts.
@@ -61,8 +62,8 @@ class DumpIndex {
   void add_interface_row(std::size_t number, std::string_view line);
   void find_radios();
 
-  std::vector<std::string_view> lines_;
-  std::unordered_map<std::string, std::size_t> headers_;
+  DumpLines lines_;
+  std::unordered_map<platform::ShortText<kMacLength>, std::size_t> headers_;
   LineNumbers upstream_none_;
   LineNumbers interface_headings_;
   LineNumbers interface_ends_;

@@ -14,30 +14,35 @@
 
 namespace {
 
-constexpr std::size_t kStationTypeMax = 15;
+using Mac = platform::ShortText<kMacLength>;
 
 struct Header {
   std::string mac;
   std::string ip;
 };
 
+struct HeaderLine {
+  std::size_t line;
+  std::size_t device;
+};
+
 // "if a colon occurs and more than 10 characters follow it": the MAC without its first octet.
-std::string mac_tail(const std::string& mac) {
+std::string_view mac_tail(std::string_view mac) {
   constexpr std::size_t kShortestTail = 10;
   const std::size_t colon = mac.find(':');
-  if (colon != std::string::npos && mac.size() - colon - 1 > kShortestTail) return mac.substr(colon + 1);
+  if (colon != std::string_view::npos && mac.size() - colon - 1 > kShortestTail) return mac.substr(colon + 1);
   return mac.substr(0, kMacLength);
 }
 
 // The MAC with its last octet decreased by one, as the platform numbers an agent's wired port below its 2.4 GHz radio.
-std::string mac_below(const std::string& mac) {
+std::string mac_below(std::string_view mac) {
   const std::size_t colon = mac.rfind(':');
-  const std::size_t begin = colon == std::string::npos ? 0 : colon + 1;
+  const std::size_t begin = colon == std::string_view::npos ? 0 : colon + 1;
   unsigned int octet = 0;
   std::from_chars(mac.data() + begin, mac.data() + mac.size(), octet, 16);
   std::array<char, 3> digits{};
   std::snprintf(digits.data(), digits.size(), "%02X", (octet + 255U) & 255U);
-  return mac.substr(0, begin) + digits.data();
+  return std::string(mac.substr(0, begin)) + digits.data();
 }
 
 // Which devices hang together, so that none becomes its own ancestor.
@@ -62,13 +67,12 @@ class Ancestry {
 
 class TopologyParser {
  public:
-  TopologyParser(std::string_view dump, const TopologySources& sources)
-      : index_(dump), sources_(sources), backhaul_(index_, sources.mesh_mode) {}
+  TopologyParser(DumpLines dump, const TopologySources& sources)
+      : index_(std::move(dump)), sources_(sources), backhaul_(index_, sources.mesh_mode) {}
 
   TopologyInfo parse() {
     for (std::size_t number = 0; number < index_.lines().size(); ++number) collect_device(number);
     ancestry_.emplace(info_.devices.size());
-    stations_.resize(info_.devices.size());
     for (std::size_t number = 0; number < index_.lines().size(); ++number) read_line(number);
     if (info_.root) info_.hasAgent = info_.devices[*info_.root].hasLinks;
     remove_duplicate_stations();
@@ -91,15 +95,17 @@ class TopologyParser {
   void collect_device(std::size_t number) {
     std::optional<Header> header = read_header(index_.lines()[number]);
     if (!header) return;
-    if (positions_.try_emplace(header->mac, info_.devices.size()).second) {
+    const auto [known, is_new] = positions_.try_emplace(header->mac, info_.devices.size());
+    if (is_new) {
       TopologyDevice& device = info_.devices.emplace_back();
       device.mac = header->mac;
       device.ip = header->ip;
     }
-    headers_.emplace(number, header->mac);
+    headers_.push_back({number, known->second});
   }
 
-  std::optional<std::size_t> position_of(const std::string& mac) const {
+  // `mac` has kMacLength bytes at most.
+  std::optional<std::size_t> position_of(std::string_view mac) const {
     const auto found = positions_.find(mac);
     return found == positions_.end() ? std::nullopt : std::optional(found->second);
   }
@@ -107,7 +113,9 @@ class TopologyParser {
   // The first rule that applies to the line.
   void read_line(std::size_t number) {
     const std::string_view line = index_.lines()[number];
-    if (const auto header = headers_.find(number); header != headers_.end()) return begin_block(header->second);
+    if (next_header_ < headers_.size() && headers_[next_header_].line == number) {
+      return begin_block(headers_[next_header_++].device);
+    }
     if (!root_seen_ && platform::holds(line, "Upstream Device: None")) {
       root_mac_ = current_mac_;
       root_seen_ = true;
@@ -128,11 +136,11 @@ class TopologyParser {
     if (in_bridged_) read_bridged(line);
   }
 
-  void begin_block(const std::string& mac) {
-    current_mac_ = mac;
+  void begin_block(std::size_t device) {
+    current_mac_ = info_.devices[device].mac.view();
     if (root_mac_.empty()) {
-      root_mac_ = mac;
-      info_.root = position_of(mac);
+      root_mac_ = current_mac_;
+      info_.root = device;
       block_accepted_ = false;
     } else if (root_seen_) {
       block_accepted_ = true;
@@ -173,8 +181,7 @@ class TopologyParser {
     if (interface_.empty() || interface_is_eth1_ || !platform::holds(line, ":")) return false;
     line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
     if (line.size() < kMacLength || !info_.root) return true;
-    add_station(*info_.root, std::string(line.substr(0, kMacLength)),
-                platform::holds(interface_, "eth") ? "ETHER" : "Wireless");
+    add_station(*info_.root, line.substr(0, kMacLength), platform::holds(interface_, "eth") ? "ETHER" : "Wireless");
     return true;
   }
 
@@ -192,7 +199,7 @@ class TopologyParser {
     if (owner) add_bridged_station(*owner, mac.data());
   }
 
-  void add_bridged_station(std::size_t owner, const std::string& mac) {
+  void add_bridged_station(std::size_t owner, std::string_view mac) {
     if (position_of(mac) || stations_[owner].contains(mac)) return;
     std::string interface_mac;
     const std::string type = backhaul_.get_backhaul_type_via_bridge(current_mac_, mac, &interface_mac);
@@ -201,15 +208,15 @@ class TopologyParser {
   }
 
   // A wired station counts only on the port whose MAC stands one below the agent's 2.4 GHz radio.
-  bool is_wired_port_of_agent(std::size_t agent, const std::string& interface_mac) const {
+  bool is_wired_port_of_agent(std::size_t agent, std::string_view interface_mac) const {
     const std::optional<DumpIndex::Range> table = index_.interface_table(info_.devices[agent].mac);
     const InterfaceRow* radio = table ? index_.radio_24ghz(*table) : nullptr;
     return radio != nullptr && mac_tail(interface_mac) == mac_tail(mac_below(radio->mac));
   }
 
-  void add_station(std::size_t owner, const std::string& mac, const std::string& type) {
+  void add_station(std::size_t owner, std::string_view mac, std::string_view type) {
     TopologyDevice& device = info_.devices[owner];
-    device.stations.push_back({mac, type.substr(0, kStationTypeMax), device.level + 1});
+    device.stations.push_back({mac, type, device.level + 1});
     device.hasLinks = true;
     stations_[owner].insert(mac);
   }
@@ -243,7 +250,7 @@ class TopologyParser {
       int level = -1;
       std::size_t owner = 0;
     };
-    std::unordered_map<std::string, Best> best;
+    std::unordered_map<Mac, Best> best;
     const std::vector<std::size_t> order = children_first();
     for (const std::size_t owner : order) {
       for (const TopologyStation& station : info_.devices[owner].stations) {
@@ -263,10 +270,11 @@ class TopologyParser {
   const TopologySources& sources_;
   BackhaulReader backhaul_;
   TopologyInfo info_;
-  std::unordered_map<std::string, std::size_t> positions_;  // of devices, by MAC
-  std::unordered_map<std::size_t, std::string> headers_;    // MACs, by the line of their header
+  std::unordered_map<Mac, std::size_t> positions_;  // of devices
+  std::vector<HeaderLine> headers_;
+  std::size_t next_header_ = 0;
   std::optional<Ancestry> ancestry_;
-  std::vector<std::unordered_set<std::string>> stations_;  // MACs of each device's stations
+  std::unordered_map<std::size_t, std::unordered_set<Mac>> stations_;  // of each device that has some
 
   std::string current_mac_;
   std::string root_mac_;
@@ -280,6 +288,10 @@ class TopologyParser {
 
 }  // namespace
 
+TopologyInfo parse_topology(DumpLines dump, const TopologySources& sources) {
+  return TopologyParser(std::move(dump), sources).parse();
+}
+
 TopologyInfo parse_topology(std::string_view dump, const TopologySources& sources) {
-  return TopologyParser(dump, sources).parse();
+  return parse_topology(DumpLines(dump), sources);
 }

@@ -8,7 +8,9 @@
 #include <string_view>
 #include <vector>
 
-inline constexpr std::size_t kMacLength = 17;
+#include "mesh/dump_lines.h"
+#include "platform/short_text.h"
+
 inline constexpr std::size_t kIpv4Length = 15;
 
 // Connection types (how a device or station reaches its parent) are texts: "ETHER", "Wireless", "WLAN_MLO_24G",
@@ -16,17 +18,17 @@ inline constexpr std::size_t kIpv4Length = 15;
 
 // A client seen behind a device.
 struct TopologyStation {
-  std::string mac;
-  std::string connectionType;
+  platform::ShortText<kMacLength> mac;
+  platform::ShortText<15> connectionType;
   int level = 0;  // its device's level + 1
 };
 
 // One 1905.1 device. Parent and children are positions in TopologyInfo::devices.
 struct TopologyDevice {
-  std::string mac;
-  std::string ip;
-  std::string connectionType;  // empty for the root
-  int level = 0;               // hops to the root
+  platform::ShortText<kMacLength> mac;
+  platform::ShortText<kIpv4Length> ip;
+  platform::ShortText<18> connectionType;  // empty for the root
+  int level = 0;                           // hops to the root
   std::vector<TopologyStation> stations;
   std::optional<std::size_t> parent;
   std::vector<std::size_t> children;  // in the order of discovery
@@ -49,13 +51,14 @@ struct TopologySources {
 };
 
 // Never fails: a text that is no dump gives a tree without a root. Takes time linear in the text's length.
+TopologyInfo parse_topology(DumpLines dump, const TopologySources& sources);
 TopologyInfo parse_topology(std::string_view dump, const TopologySources& sources);
-// The same, asking `arp` and UCI.
-TopologyInfo parse_topology(std::string_view dump);
+// The same of lines that were read from the daemon, asking `arp` and UCI.
+TopologyInfo parse_topology(DumpLines dump);
 
 // Asks the mesh daemon. Takes 1 to 10 seconds by design: the daemon needs them. nullopt without an op_mode, or when
 // the console is missing or prints nothing.
-std::optional<std::string> get_topology_dump();
+std::optional<DumpLines> get_topology_dump();
 
 // 0 and the address that `arp` knows for the MAC, or 1.
 int arp_lookup_ip(std::string_view mac, std::string& ip);

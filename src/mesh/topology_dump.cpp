@@ -1,9 +1,11 @@
 // Asking the mesh daemon for its dump, and the system for what the dump leaves out.
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "mesh/arp_table.h"
 #include "mesh/topology.h"
+#include "platform/output_lines.h"
 #include "platform/process.h"
 #include "uci_access.h"
 #include "unit/mesh.h"
@@ -23,14 +25,19 @@ constexpr const char* kRouterDumpCommand = R"((echo "td s2"; sleep 3; ) | emt)";
 
 }  // namespace
 
-std::optional<std::string> get_topology_dump() {
+std::optional<DumpLines> get_topology_dump() {
   constexpr std::size_t kOpModeSize = 16;
   const std::optional<std::string> op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
   if (!op_mode) return std::nullopt;
   const auto* row = std::ranges::find(kDumpCommands, *op_mode, &DumpCommand::op_mode);
-  platform::ProcessResult result = platform::run_shell(row == kDumpCommands.end() ? kRouterDumpCommand : row->command);
-  if (result.output.empty()) return std::nullopt;
-  return std::move(result.output);
+  DumpLines dump;
+  platform::OutputLines lines(kDumpLineMax, [&dump](const std::string& line) { dump.add(line); });
+  const auto add = [&lines](std::string_view piece) { return lines.add(piece); };
+  const platform::ProcessResult result =
+      platform::run_shell(row == kDumpCommands.end() ? kRouterDumpCommand : row->command, {.reader = add});
+  lines.finish();
+  if (result.too_late || dump.empty()) return std::nullopt;
+  return dump;
 }
 
 int arp_lookup_ip(std::string_view mac, std::string& ip) {
@@ -40,7 +47,7 @@ int arp_lookup_ip(std::string_view mac, std::string& ip) {
   return 0;
 }
 
-TopologyInfo parse_topology(std::string_view dump) {
+TopologyInfo parse_topology(DumpLines dump) {
   // One reading of the ARP table serves all devices whose header has no address.
   std::optional<ArpTable> arp_table;
   const TopologySources sources{
@@ -56,5 +63,5 @@ TopologyInfo parse_topology(std::string_view dump) {
             return mode;
           },
   };
-  return parse_topology(dump, sources);
+  return parse_topology(std::move(dump), sources);
 }

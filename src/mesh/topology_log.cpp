@@ -4,7 +4,9 @@
 #include <array>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 
+#include "answer/json_text.h"
 #include "platform/file.h"
 
 namespace {
@@ -31,6 +33,10 @@ void append_to_log(const char* text) {
   platform::write_whole(file.get(), text);
 }
 
+void tell_of_long_text(std::size_t bytes) {
+  console_print("[TOPO_LOG] Content too long (need %zu bytes, buffer 1KB), skip write to file!\n", bytes);
+}
+
 void print_device(const TopologyInfo& info, const TopologyDevice& device, int indent) {
   const bool is_root = &device == info.root_device();
   topo_log("%*s%sMAC: %s, IP: %s, Connection: %s\n", indent, "",
@@ -54,11 +60,21 @@ void topo_log(const char* format, ...) {
   va_end(arguments);
   if (needed < 0) return;
   if (static_cast<std::size_t>(needed) >= kTextSize) {
-    console_print("[TOPO_LOG] Content too long (need %d bytes, buffer 1KB), skip write to file!\n", needed);
+    tell_of_long_text(static_cast<std::size_t>(needed));
     return;
   }
   empty_full_log();
   append_to_log(text.data());
+}
+
+// Of a long document only the length is needed.
+void topo_log_document(const char* name, std::string_view json) {
+  const std::size_t size = std::strlen(name) + std::strlen(" = \n") + json::pretty_size(json);
+  if (size >= kTextSize) {
+    tell_of_long_text(size);
+  } else {
+    topo_log("%s = %s\n", name, json::pretty(json).c_str());
+  }
 }
 
 void print_topology(const TopologyInfo& info) {

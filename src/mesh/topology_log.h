@@ -8,5 +8,8 @@
 // What cannot be written is told on the console.
 [[gnu::format(printf, 1, 2)]] void topo_log(const char* format, ...);
 
+// Appends "NAME = DOCUMENT" with the JSON text in its pretty form, as topo_log would.
+void topo_log_document(const char* name, std::string_view json);
+
 // The whole tree, one line a device or station.
 void print_topology(const TopologyInfo& info);

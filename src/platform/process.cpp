@@ -18,6 +18,7 @@
 #include "platform/command_limits.h"
 #include "platform/file.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "platform/uci_session.h"
 
 extern char** environ;
@@ -98,9 +99,6 @@ void feed(UniqueFd& pipe, std::string_view& input) {
   if (input.empty() || (written < 0 && !retry)) pipe.reset();
 }
 
-// A bound for what is read of a tool that does not stop: a tool that is only talkative comes to its end before it.
-constexpr std::size_t kMostRead = std::size_t{64} << 20;
-
 // Where the output of a child goes.
 class Output {
  public:
@@ -112,7 +110,7 @@ class Output {
   bool take(std::string_view piece) {
     if (options_.reader) return options_.reader(piece);
     const std::size_t kept = std::min(piece.size(), options_.max_output - result_.output.size());
-    result_.output.append(piece.substr(0, kept));
+    append_sparingly(result_.output, piece.substr(0, kept));
     result_.output_cut = result_.output_cut || kept < piece.size();
     read_ += piece.size();
     // One byte beyond the bound tells an output that was cut from one that was whole.

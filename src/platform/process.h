@@ -22,6 +22,8 @@ struct ProcessResult {
 };
 
 inline constexpr std::size_t kOutputMax = std::size_t{4} << 20;  // far above what any reader of a whole text is given
+// A bound for what is read of a tool that does not stop: a tool that is only talkative comes to its end before it.
+inline constexpr std::size_t kMostRead = std::size_t{64} << 20;
 
 struct ProcessOptions {
   std::string_view input = {};  // written to the child's standard input; then the child reads end of file

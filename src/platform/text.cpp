@@ -93,6 +93,19 @@ std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
   return lines;
 }
 
+void append_sparingly(std::string& text, std::string_view more) {
+  constexpr std::size_t kLong = std::size_t{128} * 1024;
+  const std::size_t needed = text.size() + more.size();
+  if (needed <= text.capacity() || needed < kLong) {
+    text += more;
+    return;
+  }
+  std::string longer;  // a reserve() of what is there already doubles, too
+  longer.reserve(needed + needed / 8);
+  longer.append(text).append(more);
+  text = std::move(longer);
+}
+
 std::string_view cut_utf8(std::string_view text, std::size_t max_bytes) {
   constexpr std::size_t kLongestCharacter = 4;
   if (text.size() <= max_bytes) return text;

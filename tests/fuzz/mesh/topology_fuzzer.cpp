@@ -121,7 +121,7 @@ void check_clients(const TopologyInfo& info, std::string_view text) {
 }
 
 void check_agent_view(std::string_view dump) {
-  const AgentTopo topology = parse_agent_topology(dump);
+  const AgentTopo topology = parse_agent_topology(DumpLines(dump));
   require(topology.agents.size() <= 16, "agents of the agent's view");
   ClientTable devices;
   collect_topology_agent_devices(topology, parse_wifi_clients(dump), devices);
@@ -130,7 +130,7 @@ void check_agent_view(std::string_view dump) {
 
 void check_backhaul(const TopologyInfo& info, std::string_view dump) {
   constexpr std::size_t kAsked = 8;  // devices that are asked about each other
-  const DumpIndex index(dump);
+  const DumpIndex index{DumpLines(dump)};
   BackhaulReader reader(index, [] { return 0; });
   const std::size_t count = std::min(info.devices.size(), kAsked);
   for (std::size_t owner = 0; owner < count; ++owner) {

@@ -52,6 +52,20 @@ TEST(ObjectText, TakesAListOfAnyLengthBehindWhatItHolds) {
   }
 }
 
+TEST(ObjectText, WritesAListWhereItStays) {
+  for (const bool is_roomy : {false, true}) {
+    ObjectText document;
+    if (is_roomy) document.reserve(1000);
+    document.add("before", 1).add_list("none", [](ListText&) {});
+    document.add_list("list", [](ListText& list) {
+      list.add(ObjectText().add("a", 1).add_list("inner", [](ListText& inner) { inner.add(1).add("two"); })).add(3);
+    });
+    EXPECT_EQ(document.add("after", 2).text(),
+              "{ \"before\": 1, \"none\": [ ], \"list\": "
+              "[ { \"a\": 1, \"inner\": [ 1, \"two\" ] }, 3 ], \"after\": 2 }");
+  }
+}
+
 TEST(ObjectText, IsAlwaysValidUtf8) {
   EXPECT_EQ(ObjectText().add("ssid", std::string_view("caf\xE9 \xC3\xA9")).text(),
             "{ \"ssid\": \"caf\xEF\xBF\xBD \xC3\xA9\" }");
@@ -69,6 +83,7 @@ TEST(Pretty, IsWhatJsonCWrites) {
     json_object* value = json_tokener_parse(text);
     ASSERT_NE(value, nullptr) << text;
     EXPECT_EQ(json::pretty(text), json_object_to_json_string_ext(value, JSON_C_TO_STRING_PRETTY));
+    EXPECT_EQ(json::pretty_size(text), json::pretty(text).size());
     json_object_put(value);
   }
 }

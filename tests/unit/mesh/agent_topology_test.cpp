@@ -14,7 +14,7 @@ namespace {
 
 TEST(ParseAgentTopology, ListsDevicesAndWiredLegacyDevices) {
   const std::string dump = platform::read_file((std::string(UNIT_FIXTURES) + "/one_agent.txt").c_str()).value_or("");
-  const AgentTopo topology = parse_agent_topology(dump);
+  const AgentTopo topology = parse_agent_topology(DumpLines(dump));
   EXPECT_EQ(topology.agents, (std::vector<std::string>{"02:00:00:00:00:01", "02:00:00:A1:00:20"}));
   EXPECT_EQ(topology.legacy, std::vector<std::string>{"02:00:00:0C:00:01"});
 }
@@ -40,7 +40,7 @@ TEST(ParseAgentTopology, TakesSixteenAgentsAndEveryTextOnce) {
   }
   dump +=
       "Legacy Devices:\nInterface eth0:\n0C:00:00:00:00:01\n0C:00:00:00:00:01\nInterface ath0:\n0C:00:00:00:00:02\n";
-  const AgentTopo topology = parse_agent_topology(dump);
+  const AgentTopo topology = parse_agent_topology(DumpLines(dump));
   EXPECT_EQ(topology.agents.size(), 16U);
   EXPECT_EQ(topology.agents[15], "02:00:00:00:00:25");
   EXPECT_EQ(topology.legacy, std::vector<std::string>{"0C:00:00:00:00:01"});
@@ -55,7 +55,7 @@ TEST(ParseAgentTopology, ReadsMegabytesOfLegacyDevices) {
                   count & 255);
     dump += mac.data();
   }
-  EXPECT_EQ(parse_agent_topology(dump).legacy.size(), count);
+  EXPECT_EQ(parse_agent_topology(DumpLines(dump)).legacy.size(), count);
 }
 
 TEST(PrintAgentTopology, WritesTheViewToTheLog) {

@@ -52,7 +52,7 @@ TEST(ConnectionTypeCode, HasARowForEachText) {
 
 std::string type_of_station(const std::string& interface_rows, const std::string& bridged_rows) {
   const std::string dump = agent_with(interface_rows, bridged_rows);
-  const DumpIndex index(dump);
+  const DumpIndex index{DumpLines(dump)};
   return BackhaulReader(index, [] { return 0; }).get_backhaul_type_via_bridge(kAgent, "0C:00:00:00:00:01");
 }
 
@@ -87,7 +87,7 @@ TEST(BackhaulViaBridge, TellsTheFirstInterfaceThatItMatched) {
   const std::string dump =
       agent_with("1 WLAN2G x:1\n2 WLAN5G x:2",
                  "0C:00:00:00:00:01 7 Remote\n0C:00:00:00:00:01 2 Remote\n0C:00:00:00:00:01 1 Remote");
-  const DumpIndex index(dump);
+  const DumpIndex index{DumpLines(dump)};
   std::string interface_mac;
   BackhaulReader(index, [] { return 0; }).get_backhaul_type_via_bridge(kAgent, "0C:00:00:00:00:01", &interface_mac);
   EXPECT_EQ(interface_mac, "x:2");
@@ -136,7 +136,7 @@ TEST(AgentInterfaces, EndAtTheCountOfBridgedAddresses) {
 
 TEST(AgentInterfaces, AreNoneOfTheControllers) {
   const std::string dump = header(kRoot, "None") + interfaces("1 WLAN2G x:1") + bridged("0C:00:00:00:00:01 1 Remote");
-  const DumpIndex index(dump);
+  const DumpIndex index{DumpLines(dump)};
   EXPECT_FALSE(index.interface_table(kRoot));
 }
 

@@ -29,7 +29,7 @@ std::string dump() {
 
 TEST(DumpIndex, KnowsTheTablesOfADevice) {
   const std::string text = dump();
-  const DumpIndex index(text);
+  const DumpIndex index{DumpLines(text)};
   ASSERT_EQ(index.lines().size(), 12U);
   EXPECT_EQ(index.header_of(kAgent), 0U);
   EXPECT_EQ(index.header_of(kOwn), std::nullopt);
@@ -46,7 +46,7 @@ TEST(DumpIndex, KnowsTheTablesOfADevice) {
 
 TEST(DumpIndex, CountsTheFirstRowOfAnIndex) {
   const std::string text = dump();
-  const DumpIndex index(text);
+  const DumpIndex index{DumpLines(text)};
   const DumpIndex::Range table = index.interface_table(kAgent).value();
   const InterfaceRow* row = index.interface_row(table, 1);
   ASSERT_NE(row, nullptr);
@@ -61,7 +61,7 @@ TEST(DumpIndex, CountsTheFirstRowOfAnIndex) {
 TEST(DumpIndex, HasNoTableOfADeviceWithoutAnUpstream) {
   std::string text = dump();
   text.replace(text.find("Upstream Device: 02:00:00:00:00:01"), 34, "Upstream Device: None");
-  const DumpIndex index(text);
+  const DumpIndex index{DumpLines(text)};
   EXPECT_EQ(index.header_of(kAgent), 0U);
   EXPECT_FALSE(index.interface_table(kAgent));
 }
@@ -71,16 +71,16 @@ TEST(DumpIndex, StopsAtTheConnectionsOfOthers) {
                            "Remote connections (Directly connected to self)\n" +
                            "Remote connections (Not directly connected to self)\n" +
                            "Interface name   Medium Type  MAC Address        MID\n";
-  EXPECT_EQ(DumpIndex(text).remote_table(0), std::nullopt);
+  EXPECT_EQ(DumpIndex(DumpLines(text)).remote_table(0), std::nullopt);
 }
 
 TEST(DumpIndex, CutsLongLines) {
   const std::string text = std::string(kDumpLineMax + 100, 'x') + "\nshort";
-  const DumpIndex index(text);
+  const DumpIndex index{DumpLines(text)};
   ASSERT_EQ(index.lines().size(), 2U);
   EXPECT_EQ(index.lines()[0].size(), kDumpLineMax);
   EXPECT_EQ(index.lines()[1], "short");
-  EXPECT_TRUE(DumpIndex("").lines().empty());
+  EXPECT_TRUE(DumpIndex(DumpLines("")).lines().empty());
 }
 
 TEST(LineNumbers, FindsTheFirstBehindALine) {

@@ -50,8 +50,9 @@ inline std::string agent_with(const std::string& interface_rows, const std::stri
 inline std::string stations_of(const TopologyDevice& device) {
   std::string text;
   for (const TopologyStation& station : device.stations) {
-    text += station.mac.substr(std::min<std::size_t>(12, station.mac.size())) + " " + station.connectionType + " " +
-            std::to_string(station.level) + "; ";
+    const std::string_view mac = station.mac;
+    text += std::string(mac.substr(std::min<std::size_t>(12, mac.size()))) + " " + station.connectionType.c_str() +
+            " " + std::to_string(station.level) + "; ";
   }
   return text;
 }
