@@ -43,7 +43,7 @@ void check_devices(const TopologyInfo& info) {
     require(!device.mac.empty() && device.mac.size() <= kMacLength, "a device's MAC");
     require(!device.ip.empty() && device.ip.size() <= kIpv4Length, "a device's address");
     require(device.connectionType.size() <= kDeviceTypeMax, "a device's connection type");
-    require(macs.insert(device.mac).second, "a device stands twice");
+    require(macs.emplace(device.mac.view()).second, "a device stands twice");
     require(device.hasLinks || device.children.empty(), "children without links");
     for (const TopologyStation& station : device.stations) {
       require(!station.mac.empty() && station.mac.size() <= kMacLength, "a station's MAC");
@@ -86,7 +86,7 @@ std::size_t check_root(const TopologyInfo& info) {
     waiting.pop_back();
     require(++reached <= info.devices.size(), "a device is reached twice");
     std::set<std::string> own;
-    for (const TopologyStation& station : device.stations) own.insert(station.mac);
+    for (const TopologyStation& station : device.stations) own.emplace(station.mac.view());
     for (const std::string& mac : own) require(owned.insert(mac).second, "a station behind two devices");
     waiting.insert(waiting.end(), device.children.begin(), device.children.end());
   }
