@@ -22,7 +22,7 @@ void init(uci_element& element, uci_type type, char* name) {
 template <class Object>
 void destroy_element(Object* object, uci_element& element) {
   free_text(object, element.name);
-  std::free(object);
+  free_piece(object);
 }
 
 struct HashText {
@@ -55,7 +55,7 @@ void append(uci_list& list, ItemPtr item) { list_add_tail(list, item.release()->
 
 uci_option* new_option(uci_section& section, std::string_view name, std::size_t value_size) {
   auto* option = new_piece<uci_option>(name.size() + 1 + value_size);
-  init(option->e, UCI_TYPE_OPTION, texts_of(option));
+  init(option->e, UCI_TYPE_OPTION, texts_of(option) + value_size);  // the name behind the value
   option->section = &section;
   return option;
 }
@@ -158,8 +158,8 @@ uci_section* new_section(uci_package& package, std::string_view type, const char
 uci_option* new_string(uci_section& section, std::string_view name, std::string_view value) {
   uci_option* option = new_option(section, name, value.size() + 1);
   option->type = UCI_TYPE_STRING;
-  option->v.string = put(option->e.name, name);
-  put(option->v.string, value);
+  option->v.string = texts_of(option);
+  put(put(option->v.string, value), name);
   list_add_tail(section.options, option->e.list);
   return option;
 }
@@ -178,7 +178,7 @@ uci_option* add_item(uci_section& section, const char* name, std::string_view va
   return option;
 }
 
-void DestroyDelta::operator()(uci_delta* delta) const noexcept { std::free(delta); }
+void DestroyDelta::operator()(uci_delta* delta) const noexcept { free_piece(delta); }
 
 DeltaPtr make_delta(uci_command command, std::string_view section, const char* option, const char* value) {
   const std::string_view name = option != nullptr ? option : "";
