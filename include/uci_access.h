@@ -15,6 +15,9 @@
 //   silently, value included: other daemons of the platform rely on the same bound.
 // - The result is 0 for success and 1 for any failure, which is logged once. "Success" of a change means that it was
 //   made: a commit that fails later is logged, the result stays 0.
+// - Where memory ends, std::bad_alloc is thrown once that is logged: a package that could not be read or changed for
+// want
+//   of it is no package without the option. What the session has not committed is then dropped.
 // - Safe from any thread; calls are not serialised against each other.
 inline constexpr std::size_t kUciAddressMax = 254;
 

@@ -38,9 +38,13 @@ void close_descriptors_above_standard(int kept_descriptor) {
 
 [[noreturn]] void run_as_daemon(const std::function<void()>& work, int kept_descriptor) noexcept {
   closelog();
-  run_guarded([kept_descriptor] { close_descriptors_above_standard(kept_descriptor); });
+  bool is_alone = false;  // else it would wait for itself to begin, and keep the client's connection
+  run_guarded([&] {
+    close_descriptors_above_standard(kept_descriptor);
+    is_alone = true;
+  });
   lift_command_limits();
-  if (daemon(0, 0) == 0) run_guarded(work);
+  if (is_alone && daemon(0, 0) == 0) run_guarded(work);
   _exit(0);
 }
 

@@ -32,7 +32,8 @@ bool has_ended(pid_t child) {
 
 }  // namespace
 
-Deadline::Deadline(unsigned int seconds) : end_ms_(seconds == 0 ? kNever : now_ms() + std::int64_t{seconds} * 1000) {}
+Deadline::Deadline(unsigned int seconds)
+    : seconds_(seconds), end_ms_(seconds == 0 ? kNever : now_ms() + std::int64_t{seconds} * 1000) {}
 
 int Deadline::left_ms() const {
   if (end_ms_ == kNever) return -1;

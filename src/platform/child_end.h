@@ -15,11 +15,13 @@ class Deadline {
  public:
   // 0 seconds: never.
   explicit Deadline(unsigned int seconds);
+  [[nodiscard]] unsigned int seconds() const { return seconds_; }
   // What poll() takes: -1 for no end.
   [[nodiscard]] int left_ms() const;
   [[nodiscard]] bool is_over() const { return left_ms() == 0; }
 
  private:
+  unsigned int seconds_;
   std::int64_t end_ms_;
 };
 

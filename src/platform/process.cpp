@@ -69,15 +69,16 @@ class SpawnPlan {
     posix_spawnattr_destroy(&attributes_);
   }
 
-  void connect(int ours, int theirs) { posix_spawn_file_actions_adddup2(&actions_, ours, theirs); }
+  void connect(int ours, int theirs) { note(posix_spawn_file_actions_adddup2(&actions_, ours, theirs)); }
 
   // 0 or an error number.
   // Descriptors are close-on-exec one by one; where the C library can, the child also closes whatever another thread
   // has just opened.
   int spawn(const std::vector<std::string>& argv, pid_t& child) {
 #ifdef __GLIBC__
-    posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+    note(posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1));
 #endif
+    if (error_ != 0) return error_;
     std::vector<char*> words;
     words.reserve(argv.size() + 1);
     for (const std::string& word : argv) words.push_back(const_cast<char*>(word.c_str()));
@@ -87,8 +88,14 @@ class SpawnPlan {
   }
 
  private:
+  // A child without one of its streams would be another command.
+  void note(int error) {
+    if (error_ == 0) error_ = error;
+  }
+
   posix_spawn_file_actions_t actions_{};
   posix_spawnattr_t attributes_{};
+  int error_ = 0;
 };
 
 // Writes a piece of the input; closes the pipe when all is written or nobody reads any more.
@@ -186,10 +193,8 @@ unsigned int limit_of(const std::vector<std::string>& argv) {
 }
 
 // Feeds, drains and reaps the child within its time.
-void attend(pid_t child, const std::vector<std::string>& argv, UniqueFd& to_child, UniqueFd& from_child,
-            const ProcessOptions& options, ProcessResult& result) {
-  const unsigned int limit = limit_of(argv);
-  const Deadline deadline(limit);
+void attend(pid_t child, const std::vector<std::string>& argv, const Deadline& deadline, UniqueFd& to_child,
+            UniqueFd& from_child, const ProcessOptions& options, ProcessResult& result) {
   Output output(options, result);
   std::optional<int> status;
   if (exchange(to_child, from_child, options.input, output, deadline)) status = reap(child, deadline);
@@ -197,13 +202,26 @@ void attend(pid_t child, const std::vector<std::string>& argv, UniqueFd& to_chil
     result.wait_status = *status;
     return;
   }
-  log_error("'%s' did not end within %u s and is ended\n", name_of(argv).c_str(), limit);
+  log_error("'%s' did not end within %u s and is ended\n", name_of(argv).c_str(), deadline.seconds());
   late_programs.insert(name_of(argv));
   to_child.reset();
   from_child.reset();
   result.wait_status = end_group(child);
   result.too_late = true;
   result.output.clear();
+}
+
+// What nobody could take the output of is not left behind either: it comes to its end, or is brought to it.
+void attend_or_reap(pid_t child, const std::vector<std::string>& argv, const Deadline& deadline, UniqueFd& to_child,
+                    UniqueFd& from_child, const ProcessOptions& options, ProcessResult& result) {
+  try {
+    attend(child, argv, deadline, to_child, from_child, options, result);
+  } catch (...) {
+    to_child.reset();
+    from_child.reset();
+    if (!reap(child, deadline)) end_group(child);
+    throw;
+  }
 }
 
 UniqueFd open_null() {
@@ -246,6 +264,7 @@ ProcessResult run(const std::vector<std::string>& argv, const ProcessOptions& op
   if (dropped.valid()) plan.connect(dropped.get(), STDERR_FILENO);
 
   const SigpipeBlocked guard;
+  const unsigned int limit = limit_of(argv);
   pid_t child = -1;
   const int error = plan.spawn(argv, child);
   if (error == ENOENT || error == EACCES || error == ENOTDIR || error == ENOEXEC || error == E2BIG) {
@@ -257,7 +276,7 @@ ProcessResult run(const std::vector<std::string>& argv, const ProcessOptions& op
   result.started = true;
   child_input.reset();
   child_output.reset();
-  attend(child, argv, to_child, from_child, options, result);
+  attend_or_reap(child, argv, Deadline(limit), to_child, from_child, options, result);
   return result;
 }
 

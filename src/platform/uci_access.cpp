@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 #include <initializer_list>
+#include <new>
 #include <optional>
 #include <string_view>
 
@@ -83,6 +84,14 @@ bool look_up_to_read(platform::UciSession& session, uci_context* context, Addres
 
 bool is_complete(const uci_ptr& found) { return (found.flags & uci_ptr::UCI_LOOKUP_COMPLETE) != 0; }
 
+// What a failed step comes to. One that found no memory says nothing of the package: taken for an absent option or a
+// list that is as it was, it would be written on. So it ends the request, which leaves what was not committed as it
+// was.
+unsigned int failure_of(const uci_context* context) {
+  if (context == nullptr || context->err == UCI_ERR_MEM) throw std::bad_alloc();
+  return kFailure;
+}
+
 // The steps that every wrapper begins with; they return from it on failure. Every message carries the name and line of
 // the wrapper that failed, so the macro stands in the wrappers.
 #define OPEN_CONTEXT(confdir, package)                                                \
@@ -90,12 +99,12 @@ bool is_complete(const uci_ptr& found) { return (found.flags & uci_ptr::UCI_LOOK
   uci_context* const context = session->context_for(confdir, text_or_empty(package)); \
   if (context == nullptr) {                                                           \
     log_error("alloc uci context failed");                                            \
-    return kFailure;                                                                  \
+    return failure_of(context);                                                       \
   }
 #define REQUIRE_FOUND(is_found, address)                             \
   if (!(is_found)) {                                                 \
     log_error("uci_lookup_ptr %s failed.", (address).shown.c_str()); \
-    return kFailure;                                                 \
+    return failure_of(context);                                      \
   }
 #define LOOK_UP(address) \
   uci_ptr found{};       \
@@ -123,7 +132,7 @@ unsigned int UciCreatSection(const char* confdir, const char* package, const cha
   LOOK_UP(address)
   if (uci_set(context, &found) != UCI_OK) {
     log_error("uci_set %s.%s=%s failed.", text_or_empty(package), text_or_empty(type), text_or_empty(name));
-    return kFailure;
+    return failure_of(context);
   }
   MARK_CHANGED(found.p);
   return kSuccess;
@@ -134,12 +143,12 @@ unsigned int UciCreateAnonymousSection(const char* confdir, const char* package,
   uci_package* loaded = load(context, package);
   if (loaded == nullptr) {
     log_error("uci_load %s failed.", text_or_empty(package));
-    return kFailure;
+    return failure_of(context);
   }
   uci_section* added = nullptr;
   if (type == nullptr || uci_add_section(context, loaded, type, &added) != UCI_OK) {
     log_error("uci_add_section %s.%s failed.", package, text_or_empty(type));
-    return kFailure;
+    return failure_of(context);
   }
   MARK_CHANGED(loaded);
   return kSuccess;
@@ -149,7 +158,7 @@ unsigned int UciDelSection(const char* confdir, const char* package, const char*
   OPEN_CONTEXT(confdir, package)
   Address address({package, section});
   LOOK_UP(address)
-  if (uci_delete(context, &found) != UCI_OK) return kFailure;
+  if (uci_delete(context, &found) != UCI_OK) return failure_of(context);
   MARK_CHANGED(found.p);
   return kSuccess;
 }
@@ -161,7 +170,7 @@ unsigned int UciSetOption(const char* confdir, const char* package, const char* 
   LOOK_UP(address)
   if (uci_set(context, &found) != UCI_OK) {
     log_error("uci_set %s failed.", address.shown.c_str());
-    return kFailure;
+    return failure_of(context);
   }
   MARK_CHANGED(found.p);
   return kSuccess;
@@ -187,7 +196,7 @@ unsigned int UciDelOption(const char* confdir, const char* package, const char* 
   OPEN_CONTEXT(confdir, package)
   Address address({package, section, option});
   LOOK_UP(address)
-  if (uci_delete(context, &found) != UCI_OK) return kFailure;
+  if (uci_delete(context, &found) != UCI_OK) return failure_of(context);
   MARK_CHANGED(found.p);
   return kSuccess;
 }
@@ -199,7 +208,7 @@ unsigned int UciAddList(const char* confdir, const char* package, const char* se
   LOOK_UP(address)
   if (uci_add_list(context, &found) != UCI_OK) {
     log_error("uci_add_list %s failed.", address.shown.c_str());
-    return kFailure;
+    return failure_of(context);
   }
   MARK_CHANGED(found.p);
   return kSuccess;
@@ -212,7 +221,7 @@ unsigned int UciDelList(const char* confdir, const char* package, const char* se
   LOOK_UP(address)
   if (uci_del_list(context, &found) != UCI_OK) {
     log_error("uci_del_list %s failed.", address.shown.c_str());
-    return kFailure;
+    return failure_of(context);
   }
   MARK_CHANGED(found.p);
   return kSuccess;
@@ -249,7 +258,7 @@ int uci_count_sections(const char* package, const char* type) {
   const CallSession session;
   uci_context* const context = session->context_for(nullptr, package);
   const uci_package* loaded = context == nullptr ? nullptr : load(context, package);
-  if (loaded == nullptr) return -1;
+  if (loaded == nullptr && failure_of(context) == kFailure) return -1;
   int count = 0;
   uci_element* element = nullptr;
   uci_foreach_element(&loaded->sections, element) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstring>
 #include <ctime>
+#include <exception>
 #include <sys/stat.h>
 #include <utility>
 
@@ -138,10 +139,10 @@ class UciFolder {
   std::vector<Reading> readings_;
 };
 
-UciSession::UciSession() : outer_(std::exchange(innermost, this)) {}
+UciSession::UciSession() : outer_(std::exchange(innermost, this)), exceptions_before_(std::uncaught_exceptions()) {}
 
 UciSession::~UciSession() {
-  commit();
+  if (std::uncaught_exceptions() == exceptions_before_) commit();
   innermost = outer_;
 }
 

@@ -25,7 +25,7 @@ class UciFolder;
 class UciSession {
  public:
   UciSession();
-  // Commits.
+  // Commits; where an exception ends the session, what was not committed is dropped, for it may be half of a change.
   ~UciSession();
   UciSession(const UciSession&) = delete;
   UciSession& operator=(const UciSession&) = delete;
@@ -61,6 +61,7 @@ class UciSession {
   UciFolder* folder_of(const std::string& confdir);
 
   UciSession* outer_;
+  int exceptions_before_;
   std::vector<std::unique_ptr<UciFolder>> folders_;
   std::vector<Change> changes_;
   SectionCursor cursor_;

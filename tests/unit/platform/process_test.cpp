@@ -1,8 +1,11 @@
 // The one door for child processes.
 #include "platform/process.h"
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
+#include <new>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
@@ -13,6 +16,13 @@ namespace {
 
 using platform::run;
 using platform::run_shell;
+
+TEST(Run, LeavesNoChildBehindWhenItsReaderThrows) {
+  const auto reader = [](std::string_view) -> bool { throw std::bad_alloc(); };
+  EXPECT_THROW(run({"echo", "x"}, {.reader = reader}), std::bad_alloc);
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
 
 TEST(Run, PassesEveryArgumentWhole) {
   const std::string hostile = "a'b\"c`d`$(e);f\ng\\h%n *";

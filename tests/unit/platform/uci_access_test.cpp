@@ -4,10 +4,26 @@
 #include <array>
 #include <cstring>
 #include <filesystem>
+#include <new>
 
 #include <gtest/gtest.h>
+#include <uci.h>
 
 #include "platform/file.h"
+#include "platform/uci_session.h"
+
+namespace {
+
+bool memory_ends = false;
+
+}  // namespace
+
+extern "C" {
+int __real_uci_add_list(uci_context* context, uci_ptr* pointer);
+int __wrap_uci_add_list(uci_context* context, uci_ptr* pointer) {
+  return memory_ends ? context->err = UCI_ERR_MEM : __real_uci_add_list(context, pointer);
+}
+}
 
 namespace {
 
@@ -53,6 +69,22 @@ TEST_F(UciAccess, SetReplacesCreatesAndCommits) {
   EXPECT_EQ(get("s", "b"), "it's $(x); \"y\"\nz");
   EXPECT_NE(content().find("\toption new '1'\n"), std::string::npos);
   EXPECT_EQ(UciSetOption(dir(), "pkg", "nosection", "b", "1"), 1U);
+}
+
+TEST_F(UciAccess, AFailureForWantOfMemoryEndsTheSessionAndNoHalfOfAChangeIsStored) {
+  const std::string before = content();
+  memory_ends = true;
+  EXPECT_THROW(
+      {
+        const platform::UciSession session;
+        EXPECT_EQ(UciDelList(dir(), "pkg", "s", "l", "3"), 0U);
+        UciAddList(dir(), "pkg", "s", "l", "3");
+      },
+      std::bad_alloc);
+  memory_ends = false;
+  EXPECT_EQ(content(), before);
+  EXPECT_EQ(UciAddList(dir(), "pkg", "s", "l", "3"), 0U);
+  EXPECT_NE(content(), before);
 }
 
 TEST_F(UciAccess, SetOfAnEmptyValueDeletes) {

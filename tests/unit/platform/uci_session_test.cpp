@@ -2,6 +2,7 @@
 #include "platform/uci_session.h"
 
 #include <filesystem>
+#include <stdexcept>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -63,6 +64,22 @@ TEST_F(Session, WritesAtItsEnd) {
     set("a", "2");
   }
   EXPECT_EQ(content(), kChanged);
+}
+
+TEST_F(Session, DropsWhatWasNotWrittenWhenAnExceptionEndsIt) {
+  try {
+    const UciSession session;
+    set("a", "2");
+    platform::settle_uci();
+    set("a", "3");
+    throw std::runtime_error("in the middle");
+  } catch (const std::runtime_error&) {
+    const UciSession while_it_is_handled;
+    EXPECT_EQ(content(), kChanged);
+    EXPECT_EQ(get("a"), "2");
+    set("b", "1");
+  }
+  EXPECT_EQ(get("b"), "1");
 }
 
 TEST_F(Session, WritesBeforeAChildStarts) {
