@@ -1,5 +1,5 @@
-"""Writes, renames, memory and more that fail, disks that are full or read-only, and ends at any instant: each package is
-that of some barrier, each state file old or new, and the program answers again."""
+"""Writes, renames, memory and more that fail, and disks that are full or read-only: each package is that of some barrier,
+each state file old or new, and the program answers again."""
 
 from __future__ import annotations
 
@@ -15,40 +15,34 @@ from pathlib import Path
 
 import sandbox
 from kit.router import program
-from route_documents import API
 
 from . import answers
 from .dead_platform import _body
 from .figures import Bounds, Figures
-from .units import LASTING, Unit, first_documents, get_routes, post_routes
+from .units import LASTING, Unit, first_documents, post_routes
 
 NAME = "faults"
-HELP = "writes, forks, memory and more that fail, full disks, kills at any instant"
-SHORT = None  # minutes: by itself or in the long form
+HELP = "writes, forks, memory and more that fail, full disks"
+SHORT = {"count": 80, "routes": 8}
 
 # As faults.cpp numbers them.
 KINDS = ("none", "write", "fsync", "rename", "open", "fork", "spawn", "pipe", "memory")
-ANY = len(KINDS)
 ONCE, FROM_THEN_ON, SHORT_WRITE, DIE = range(4)
 MODES = {ONCE: "once", FROM_THEN_ON: "from then on", SHORT_WRITE: "short"}
 _FIELDS = ("armed", "kind", "mode", "at", "seen", "failed", "versions")
 _MOST_OF_A_KIND = 60  # places that are tried of one kind: a request asks for memory some hundred times
 
-# Routes that write, for the kills.
-WRITING = ("router/wan-info", "wireless/setting", "wireless/detail-setting", "dhcp", "lan", "ntp", "accounts", "port-open",
-           "parental-control", "wireless/rebootschedule", "repeater/connect", "router/info")
+_ERROR = 3  # of syslog
 _PAGE = os.sysconf("SC_PAGE_SIZE")
 
 
 def parts(bounds: Bounds) -> list[tuple]:
-    """Shares: faults 60 %, kills 30 %, disks what there are."""
-    routes = post_routes()
-    faults = None if bounds.count is None else max(1, round(bounds.count * 0.5 / len(routes)))
-    kills = 42 if bounds.count is None else max(1, round(bounds.count * 0.3 / len(WRITING)))
-    disks = len(DISKS) if bounds.count is None or bounds.count > 1000 else 1
-    work = [(kills_of, (route, kills, bounds)) for route in WRITING]
-    work += [(faults_of, (route, faults, bounds)) for route in routes]
-    return work + [(disks_of, (route, disks, bounds)) for route in routes]
+    """Every place that can fail and every disk; of a count, nine tenths are places."""
+    routes = bounds.some(NAME, post_routes())
+    faults = None if bounds.count is None else max(1, round(bounds.count * 0.9 / len(routes)))
+    disks = len(DISKS) if bounds.count is None or bounds.count > 1000 else 1 if bounds.count >= len(routes) * 10 else 0
+    work = [(faults_of, (route, faults, bounds)) for route in routes]
+    return work + [(disks_of, (route, disks, bounds)) for route in routes if disks]
 
 
 class Control:
@@ -164,6 +158,7 @@ def _fault(figures: Figures, faulty: FaultyUnit, kind: int, at: int, mode: int) 
     unit, where = faulty.unit, f"{faulty.route}: {KINDS[kind]} {at} fails {MODES[mode]}"
     figures.count("tries")
     figures.count(f"{KINDS[kind]} failed")
+    log_before = len(unit.router.log())
     faulty.control.arm(kind, at, mode)
     answer = unit.send(faulty.body)
     if faulty.route not in LASTING:
@@ -173,7 +168,7 @@ def _fault(figures: Figures, faulty: FaultyUnit, kind: int, at: int, mode: int) 
     silent = answer.empty and KINDS[kind] == "memory"  # what cannot be asked for cannot be answered
     if not silent and (wrong := answers.complaint("POST", faulty.route, answer)):
         figures.lose(f"{where}: {wrong}")
-    _compare(figures, faulty, where, after, answers.result(answer) == 0)
+    compare(figures, faulty, where, after, answers.result(answer) == 0, log_before)
     if not unit.router.alive():
         if ended_by_libfcgi(unit.router):
             figures.count("ends of libfcgi's")
@@ -189,61 +184,18 @@ def ended_by_libfcgi(router) -> bool:
     return re.search(r"fcgiapp\.c:\d+: Malloc: Assertion", router.stderr()) is not None
 
 
-def _compare(figures: Figures, faulty: FaultyUnit, where: str, after: dict[str, bytes], said_success: bool) -> None:
+def compare(figures: Figures, faulty: FaultyUnit, where: str, after: dict[str, bytes], said_success: bool,
+             log_before: int = 0) -> None:
     for wrong in faulty.complaints(after):
         figures.lose(f"{where}: {wrong}")
     if any(".uci-" in path or path.endswith("~") for path in after.keys() - faulty.before.keys() if path.startswith("/etc/")):
         figures.count("temporary files left")
     stored = {path for path in faulty.changed if after.get(path) != faulty.before.get(path)}
     if said_success and faulty.changed and not stored:
-        figures.count("success without a change")
-        figures.notes.add(faulty.route)
-
-
-def kills_of(route: str, count: int, bounds: Bounds) -> Figures:
-    """Ends the program at the n-th of its calls, or the whole router after so many milliseconds, turn about."""
-    figures, faulty = Figures(), FaultyUnit(route)
-    draw = random.Random(f"{bounds.seed} kills {route}")
-    most = sum(number for kind, number in faulty.counts.items() if kind != "memory")
-    try:
-        for turn in range(count):
-            if bounds.over():
-                break
-            at, late = draw.randint(1, most), draw.uniform(0, faulty.seconds)
-            _kill(figures, faulty, at if turn % 2 == 0 else None, late)
-    finally:
-        faulty.unit.router.discard()
-    return figures
-
-
-def _kill(figures: Figures, faulty: FaultyUnit, at: int | None, late: float) -> None:
-    unit, where = faulty.unit, f"{faulty.route}: killed " + (f"at call {at}" if at else f"after {late * 1e3:.1f} ms")
-    figures.count("tries")
-    figures.count("kills")
-    faulty.control.arm(ANY, at or 0, DIE)
-    if at:
-        unit.send(faulty.body)  # answered, or broken off
-        unit.router.wait_until(lambda: not unit.router.alive_process() or _is_over(unit), "the kill")
-    else:
-        unit.router.post(API + unit.route, faulty.body, leave=True)
-        time.sleep(late)
-    unit.router.kill()
-    faulty.control.disarm()
-    after = unit.files()
-    _compare(figures, faulty, where, after, False)
-    unit.router.restart()
-    if faulty.route in get_routes() and answers.complaint("GET", faulty.route, unit.router.get(API + faulty.route)):
-        figures.lose(f"{where}: cannot be read afterwards")
-    unit.router.kill()
-    faulty.again(fresh=True)
-
-
-def _is_over(unit: Unit) -> bool:
-    """The request made fewer calls than before: other threads of it were sooner or later."""
-    if unit.route in LASTING:
-        tool, *arguments = LASTING[unit.route]
-        return any(call.args[:len(arguments)] == tuple(arguments) for call in unit.router.calls(tool))
-    return unit.is_idle()
+        told = any(line.priority == _ERROR for line in faulty.unit.router.log()[log_before:])
+        figures.count("nothing stored, success, " + ("an error logged" if told else "nothing logged"))
+        if not told:
+            figures.notes.add(f"{where}: success, nothing stored, nothing logged")
 
 
 DISKS = ("/etc/config full", "/etc/config read-only", "/tmp read-only", "/tmp full")

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import random
 import time
 from collections import Counter
 from dataclasses import dataclass, field
@@ -35,7 +36,14 @@ class Bounds:
     count: int | None = None  # tries of a section
     until: float = float("inf")  # as time.monotonic() tells it
     targets: int = 0  # seconds of each fuzz target
-    threads: bool = False  # units under ThreadSanitizer
+    threads: bool = False  # under ThreadSanitizer, too
+    routes: int | None = None  # so many routes at most, where a section looks at them one by one
+
+    def some(self, section: str, routes: list) -> list:
+        """All routes, or as many as there may be: those that the seed draws."""
+        if self.routes is None or self.routes >= len(routes):
+            return routes
+        return sorted(random.Random(f"{self.seed} {section} routes").sample(routes, self.routes))
 
     def over(self) -> bool:
         return time.monotonic() > self.until

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import argparse
+import dataclasses
 import importlib
 import multiprocessing
 import os
@@ -13,7 +14,7 @@ import traceback
 
 from .figures import Bounds, Figures, table
 
-SECTIONS = ["injection", "dead_platform", "faults", "life", "fuzzing", "sanitizers"]
+SECTIONS = ["injection", "dead_platform", "faults", "kills", "life", "fuzzing", "sanitizers"]
 
 
 def parser() -> argparse.ArgumentParser:
@@ -31,7 +32,7 @@ def parser() -> argparse.ArgumentParser:
     found.add_argument("--count", type=int, help="about so many tries of each section; default: all there are")
     found.add_argument("--seconds", type=float, help="no new try of a section after so many seconds")
     found.add_argument("--targets", type=int, default=0, metavar="SECONDS", help="fuzzing: each fuzz target, too, so long")
-    found.add_argument("--threads", action="store_true", help="sanitizers: the units under ThreadSanitizer, too")
+    found.add_argument("--threads", action="store_true", help="sanitizers: units and routes with threads under ThreadSanitizer, too")
     found.add_argument("--jobs", type=int, default=os.cpu_count() or 1, help="parts at once; default: one per processor")
     found.add_argument("--only", default="", help="only the parts whose names hold this text")
     found.add_argument("--preset", default="asan", help="whose programs; default: asan")
@@ -64,9 +65,10 @@ def name_of(work: tuple) -> str:
 
 def _run_section(module, options: argparse.Namespace) -> tuple[Figures, float]:
     begin = time.monotonic()
-    count = module.SHORT["count"] if options.short and module.SHORT else options.count
     until = begin + options.seconds if options.seconds else float("inf")
-    bounds = Bounds(options.seed, count, until, options.targets, options.threads)
+    bounds = Bounds(options.seed, options.count, until, options.targets, options.threads)
+    if options.short:
+        bounds = dataclasses.replace(bounds, **module.SHORT)
     parts = [work for work in module.parts(bounds) if options.only in name_of(work)]
     figures = Figures()
     # A process for each part: what a part leaves in memory, or breaks, is its own.
@@ -81,7 +83,7 @@ def _run_section(module, options: argparse.Namespace) -> tuple[Figures, float]:
 def main() -> int:
     known = parser()
     options = known.parse_args()
-    chosen = options.section or [name for name in SECTIONS if not options.short or _module(name).SHORT]
+    chosen = options.section or SECTIONS
     if unknown := [name for name in chosen if name not in SECTIONS]:
         known.error(f"there is no section {' '.join(unknown)}; there are: {' '.join(SECTIONS)}")
     print(f"seed {options.seed}, preset {options.preset}, {options.jobs} at once, {platform.machine()}, "

@@ -53,9 +53,7 @@ class Unit:
             prepare(self.router)
             if not start:
                 return
-            self.router.start()
-            assert self.router.alive()
-            self.idle = self.activity()
+            self._start()
             if given is not None:
                 assert self.router.post(API + given[0], given[1]).json["result"] == 0
                 self.settle()
@@ -64,6 +62,16 @@ class Unit:
         except BaseException:
             self.router.discard()
             raise
+
+    def _start(self) -> None:
+        self.router.start()
+        assert self.router.alive()
+        self.idle = self.activity()
+
+    def start_again(self) -> None:
+        """After router.kill()."""
+        self.router.restart()
+        self._start()
 
     def send(self, body: bytes) -> kit.Answer:
         """The route's request: a document travels encrypted, an upload as it is."""
