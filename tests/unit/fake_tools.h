@@ -59,13 +59,17 @@ class FakeTools {
     }
     return lines;
   }
-  // The next calls, of a thread or daemon that may not have come to them yet: as soon as there are any. None only after
-  // a minute in which there was none.
-  std::vector<std::string> awaited_calls() {
+  // At least as many calls since the last look, of a thread or a daemon that may not have come to them yet. Fewer only
+  // after a minute in which there was none.
+  std::vector<std::string> awaited_calls(std::size_t count = 1) {
     constexpr int kMinuteMs = 60'000;
-    pollfd readable{.fd = pipe_, .events = POLLIN, .revents = 0};
-    poll(&readable, 1, kMinuteMs);
-    return calls();
+    std::vector<std::string> all = calls();
+    while (all.size() < count) {
+      pollfd readable{.fd = pipe_, .events = POLLIN, .revents = 0};
+      if (poll(&readable, 1, kMinuteMs) <= 0) break;
+      for (std::string& call : calls()) all.push_back(std::move(call));
+    }
+    return all;
   }
 
  private:

@@ -8,3 +8,7 @@ add_custom_command(OUTPUT ${scans}/.made
   DEPENDS ${scans_maker})
 target_sources(unit_repeater PRIVATE ${scans}/.made)
 target_compile_definitions(unit_repeater PRIVATE UNIT_SCANS="${scans}")
+
+# The tests read the log (captured_log.h) and do not wait (waits.h).
+target_link_options(unit_repeater PRIVATE
+  "LINKER:--wrap=syslog,--wrap=__syslog_chk,--wrap=_ZN8platform13sleep_secondsEj")

@@ -8,8 +8,6 @@
 
 #include "platform/file.h"
 #include "uci_access.h"
-#include "waninfoMethod/wan_link.h"
-#include "waninfoMethod/wan_reload.h"
 
 namespace {
 
@@ -57,28 +55,6 @@ TEST_F(WanConfig, WithoutPackagesEndsAllTheSame) {
     info.wanMethod = method;
     EXPECT_EQ(set_wanInfoConfig(&info), 0U) << method;
   }
-}
-
-TEST(DebugfsNode, IsWrittenWhenItExists) {
-  const std::string node = testing::TempDir() + "node";
-  std::filesystem::remove(node);
-  EXPECT_EQ(write_debugfs_node(node.c_str(), "1"), -1) << "a node is never made";
-  EXPECT_FALSE(std::filesystem::exists(node));
-  ASSERT_TRUE(platform::write_file(node.c_str(), "0"));
-  EXPECT_EQ(write_debugfs_node(node.c_str(), "1"), 0);
-  EXPECT_EQ(platform::read_file(node.c_str()), "1") << "without a newline";
-  std::filesystem::remove(node);
-}
-
-TEST(DebugfsNode, ThatTakesNothingIsAFailure) { EXPECT_EQ(write_debugfs_node("/dev/full", "1"), -1); }
-
-TEST(WanLink, IsUnknownWithoutItsFiles) {
-  int status = 7;
-  get_wan_link_status(status);
-  EXPECT_EQ(status, 7);
-  std::string mac = "before";
-  EXPECT_EQ(get_macAddr("nosuch0", mac), 1);
-  EXPECT_EQ(mac, "before");
 }
 
 }  // namespace
