@@ -58,4 +58,7 @@ bool append(const char* package, const char* type);
 // The number of sections of a type, named or not; nullopt when the package cannot be read.
 std::optional<int> count(const char* package, const char* type);
 
+// Gives the packages that were read back, after a commit of what was changed: for whoever is done with a long one.
+void release();
+
 }  // namespace uci

@@ -86,7 +86,8 @@ def count(kit) -> dict[str, int]:
 def is_frugal(kit) -> bool:
     """Of answers to long lists."""
     frugal = True
-    for subject in (growth.log, growth.leases, growth.scan):
+    for subject in (kit.long_lists.log, kit.long_lists.leases, kit.long_lists.scan, kit.long_lists.clients,
+                    kit.long_lists.stations):
         cost = growth.Cost(kit, subject, LONG_LIST, 1)
         fits = cost.peak_kb < 3 * cost.answer_kb and cost.kept_kb < 1024
         frugal = frugal and fits

@@ -74,13 +74,16 @@ int count_entries() {
 
 // nullopt when an entry cannot be read.
 std::optional<json::ListText> read_entries() {
+  constexpr std::size_t kUsualSize = 160;  // of an entry's text
   json::ListText entries;
   const int count = count_entries();
+  entries.reserve(static_cast<std::size_t>(count) * kUsualSize);
   for (int index = 0; index < count; ++index) {
     std::optional<json::ObjectText> entry = read_entry(index);
     if (!entry) return std::nullopt;
     entries.add(*std::move(entry));
   }
+  uci::release();
   return entries;
 }
 

@@ -155,6 +155,7 @@ int answer_change(FCGX_Request* request, int result) {
 int handle_get_portopen_json(FCGX_Request* request) {
   const std::optional<int> count = uci::count(kPackage, kType);
   if (!count) return answer(request, json::result_text(1));
+  uci::release();  // the rules are read through commands
   json::ListText rules;
   for (int index = 0; index < *count; ++index) rules.add(read_rule(index));
   json::ObjectText document = json::result_text(0);

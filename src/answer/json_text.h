@@ -50,6 +50,8 @@ class ListText {
   ListText& add(std::string_view value) { return add_raw(quoted(value)); }
   ListText& add(ObjectText value) { return add_raw(std::move(value).text()); }
 
+  void reserve(std::size_t bytes) { elements_.reserve(bytes); }
+
   [[nodiscard]] std::string text() const& { return ListText(*this).take(); }
   [[nodiscard]] std::string text() && { return take(); }
 

@@ -89,8 +89,9 @@ ClientTable handle_controller_scenario(const ClientTable& arp, const TopologyInf
     clients.merge(row);
   }
   ClientTable satellites;
-  for (const ClientRecord& row : collect_topology_clients(topology, wifi)) {
-    (row.isMeshDevice ? satellites : clients).merge(row);
+  std::deque<ClientRecord> rows = collect_topology_clients(topology, wifi);
+  for (; !rows.empty(); rows.pop_front()) {  // so that a long table does not stand twice
+    (rows.front().isMeshDevice ? satellites : clients).merge(rows.front());
   }
   WiredPorts ports;
   for (const ClientRecord& row : arp.rows()) {

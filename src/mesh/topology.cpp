@@ -75,7 +75,6 @@ class TopologyParser {
     ancestry_.emplace(info_.devices.size());
     for (std::size_t number = 0; number < index_.lines().size(); ++number) read_line(number);
     if (info_.root) info_.hasAgent = info_.devices[*info_.root].hasLinks;
-    remove_duplicate_stations();
     return std::move(info_);
   }
 
@@ -221,51 +220,6 @@ class TopologyParser {
     stations_[owner].insert(mac);
   }
 
-  // The devices of the tree, children before their parents, as often as they stand in it: once.
-  std::vector<std::size_t> children_first() const {
-    std::vector<std::size_t> order;
-    if (!info_.root) return order;
-    struct Step {
-      std::size_t device;
-      std::size_t next_child;
-    };
-    std::vector<Step> path{{*info_.root, 0}};
-    while (!path.empty()) {
-      Step& step = path.back();
-      const std::vector<std::size_t>& children = info_.devices[step.device].children;
-      if (step.next_child < children.size()) {
-        const std::size_t child = children[step.next_child++];
-        path.push_back({child, 0});
-      } else {
-        order.push_back(step.device);
-        path.pop_back();
-      }
-    }
-    return order;
-  }
-
-  // A client seen behind several devices is kept behind the deepest one; of equals, behind the first one met.
-  void remove_duplicate_stations() {
-    struct Best {
-      int level = -1;
-      std::size_t owner = 0;
-    };
-    std::unordered_map<Mac, Best> best;
-    const std::vector<std::size_t> order = children_first();
-    for (const std::size_t owner : order) {
-      for (const TopologyStation& station : info_.devices[owner].stations) {
-        Best& known = best[station.mac];
-        if (station.level > known.level) known = {station.level, owner};
-      }
-    }
-    for (const std::size_t owner : order) {
-      std::erase_if(info_.devices[owner].stations, [&](const TopologyStation& station) {
-        const Best& kept = best[station.mac];
-        return kept.level != station.level || kept.owner != owner;
-      });
-    }
-  }
-
   DumpIndex index_;
   const TopologySources& sources_;
   BackhaulReader backhaul_;
@@ -286,10 +240,57 @@ class TopologyParser {
   bool in_bridged_ = false;
 };
 
+// The devices of the tree, children before their parents, as often as they stand in it: once.
+std::vector<std::size_t> children_first(const TopologyInfo& info) {
+  std::vector<std::size_t> order;
+  if (!info.root) return order;
+  struct Step {
+    std::size_t device;
+    std::size_t next_child;
+  };
+  std::vector<Step> path{{*info.root, 0}};
+  while (!path.empty()) {
+    Step& step = path.back();
+    const std::vector<std::size_t>& children = info.devices[step.device].children;
+    if (step.next_child < children.size()) {
+      const std::size_t child = children[step.next_child++];
+      path.push_back({child, 0});
+    } else {
+      order.push_back(step.device);
+      path.pop_back();
+    }
+  }
+  return order;
+}
+
+// A client seen behind several devices is kept behind the deepest one; of equals, behind the first one met.
+void remove_duplicate_stations(TopologyInfo& info) {
+  struct Best {
+    int level = -1;
+    std::size_t owner = 0;
+  };
+  std::unordered_map<Mac, Best> best;
+  const std::vector<std::size_t> order = children_first(info);
+  for (const std::size_t owner : order) {
+    for (const TopologyStation& station : info.devices[owner].stations) {
+      Best& known = best[station.mac];
+      if (station.level > known.level) known = {station.level, owner};
+    }
+  }
+  for (const std::size_t owner : order) {
+    std::erase_if(info.devices[owner].stations, [&](const TopologyStation& station) {
+      const Best& kept = best[station.mac];
+      return kept.level != station.level || kept.owner != owner;
+    });
+  }
+}
+
 }  // namespace
 
 TopologyInfo parse_topology(DumpLines dump, const TopologySources& sources) {
-  return TopologyParser(std::move(dump), sources).parse();
+  TopologyInfo info = TopologyParser(std::move(dump), sources).parse();
+  remove_duplicate_stations(info);  // the dump is gone by now: both at a time would be much memory
+  return info;
 }
 
 TopologyInfo parse_topology(std::string_view dump, const TopologySources& sources) {

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "platform/uci_session.h"
 #include "uci_access.h"
 
 namespace uci {
@@ -55,5 +56,7 @@ std::optional<int> count(const char* package, const char* type) {
   const int found = uci_count_sections(package, type);
   return found < 0 ? std::nullopt : std::optional(found);
 }
+
+void release() { platform::release_uci(); }
 
 }  // namespace uci

@@ -12,6 +12,7 @@ import os
 import select
 import shutil
 import socket
+import struct
 import subprocess
 import tempfile
 import time
@@ -62,6 +63,7 @@ class Router:
         self.real_time = False  # True: waits take their time and are not kept as calls
         self.time_rate = 1  # how much sooner the program's limits (of tools, of clients) are over
         self.count_uci = False  # True: uci_calls() tells which packages the program loads and commits
+        self.count_memory = False  # True: memory() tells what the program holds
         self.preload: list[Path] = []  # further shared objects of the test's own
         self.environment: dict[str, str] = {}
         self._process: subprocess.Popen | None = None
@@ -205,7 +207,7 @@ class Router:
             self.root.mount(libuci, f"/router/lib/{libuci.name}")
             environment["LD_LIBRARY_PATH"] = "/router/lib"
         environment["FAST_TIME_RATE"] = str(self.time_rate)
-        shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci}
+        shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci, "MEMORY_LIB": self.count_memory}
         loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None]
         loaded += self.preload
         for shim in loaded:
@@ -320,6 +322,17 @@ class Router:
 
     def forget_uci_calls(self) -> None:
         self.write("/router/uci_calls", "")
+
+    def memory(self) -> "tuple[int, int] | None":
+        """The bytes that the program holds, and the most that it held since forget_memory(). Only with count_memory =
+        True before the first request; None where no sanitizer counts them."""
+        counts = self.root.path("/router/memory")
+        return struct.unpack("qq", counts.read_bytes()) if counts.exists() else None
+
+    def forget_memory(self) -> None:
+        with open(self.root.path("/router/memory"), "r+b") as counts:
+            held = counts.read(8)
+            counts.write(held)
 
     def wait_for_call(self, tool: str, *args: str, times: int = 1) -> list[Call]:
         """Waits until the tool was called with these first arguments (`times` times); the calls up to that one."""
