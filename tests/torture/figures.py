@@ -37,6 +37,7 @@ class Bounds:
     until: float = float("inf")  # as time.monotonic() tells it
     targets: int = 0  # seconds of each fuzz target
     threads: bool = False  # under ThreadSanitizer, too
+    clients: int = 64  # at once, through the web server
     routes: int | None = None  # so many routes at most, where a section looks at them one by one
 
     def some(self, section: str, routes: list) -> list:
