@@ -8,7 +8,10 @@ import socket
 import pytest
 from process_state import below, sockets, sockets_that_children_keep
 
+from torture.faults import KINDS, THROW, THROW_STANDARD, Control
+
 from kit import HOSTILE, decrypt, encrypt, fastcgi
+from kit.router import program
 
 LAN = "/api/v1/lan"
 DECRYPT = ("jwe", "dec", "-i-", "-p")
@@ -233,3 +236,18 @@ def test_a_program_whose_socket_is_gone_says_so_and_ends_well(router):
     router.get("/api/v1/nothing")
     assert router.stop() == 0
     assert "FCGX_Accept_r: " in router.stderr()
+
+
+# What no handler should throw.
+
+@pytest.mark.parametrize(("mode", "told"), [(THROW, "no standard exception"), (THROW_STANDARD, "std::bad_alloc")])
+@pytest.mark.parametrize("uri", [LAN, "/api/v1/ntp"])
+def test_what_is_thrown_is_answered_and_the_loop_goes_on(router, uri, mode, told):
+    router.preload = [program("TORTURE_FAULTS_LIB")]
+    faults = Control(router)
+    assert router.get(uri).json["result"] == 0
+    faults.arm(KINDS.index("spawn"), at=1, mode=mode)
+    a = router.get(uri)
+    assert a.json == {"result": 1} and not a.encrypted and a.fcgi.ended
+    assert router.logged(f"request failed: {told}", priority=3)
+    assert router.get(uri).json["result"] == 0

@@ -229,6 +229,15 @@ def test_a_connected_repeater_shows_the_operating_channels(router, status, mesh_
                          "iw dev wifi1 info", "iw dev wifi2 info"]
 
 
+def test_a_connected_repeater_whose_mlds_cannot_be_asked_answers_result_1(router):
+    router.set("system.@system[0].op_mode", "re")
+    router.set("repeater.repeater_band.status", "success")
+    router.write("/router/no-children", "iw dev mld2 info")
+    assert router.get(SETTING).json == {"result": 1}
+    assert router.logged("popen error", priority=3)
+    assert router.commands() == ["iw dev mld1 info"]
+
+
 def test_a_connected_repeater_whose_mlds_are_down_shows_what_the_radios_say(router):
     router.set("system.@system[0].op_mode", "re")
     router.set("repeater.repeater_band.status", "success")

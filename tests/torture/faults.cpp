@@ -21,7 +21,7 @@
 namespace {
 
 enum Kind : int { kNone, kWrite, kFsync, kRename, kOpen, kFork, kSpawn, kPipe, kMemory, kKinds };
-enum Mode : int { kOnce, kFromThenOn, kShort, kDie };
+enum Mode : int { kOnce, kFromThenOn, kShort, kDie, kThrow, kThrowStandard };
 constexpr int kAny = kKinds;  // of kind: each of them but memory counts as one
 
 // As tests/torture/faults.py maps it.
@@ -59,12 +59,14 @@ bool fails(Kind kind, int error) {
   const int at = control->at.load();
   if (at == 0 || number < at) return false;
   const int mode = control->mode.load();
-  if (mode == kOnce && number != at) return false;
+  if ((mode == kOnce || mode == kThrow || mode == kThrowStandard) && number != at) return false;
   if (mode == kDie) {
     kill(getpid(), SIGKILL);
     while (true) pause();
   }
   control->failed.fetch_add(1);
+  if (mode == kThrow) throw 1;  // what no library means to throw
+  if (mode == kThrowStandard) throw std::bad_alloc();
   errno = error;
   return true;
 }

@@ -27,7 +27,7 @@ SHORT = {"count": 80, "routes": 8}
 
 # As faults.cpp numbers them.
 KINDS = ("none", "write", "fsync", "rename", "open", "fork", "spawn", "pipe", "memory")
-ONCE, FROM_THEN_ON, SHORT_WRITE, DIE = range(4)
+ONCE, FROM_THEN_ON, SHORT_WRITE, DIE, THROW, THROW_STANDARD = range(6)
 MODES = {ONCE: "once", FROM_THEN_ON: "from then on", SHORT_WRITE: "short"}
 _FIELDS = ("armed", "kind", "mode", "at", "seen", "failed", "versions")
 _MOST_OF_A_KIND = 60  # places that are tried of one kind: a request asks for memory some hundred times
