@@ -65,8 +65,6 @@ bool fails(Kind kind, int error) {
     while (true) pause();
   }
   control->failed.fetch_add(1);
-  if (mode == kThrow) throw 1;  // what no library means to throw
-  if (mode == kThrowStandard) throw std::bad_alloc();
   errno = error;
   return true;
 }
@@ -171,7 +169,10 @@ pid_t fork() {
 int posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_t* actions,
                  const posix_spawnattr_t* attributes, char* const argv[], char* const environment[]) {
   REAL(posix_spawnp);
-  return fails(kSpawn, EAGAIN) ? EAGAIN : real(child, file, actions, attributes, argv, environment);
+  if (!fails(kSpawn, EAGAIN)) return real(child, file, actions, attributes, argv, environment);
+  if (control->mode.load() == kThrow) throw 1;  // what no library means to throw
+  if (control->mode.load() == kThrowStandard) throw std::bad_alloc();
+  return EAGAIN;
 }
 
 int pipe2(int* ends, int flags) {
