@@ -102,7 +102,9 @@ class Root:
         if stand_in is None:
             return
         self.mount(stand_in, "/router/stand-in")
-        for name in STAND_INS + STAND_IN_PATHS:
+        for name in STAND_INS:
+            os.symlink("/router/stand-in", self.fs / "router/bin" / name)
+        for name in STAND_IN_PATHS:
             self.stand_in(name)
 
     def prepare(self, brand: str, mode: str = "router", packages: bool = True) -> None:
@@ -155,9 +157,20 @@ class Root:
             place.unlink()
 
     def copy_tree(self, source: Path, path: str) -> None:
-        """Copies the files below `source` over those below `path`."""
-        if source.is_dir():
-            shutil.copytree(source, self.path(path), symlinks=True, dirs_exist_ok=True)
+        """Copies the files below `source` over those below `path`, with their modes and times."""
+        target = str(self.path(path))
+        os.makedirs(target, exist_ok=True)
+        for name, content, status in _factory_tree(source) if source.is_relative_to(FACTORY) else _tree(source):
+            place = f"{target}/{name}"
+            if content is None:
+                os.makedirs(place, exist_ok=True)
+            elif isinstance(content, str):
+                os.symlink(content, place)
+            else:
+                with open(place, "wb", buffering=0) as file:
+                    file.write(content)
+                os.chmod(place, status.st_mode)
+                os.utime(place, ns=(status.st_atime_ns, status.st_mtime_ns))
 
     # Tools. A name is a tool's name ("ifconfig") or the path it is called by ("/etc/init.d/dnsmasq").
 
@@ -279,6 +292,21 @@ class Root:
 def to_bytes(content: str | bytes) -> bytes:
     """A text as the router keeps it; lone surrogates stand for the bytes that are not UTF-8."""
     return content if isinstance(content, bytes) else content.encode("utf-8", "surrogateescape")
+
+
+def _tree(source: Path) -> list[tuple[str, bytes | str | None, os.stat_result]]:
+    """All that stands below a folder, folders first: name, content (None of a folder, of a link its target), status."""
+    entries = []
+    for folder, folders, files in os.walk(source):
+        for name in (*folders, *files):
+            place = os.path.join(folder, name)
+            content = os.readlink(place) if os.path.islink(place) else None if name in folders else Path(place).read_bytes()
+            entries.append((os.path.relpath(place, source), content, os.lstat(place)))
+    return entries
+
+
+# What the router leaves the factory with is read once: tests make it by the thousand.
+_factory_tree = functools.cache(_tree)
 
 
 def _machine_mounts() -> list[str]:
