@@ -35,14 +35,16 @@ int hide_listening_socket() {
   return moved;
 }
 
-// A request that was ended has its answer.
+// What fails behind its answer, as work that cannot be started any more, has said all that it has to say. So has a
+// request that was ended.
 void answer_failure(FCGX_Request* request) {
-  if (request->out != nullptr) answer_plain(request, kResultUnusable);
+  if (request->out != nullptr && !has_answer_begun()) answer_plain(request, kResultUnusable);
 }
 
-// No exception leaves a request: answers are complete before their first byte is written, so a client whose request
-// failed that way has got nothing yet and is told so. The loop lives on.
+// No exception leaves a request: answers are complete before their first byte is written, so a client is told of the
+// failure, or has its answer whole. The loop lives on.
 void dispatch_guarded(FCGX_Request* request) {
+  expect_answer();
   try {
     dispatch_request(request);
   } catch (const std::exception& error) {

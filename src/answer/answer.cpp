@@ -11,11 +11,18 @@
 
 namespace {
 
+bool has_begun = false;  // requests are answered one after another, all by one thread
+
 void write_bytes(FCGX_Request* request, std::string_view text) {
+  has_begun = true;
   FCGX_PutStr(text.data(), static_cast<int>(text.size()), request->out);
 }
 
 }  // namespace
+
+void expect_answer() { has_begun = false; }
+
+bool has_answer_begun() { return has_begun; }
 
 void write_json_headers(FCGX_Request* request) {
   platform::settle_uci();  // whoever reads the answer may look at the packages

@@ -10,6 +10,11 @@
 #include "answer/json_text.h"
 #include "result_envelope.h"
 
+// A request begins: nothing of its answer is written yet.
+void expect_answer();
+// Something of it has been written since.
+bool has_answer_begun();
+
 // "Content-Type: application/json", "Status: 200 OK" and the empty line.
 void write_json_headers(FCGX_Request* request);
 

@@ -4,12 +4,12 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <sys/socket.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
@@ -87,7 +87,7 @@ bool start_detached(std::function<void()> work) {
       run_guarded(work);
     }).detach();
     return true;
-  } catch (const std::system_error&) {
+  } catch (const std::exception&) {  // no thread, or no memory for one
     return false;
   }
 }
