@@ -9,6 +9,8 @@ import urllib.request
 from dataclasses import dataclass
 from pathlib import Path
 
+from body import Body
+
 _LIGHTTPD = Path(__file__).resolve().parent / "factory" / "files" / "etc" / "lighttpd"
 _PROTECTED = _LIGHTTPD / "jwe-protected.json"
 _KEY = _LIGHTTPD / "jwe-key.json"
@@ -49,7 +51,7 @@ def is_encrypted(body: bytes) -> bool:
 
 
 @dataclass
-class Answer:
+class Answer(Body):
     status: int
     headers: dict[str, str]  # names in lower case
     body: bytes  # as sent
@@ -59,18 +61,9 @@ class Answer:
     def encrypted(self) -> bool:
         return is_encrypted(self.body)
 
-    @property
-    def data(self) -> bytes:
-        """The body, decrypted when it was encrypted."""
-        return decrypt(self.body) if self.encrypted else self.body
-
-    @property
-    def text(self) -> str:
-        return self.data.decode("utf-8", "surrogateescape")
-
-    @property
-    def json(self):
-        return json.loads(self.text)
+    @staticmethod
+    def decrypt(text: bytes) -> bytes:
+        return decrypt(text)
 
 
 def request(base: str, method: str, uri: str, body: bytes | None = None, plain: bool = False,

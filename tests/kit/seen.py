@@ -3,8 +3,9 @@
 from __future__ import annotations
 
 import base64
-import json
 from dataclasses import dataclass
+
+from body import Body
 
 from . import fastcgi
 
@@ -37,7 +38,7 @@ class LogLine:
         return self.text
 
 
-class Answer:
+class Answer(Body):
     """What came back for one request."""
 
     def __init__(self, response: fastcgi.Response):
@@ -50,19 +51,14 @@ class Answer:
         self.status = int(self.headers.get("status", "200").split()[0]) if head else None
         self.encrypted = self.body.startswith(_JWE_MARK)
 
-    @property
-    def data(self) -> bytes:
-        """The body as sent, decrypted when it was encrypted."""
-        return decrypt(self.body) if self.encrypted else self.body
-
-    @property
-    def text(self) -> str:
-        return self.data.decode("utf-8", "surrogateescape")
+    @staticmethod
+    def decrypt(text: bytes) -> bytes:
+        return decrypt(text)
 
     @property
     def json(self):
         assert not self.empty, "nothing was answered"
-        return json.loads(self.text)
+        return super().json
 
     def __repr__(self) -> str:
         kind = "encrypted" if self.encrypted else "plain"
