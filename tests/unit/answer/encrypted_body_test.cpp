@@ -1,16 +1,13 @@
 // Texts through a `jose` of the test's own. What the program gives it is asked over FastCGI, with a recording one.
 #include "encrypted_body.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
-#include <sys/stat.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "captured_log.h"
-#include "platform/file.h"
+#include "fake_tools.h"
 
 namespace {
 
@@ -19,23 +16,12 @@ using ::testing::IsEmpty;
 
 class Jose : public ::testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(folder_); }
-  void TearDown() override {
-    std::filesystem::remove_all(folder_);
-    setenv("PATH", path_.c_str(), 1);
-  }
-  void provide(const std::string& script) {
-    const std::string file = folder_ + "/jose";
-    ASSERT_TRUE(platform::write_file(file.c_str(), "#!/bin/sh\n" + script));
-    chmod(file.c_str(), 0755);
-    setenv("PATH", (folder_ + ":" + path_).c_str(), 1);
-  }
+  void provide(const std::string& script) { tools_.provide("jose", script); }
   static std::string encrypt(const std::string& text) { return encrypt_content_api(text.c_str()).value_or("(none)"); }
   static std::string decrypt(const std::string& text) {
     return decrypt_content_api(text.c_str(), text.size()).value_or("(none)");
   }
-  std::string folder_ = "/tmp/encrypted_body_test";
-  std::string path_ = getenv("PATH");
+  FakeTools tools_;
   CapturedLog log_;
 };
 

@@ -1,16 +1,16 @@
 // What `iw` says of the access point that a station is joined to.
+#include <string>
+
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "platform/file.h"
-#include "platform/test_tool.h"
+#include "fake_tools.h"
 #include "system_helpers.h"
 
 namespace {
 
-using GetLinkBssid = TestTool;
-
-TEST_F(GetLinkBssid, TakesTheAddressBehindConnectedTo) {
-  provide("iw", "cat /tmp/test_tools/link\n");
+TEST(GetLinkBssid, TakesTheAddressBehindConnectedTo) {
+  FakeTools tools;
   struct Row {
     const char* output;
     const char* bssid;
@@ -19,8 +19,9 @@ TEST_F(GetLinkBssid, TakesTheAddressBehindConnectedTo) {
                          Row{"Connected to aa:bb:cc:dd:ee:0f(on ath03)\n", "AA:BB:CC:DD:EE:0F"},
                          Row{"Connected to aa:bb:cc (on ath03)\n", ""}, Row{"Connected to aa:bb:cc:dd:ee:0f\n", ""},
                          Row{"Not connected.\n", ""}, Row{"", ""}}) {
-    ASSERT_TRUE(platform::write_file("/tmp/test_tools/link", row.output));
+    tools.provide("iw", std::string("printf '%s' '") + row.output + "'");
     EXPECT_EQ(get_link_bssid("ath03"), row.bssid) << row.output;
+    EXPECT_THAT(tools.calls(), ::testing::ElementsAre("iw dev ath03 link"));
   }
 }
 

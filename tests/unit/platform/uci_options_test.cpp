@@ -1,20 +1,25 @@
 // Options through the `uci` command, which gets every value as one argument.
 #include <array>
+#include <filesystem>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "fake_tools.h"
 #include "platform/file.h"
-#include "platform/test_tool.h"
 #include "system_helpers.h"
 
 namespace {
 
-using GetUciOptionValue = TestTool;
-using SetUciOptionValue = TestTool;
+class UciTool : public ::testing::Test {
+ protected:
+  FakeTools tools_;
+};
+using GetUciOptionValue = UciTool;
+using SetUciOptionValue = UciTool;
 
 TEST_F(GetUciOptionValue, CopiesAtMost31BytesWithoutATerminator) {
-  provide("uci", "[ \"$*\" = 'get network.lan.ipaddr' ] && echo 0123456789012345678901234567890123456789\n");
+  tools_.provide("uci", "[ \"$*\" = 'get network.lan.ipaddr' ] && echo 0123456789012345678901234567890123456789\n");
   std::array<char, 40> out;
   out.fill('#');
   EXPECT_EQ(get_uci_option_value("network", "lan", "ipaddr", out.data(), out.size()), 0);
@@ -22,7 +27,7 @@ TEST_F(GetUciOptionValue, CopiesAtMost31BytesWithoutATerminator) {
 }
 
 TEST_F(GetUciOptionValue, OfAMissingOptionLeavesTheBuffer) {
-  provide("uci", "exit 1\n");
+  tools_.provide("uci", "exit 1\n");
   std::array<char, 8> out{'k', 'e', 'p', 't', 0};
   EXPECT_EQ(get_uci_option_value("network", "lan", "nope", out.data(), out.size()), 0);
   EXPECT_STREQ(out.data(), "kept");
@@ -30,11 +35,12 @@ TEST_F(GetUciOptionValue, OfAMissingOptionLeavesTheBuffer) {
 }
 
 TEST_F(SetUciOptionValue, HandsTheValueOverAsOneArgumentAndCommits) {
-  provide("uci", "for word in \"$@\"; do printf '<%s>' \"$word\"; done >> /tmp/test_tools/said\n");
+  tools_.provide("uci", "for word in \"$@\"; do printf '<%s>' \"$word\"; done >> /tmp/uci_options_test\n");
   EXPECT_EQ(set_uci_option_value("wireless", "ath0", "ssid", "a b;$(c)'"), 0);
   EXPECT_EQ(del_uci_option_value("wireless", "ath0", "ssid"), 0);
-  EXPECT_EQ(platform::read_file("/tmp/test_tools/said"),
+  EXPECT_EQ(platform::read_file("/tmp/uci_options_test"),
             "<set><wireless.ath0.ssid=a b;$(c)'><commit><wireless><delete><wireless.ath0.ssid><commit><wireless>");
+  std::filesystem::remove("/tmp/uci_options_test");
   EXPECT_EQ(set_uci_option_value("wireless", "ath0", "ssid", nullptr), -1);
   EXPECT_EQ(del_uci_option_value("wireless", "ath0", nullptr), -1);
 }
