@@ -38,7 +38,7 @@ int hide_listening_socket() {
 // What fails behind its answer, as work that cannot be started any more, has said all that it has to say. So has a
 // request that was ended.
 void answer_failure(FCGX_Request* request) {
-  if (request->out != nullptr && !has_answer_begun()) answer_plain(request, kResultUnusable);
+  if (request->out != nullptr && !has_answer_begun()) answer_plain(request, answers::kUnusable);
 }
 
 // No exception leaves a request: answers are complete before their first byte is written, so a client is told of the

@@ -11,6 +11,8 @@
 
 namespace {
 
+using answers::Result;
+
 constexpr SwitchOption kPptp{"pptpEnable", "security", "security", "pptp"};
 constexpr SwitchOption kIpsec{"ipsecEnable", "security", "security", "ipsec"};
 constexpr SwitchOption kDos{"dosEnable", "security", "security", "dos"};
@@ -21,32 +23,32 @@ constexpr SwitchOption kSpiChanged{"", "security", "security", "autoflag"};
 // `first` is reported first and read last.
 int answer_switches(FCGX_Request* request, const SwitchOption& first, const SwitchOption& second) {
   const std::optional<bool> second_value = stored_switch(second);
-  if (!second_value) return answer(request, kResultUnusable);
+  if (!second_value) return answer(request, answers::kUnusable);
   const std::optional<bool> first_value = stored_switch(first);
-  if (!first_value) return answer(request, kResultUnusable);
+  if (!first_value) return answer(request, answers::kUnusable);
   json::ObjectText document = json::result_text(0);
   document.add("version", 1).add(first.key, int{*first_value}).add(second.key, int{*second_value});
   return answer(request, std::move(document));
 }
 
-int answer_and_reload(FCGX_Request* request, int result) {
+int answer_and_reload(FCGX_Request* request, Result result) {
   answer_result(request, result);
-  if (result == 0) platform::start_detached(exec_securityReload);
-  return result;
+  if (result == Result::kOk) platform::start_detached(exec_securityReload);
+  return static_cast<int>(result);
 }
 
-// The `result` to answer; what was written before a failure stays.
-int apply_passthrough(const json::Object& asked) {
-  const int result = apply_switch(asked, kPptp);
-  return result != 0 ? result : apply_switch(asked, kIpsec);
+// What was written before a failure stays.
+Result apply_passthrough(const json::Object& asked) {
+  const Result result = apply_switch(asked, kPptp);
+  return result != Result::kOk ? result : apply_switch(asked, kIpsec);
 }
 
-int apply_protect(const json::Object& asked) {
-  if (const int result = apply_switch(asked, kDos); result != 0) return result;
+Result apply_protect(const json::Object& asked) {
+  if (const Result result = apply_switch(asked, kDos); result != Result::kOk) return result;
   const std::optional<bool> old_spi = stored_switch(kSpi);
-  if (const int result = apply_switch(asked, kSpi); result != 0) return result;
+  if (const Result result = apply_switch(asked, kSpi); result != Result::kOk) return result;
   if (old_spi != asked.flag(kSpi.key)) set_switch(kSpiChanged, true);
-  return 0;
+  return Result::kOk;
 }
 
 }  // namespace

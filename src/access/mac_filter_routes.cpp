@@ -17,7 +17,6 @@
 namespace {
 
 constexpr const char* kPackageFile = "/etc/config/macfilter";
-constexpr std::string_view kOkWait100 = R"({"result": 0, "version": 1, "waitTime": 100})";
 constexpr std::size_t kOpModeSize = 12;
 constexpr std::size_t kPbcSize = 4;
 constexpr int kDecimal = 10;
@@ -37,7 +36,7 @@ unsigned long read_pbc(const char* ifname, const char* failure, platform::LogPla
 
 // Failure answers of both routes are plain.
 int refuse(FCGX_Request* request) {
-  answer_plain(request, kResultUnusable);
+  answer_plain(request, answers::kUnusable);
   return 1;
 }
 
@@ -136,5 +135,5 @@ int handle_get_mac_filter(FCGX_Request* request) {
 
 int handle_set_mac_filter(FCGX_Request* request, const char* body) {
   if (apply_mac_filter(body) != 0) return refuse(request);
-  return answer(request, kOkWait100);
+  return answer(request, answers::wait(100));
 }

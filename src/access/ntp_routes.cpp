@@ -14,30 +14,30 @@
 
 namespace {
 
+using answers::Result;
+
 constexpr std::size_t kTextSize = 256;
 
 uci::Section ntp() { return {"system", "ntp"}; }
 
-// Each answers its part of the result: 0 applied, 1 missing, 2 failed.
-
-int apply_enable(const std::optional<int>& enable) {
-  if (!enable) return 1;
+Result apply_enable(const std::optional<int>& enable) {
+  if (!enable) return Result::kUnusable;
   const std::string text = std::to_string(static_cast<unsigned int>(*enable));
-  if (ntp().set("enabled", text)) return 0;
+  if (ntp().set("enabled", text)) return Result::kOk;
   log_error("fail to set system.ntp.enabled by uci api");
-  return 2;
+  return Result::kFailed;
 }
 
-int apply_server(const std::string& server) {
-  if (server.empty()) return 1;
-  int result = 0;
+Result apply_server(const std::string& server) {
+  if (server.empty()) return Result::kUnusable;
+  Result result = Result::kOk;
   if (!ntp().remove("server")) {
     log_error("fail to del system.ntp.server by uci api");
-    result = 2;
+    result = Result::kFailed;
   }
   if (!ntp().add_to_list("server", server)) {
     log_error("fail to set system.ntp.server by uci api");
-    result = 2;
+    result = Result::kFailed;
   }
   return result;
 }
@@ -48,12 +48,12 @@ int handle_get_ntp_server(FCGX_Request* request) {
   const std::optional<std::string> enabled = ntp().read("enabled", kTextSize);
   if (!enabled) {
     log_error("Fail to get system.ntp.enabled value by uci api");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const auto servers = ntp().read_list("server", kTextSize, 1);
   if (!servers) {
     log_error("Fail to get system.ntp.server value by uci api");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   json::ObjectText document = json::result_text(0);
   document.add("version", 1).add("enable", std::atoi(enabled->c_str()));
@@ -65,20 +65,20 @@ int handle_get_ntp_server(FCGX_Request* request) {
 int handle_set_ntp_config(FCGX_Request* request, const char* body) {
   if (body == nullptr || *body == '\0') {
     log_error("empty request_body is passed on seting dhcp config");
-    return answer_plain(request, kResultUnusable);
+    return answer_plain(request, answers::kUnusable);
   }
   const json::Document document(body);
   if (!document) {
     log_error("can't parse request_body to json format.");
-    return answer_plain(request, kResultUnusable);
+    return answer_plain(request, answers::kUnusable);
   }
   const std::optional<int> enable = document->number("enable");
   const std::string server = document->text("server").value_or("");
-  if (!platform::is_one_line(server)) return answer_plain(request, kResultUnusable);
-  const int enable_result = apply_enable(enable);
-  const int server_result = apply_server(server);
-  const int result = server_result != 0 ? server_result : enable_result;  // the later step decides
-  if (result != 0) return answer_plain(request, result == 1 ? kResultUnusable : kResultFailed);
+  if (!platform::is_one_line(server)) return answer_plain(request, answers::kUnusable);
+  const Result enable_result = apply_enable(enable);
+  const Result server_result = apply_server(server);
+  const Result result = server_result != Result::kOk ? server_result : enable_result;  // the later step decides
+  if (result != Result::kOk) return answer_plain(request, answers::refusal(result));
   os_system(*enable != 0 ? "/etc/init.d/sysntpd restart &" : "/etc/init.d/sysntpd stop &");
-  return answer(request, kResultOkWait20);
+  return answer(request, answers::wait(20));
 }

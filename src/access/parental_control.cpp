@@ -22,7 +22,6 @@ constexpr const char* kPackage = "mia";
 constexpr const char* kType = "macbind";
 constexpr std::size_t kMostIds = 2048;
 constexpr std::size_t kValueSize = 1024;
-constexpr std::string_view kResultOkWait10 = R"({"result": 0, "version": 1, "waitTime": 10})";
 
 struct Field {
   const char* key;
@@ -173,7 +172,7 @@ int parental_control_delete_from_json(const char* body) {
 
 // The firewall is restarted after a failure, too: the list may be half written.
 int answer_change(FCGX_Request* request, int result) {
-  answer(request, result == 0 ? kResultOkWait10 : kResultUnusable);
+  answer(request, result == 0 ? answers::wait(10) : answers::kUnusable);
   restart_firewall();
   return result;
 }

@@ -24,7 +24,6 @@ constexpr const char* kType = "redirect";
 constexpr std::size_t kMostIds = 256;
 constexpr int kTcp = 1;
 constexpr int kUdp = 2;
-constexpr std::string_view kResultOkWait5 = R"({"result": 0, "version": 1, "waitTime": 5})";
 
 // Sizes of the fields, with their terminator.
 constexpr std::size_t kNameSize = 1024;
@@ -145,7 +144,7 @@ int port_mapping_delete_from_json(const char* body) {
 }
 
 int answer_change(FCGX_Request* request, int result) {
-  answer(request, result == 0 ? kResultOkWait5 : kResultUnusable);
+  answer(request, result == 0 ? answers::wait(5) : answers::kUnusable);
   restart_firewall();
   return result;
 }

@@ -1,4 +1,5 @@
 // GET and POST /api/v1/remote-maintenance: the maker's update and management agents.
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <optional>
@@ -13,6 +14,8 @@
 #include "unit/brand.h"
 
 namespace {
+
+using answers::Result;
 
 constexpr SwitchOption kUpdates{"enable", "hota", "info", "auto"};
 constexpr SwitchOption kDetails{"detailInfoSendEnable", "firmware", "idm", "enabled"};
@@ -37,29 +40,28 @@ json::ObjectText read_state() {
 
 // Runs the commands until one fails.
 template <std::size_t kCount>
-int run_chain(const std::array<const char*, kCount>& commands) {
-  for (const char* command : commands) {
-    if (os_system(command) != 1) return 2;
-  }
-  return 0;
+Result run_chain(const std::array<const char*, kCount>& commands) {
+  const bool is_done = std::ranges::all_of(commands, [](const char* command) { return os_system(command) == 1; });
+  return is_done ? Result::kOk : Result::kFailed;
 }
 
-int apply_agents(bool enable) {
+Result apply_agents(bool enable) {
   constexpr std::array<const char*, 2> kStart{"/usr/sbin/IDM_from_qv/idm_start &", "/etc/init.d/nwm_package start &"};
   constexpr std::array<const char*, 3> kStop{"/usr/sbin/hotacron", "/usr/sbin/IDM_from_qv/idm_stop &",
                                              "/etc/init.d/nwm_package stop &"};
   return enable ? run_chain(kStart) : run_chain(kStop);
 }
 
-// The `result` to answer.
-int apply_state(const json::Object& asked) {
+constexpr std::array<const char*, 1> kRenew{"/usr/sbin/hotacron"};
+
+Result apply_state(const json::Object& asked) {
   const brands::Brand* brand = unit::brand_of_device_id();
-  if (!asked.flag(kUpdates.key) || brand == nullptr) return 1;
+  if (!asked.flag(kUpdates.key) || brand == nullptr) return Result::kUnusable;
   const bool has_agents = brand->has_maintenance_agents;
-  if (has_agents && !asked.flag(kDetails.key)) return 1;
-  if (const int result = apply_switch(asked, kUpdates); result != 0) return result;
-  if (!has_agents) return os_system("/usr/sbin/hotacron") == 1 ? 0 : 2;
-  if (const int result = apply_switch(asked, kDetails); result != 0) return result;
+  if (has_agents && !asked.flag(kDetails.key)) return Result::kUnusable;
+  if (const Result result = apply_switch(asked, kUpdates); result != Result::kOk) return result;
+  if (!has_agents) return run_chain(kRenew);
+  if (const Result result = apply_switch(asked, kDetails); result != Result::kOk) return result;
   return apply_agents(asked.flag(kUpdates.key) == true);
 }
 

@@ -48,8 +48,8 @@ int handle_set_fsecure_sense(FCGX_Request* request, const char* body) {
   constexpr std::size_t kOpModeSize = 16;
   const std::optional<bool> enable = json::Document(body)->flag("enable");
   const bool is_router = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "") == "router";
-  if (!has_service() || !is_router || !enable) return answer(request, kResultUnusable);
-  if (!set_switch(kDisabled, !*enable)) return answer(request, kResultFailed);
+  if (!has_service() || !is_router || !enable) return answer(request, answers::kUnusable);
+  if (!set_switch(kDisabled, !*enable)) return answer(request, answers::kFailed);
   os_system(*enable ? "/opt/sense/bin/sense_init.sh start &" : "/opt/sense/bin/sense_init.sh stop &");
-  return answer(request, kResultOkWait20);
+  return answer(request, answers::wait(20));
 }

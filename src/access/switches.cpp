@@ -10,6 +10,8 @@
 #include "system_helpers.h"
 #include "uci_section.h"
 
+using answers::Result;
+
 std::optional<bool> stored_switch(const SwitchOption& which) {
   constexpr std::size_t kSwitchSize = 8;
   const std::optional<std::string> text = uci::Section(which.package, which.section).read(which.option, kSwitchSize);
@@ -20,15 +22,14 @@ bool set_switch(const SwitchOption& which, bool value) {
   return uci::Section(which.package, which.section).set(which.option, value ? "1" : "0");
 }
 
-int apply_switch(const json::Object& asked, const SwitchOption& which) {
+Result apply_switch(const json::Object& asked, const SwitchOption& which) {
   const std::optional<bool> value = asked.flag(which.key);
-  if (!value) return 1;
-  return set_switch(which, *value) ? 0 : 2;
+  if (!value) return Result::kUnusable;
+  return set_switch(which, *value) ? Result::kOk : Result::kFailed;
 }
 
-int answer_result(FCGX_Request* request, int result) {
-  if (result == 0) return answer(request, kResultOkWait20);
-  return answer(request, result == 1 ? kResultUnusable : kResultFailed);
+int answer_result(FCGX_Request* request, Result result) {
+  return answer(request, result == Result::kOk ? answers::wait(20) : answers::refusal(result));
 }
 
 std::optional<int> count_lines(const char* command) {

@@ -5,6 +5,7 @@
 
 #include <fcgiapp.h>
 
+#include "answer/answers.h"
 #include "answer/json_reading.h"
 
 // Where a switch stands in requests and answers, and where it is stored.
@@ -21,11 +22,11 @@ std::optional<bool> stored_switch(const SwitchOption& which);
 // Stores "0" or "1". False on failure.
 bool set_switch(const SwitchOption& which, bool value);
 
-// Stores what the document says. The `result` to answer: 1 when it is neither 0 nor 1, 2 when it cannot be stored.
-int apply_switch(const json::Object& asked, const SwitchOption& which);
+// Stores what the document says. kUnusable when it is neither 0 nor 1, kFailed when it cannot be stored.
+answers::Result apply_switch(const json::Object& asked, const SwitchOption& which);
 
-// Answers a change: `result` 0 with the time to wait, 1 or 2.
-int answer_result(FCGX_Request* request, int result);
+// Answers a change: a success with the time to wait.
+int answer_result(FCGX_Request* request, answers::Result result);
 
 // The number that a counting command ("... | wc -l") prints; nullopt when it cannot be run.
 std::optional<int> count_lines(const char* command);

@@ -8,6 +8,7 @@
 #include "encrypted_body.h"
 #include "platform/run_guarded.h"
 #include "platform/uci_session.h"
+#include "system_helpers.h"
 
 namespace {
 
@@ -34,11 +35,17 @@ void write_json_headers(FCGX_Request* request) {
 int answer(FCGX_Request* request, std::string_view text) {
   const std::optional<std::string> ciphertext = encrypt_text(text);
   write_json_headers(request);
-  write_bytes(request, ciphertext ? std::string_view(*ciphertext) : kResultUnusable);
+  write_bytes(request, ciphertext ? std::string_view(*ciphertext) : answers::kUnusable);
   return 0;
 }
 
 int answer(FCGX_Request* request, json::ObjectText document) { return answer(request, std::move(document).text()); }
+
+int answer(FCGX_Request* request, const answers::Outcome& outcome) {
+  answer(request, outcome.text);
+  if (outcome.afterwards != nullptr) os_system(outcome.afterwards);
+  return 0;
+}
 
 int answer_then(FCGX_Request* request, std::string_view text, const std::function<void()>& work) {
   answer(request, text);

@@ -7,8 +7,8 @@
 
 #include <fcgiapp.h>
 
+#include "answer/answers.h"
 #include "answer/json_text.h"
-#include "result_envelope.h"
 
 // A request begins: nothing of its answer is written yet.
 void expect_answer();
@@ -22,6 +22,8 @@ void write_json_headers(FCGX_Request* request);
 // All of them return 0, so that a handler can end with `return answer(...)`.
 int answer(FCGX_Request* request, std::string_view text);
 int answer(FCGX_Request* request, json::ObjectText document);
+// The outcome's text, then its command is started.
+int answer(FCGX_Request* request, const answers::Outcome& outcome);
 // Headers and the text as it is.
 int answer_plain(FCGX_Request* request, std::string_view text);
 

@@ -29,6 +29,14 @@ enum class MloInMesh {
   kUnaware,   // it is written as if there were no mesh
 };
 
+// How long the client of a unit waits before it asks again, in seconds.
+struct Waits {
+  int factory_reset;
+  int first_reboot;  // of a unit whose line is provisioned anew
+  int mesh_start;    // of a unit that becomes a controller
+  int mesh_join;     // of a unit that becomes an agent
+};
+
 struct Brand {
   // --- Who it is.
   std::string_view device_id;  // what /tmp/deviceid begins with; empty in the row of the others
@@ -52,6 +60,8 @@ struct Brand {
   bool has_second_aps;              // a connected repeater turns its second SSIDs on
   // The file that hostapd runs an agent's backhaul with, by mesh mode; modes beyond use the last.
   std::array<const char*, 3> backhaul_files;
+  // --- Answers.
+  Waits waits_s;
 };
 
 inline constexpr const char* kMld31 = "/tmp/run/hostapd-mld31.conf";
@@ -80,6 +90,7 @@ inline constexpr std::array<Brand, 3> kBrands{{
         .has_copies_in_mesh = false,
         .has_second_aps = false,
         .backhaul_files = {kMld41, kMld31, kMld31},
+        .waits_s = {.factory_reset = 420, .first_reboot = 360, .mesh_start = 150, .mesh_join = 130},
     },
     {
         .device_id = "0121",
@@ -102,6 +113,7 @@ inline constexpr std::array<Brand, 3> kBrands{{
         .has_copies_in_mesh = true,
         .has_second_aps = true,
         .backhaul_files = {kMld41, kMld41, kMld31},
+        .waits_s = {.factory_reset = 480, .first_reboot = 500, .mesh_start = 220, .mesh_join = 150},
     },
     {
         .device_id = "",
@@ -124,6 +136,7 @@ inline constexpr std::array<Brand, 3> kBrands{{
         .has_copies_in_mesh = true,
         .has_second_aps = true,
         .backhaul_files = {kMld41, kMld31, kMld31},
+        .waits_s = {.factory_reset = 420, .first_reboot = 360, .mesh_start = 220, .mesh_join = 150},
     },
 }};
 

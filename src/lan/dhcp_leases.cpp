@@ -58,10 +58,10 @@ int handle_get_dhcp_client(FCGX_Request* request) {
   const std::int64_t now_s = get_uptime_seconds();
   if (now_s < 0) {
     std::perror("error, fail to call time()\n");
-    return answer(request, kResultFailed);
+    return answer(request, answers::kFailed);
   }
   const std::optional<std::string> lines = read_lease_lines();
-  if (!lines) return answer(request, kResultFailed);
+  if (!lines) return answer(request, answers::kFailed);
   json::ListText list;
   int count = 0;
   for_each_lease(*lines, now_s, [&](const Lease& lease) {

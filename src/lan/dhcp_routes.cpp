@@ -87,14 +87,14 @@ int handle_get_dhcp_config(FCGX_Request* request) {
 int handle_set_dhcp_config(FCGX_Request* request, const char* body) {
   if (body == nullptr || *body == '\0') {
     log_error("empty request_body is passed on seting dhcp config\n");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const json::Document document(body);
   if (!document) {
     log_error("can't parse request_body to json format.\n");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   DhcpSettings settings;
-  if (!read_settings(document.root(), settings)) return answer(request, kResultUnusable);
-  return answer(request, cmd_set_dhcp(settings) == 0 ? kResultOkWait20 : kResultFailed);
+  if (!read_settings(document.root(), settings)) return answer(request, answers::kUnusable);
+  return answer(request, cmd_set_dhcp(settings) == 0 ? answers::wait(20) : answers::kFailed);
 }

@@ -70,8 +70,8 @@ bool lacks_needed_address(const LanSettings& settings, const std::string& op_mod
 
 std::string_view apply_lan_network(const json::Object& asked, const std::string& op_mode) {
   LanSettings settings;
-  if (!read_settings(asked, settings) || lacks_needed_address(settings, op_mode)) return kResultUnusable;
-  return cmd_set_lan_network(settings) == 0 ? kResultOkWait60 : kResultFailed;
+  if (!read_settings(asked, settings) || lacks_needed_address(settings, op_mode)) return answers::kUnusable;
+  return cmd_set_lan_network(settings) == 0 ? answers::wait(60) : answers::kFailed;
 }
 
 json::ObjectText build_lan_document(const LanSettings& settings, bool is_client) {
@@ -99,7 +99,7 @@ int handle_get_lan_network(FCGX_Request* request) {
   LanSettings settings;
   if (cmd_get_lan_netowrk(settings) != 0) {
     log_error("fail to get lan network config\n");
-    return answer(request, kResultFailed);
+    return answer(request, answers::kFailed);
   }
   return answer(request, build_lan_document(settings, is_ap_or_repeater_mode() == 1));
 }
@@ -108,7 +108,7 @@ int handle_get_lan_network(FCGX_Request* request) {
 int handle_set_lan_network(FCGX_Request* request, const char* body) {
   if (body == nullptr || *body == '\0') {
     log_error("empty data is passed on seting lan network config\n");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const json::Document document(body);
   if (!document) {

@@ -120,12 +120,12 @@ int handle_get_mesh_agent_info(FCGX_Request* request) {
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
     log_error("Failed to get mesh role");
-    answer_plain(request, kResultUnusable);
+    answer_plain(request, answers::kUnusable);
     return 1;
   }
   json::ListText agents;
   if (role == kMeshRoleController && !add_agents(agents)) {
-    answer_plain(request, kResultUnusable);
+    answer_plain(request, answers::kUnusable);
     return 1;
   }
   json::ObjectText document = json::result_text(0);

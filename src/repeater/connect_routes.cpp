@@ -21,8 +21,6 @@ namespace {
 constexpr const char* kHandler = "handle_repeater_connect";
 
 // Spaced as the clients know them.
-constexpr std::string_view kAnswerOk = "{\"result\": 0, \"version\": 1, \t\"waitTime\": 80}";
-constexpr std::string_view kAnswerUnusable = R"({"result": 1, "version": 1,    "waitTime": 20})";
 
 // All int results: 0, or 1 for a failure, which is logged.
 
@@ -141,5 +139,5 @@ int connect_repeater(const char* body) {
 }  // namespace
 
 int handle_repeater_connect(FCGX_Request* request, const char* body) {
-  return answer(request, connect_repeater(body) == 0 ? kAnswerOk : kAnswerUnusable);
+  return answer(request, connect_repeater(body) == 0 ? answers::kConnecting : answers::kNotConnected);
 }

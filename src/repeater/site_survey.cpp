@@ -61,7 +61,7 @@ int scan_single_interface(std::size_t band, json::ListText& list) {
 int handle_get_sitesurvey(FCGX_Request* request) {
   json::ListText list;
   for (std::size_t band = 0; band < kScanBandCount; ++band) {
-    if (scan_single_interface(band, list) != 0) return answer(request, kResultUnusable);
+    if (scan_single_interface(band, list) != 0) return answer(request, answers::kUnusable);
   }
   json::ObjectText document = json::result_text(0);
   document.add("version", 1).add("waitTime", 0).add("wifiApList", std::move(list));

@@ -19,7 +19,6 @@ constexpr std::size_t kUserMax = 15;
 constexpr std::size_t kPasswordMax = 63;
 constexpr const char* kPasswordFile = "/etc/apfpasswd";
 constexpr unsigned int kOwnerOnly = 0600;
-constexpr std::string_view kResultOkWait10 = R"({"result": 0, "version": 1, "waitTime": 10})";
 
 // The password reaches `passwd` on its standard input: it stands in no process list.
 void set_admin_password(const std::string& password) {
@@ -41,20 +40,20 @@ int handle_set_accounts(FCGX_Request* request, const char* body) {
   const json::Document document(body);
   if (!document) {
     std::fputs("1Failed to parse JSON\n", stderr);
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const std::optional<std::string> user = read_text(document, "newUser", kUserMax);
   const std::optional<std::string> password = read_text(document, "newPassword", kPasswordMax);
   const std::string old_password = document->text("oldPassword").value_or("");  // never compared
   if (!user || !platform::is_one_line(*user) || !password || old_password.size() > kPasswordMax) {
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   // First what can fail: a router without room for its password keeps the one that it has, everywhere.
   if (!platform::replace_file(kPasswordFile, *password + '\n', kOwnerOnly)) {
     log_error("%s cannot be written: %m\n", kPasswordFile);
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   uci::Section("rpcd", "log_on").set("username", *user);
   set_admin_password(*password);
-  return answer_then(request, kResultOkWait10, [] { os_system("sh /usr/sbin/refreshPasswd.sh"); });
+  return answer_then(request, answers::wait(10), [] { os_system("sh /usr/sbin/refreshPasswd.sh"); });
 }

@@ -18,7 +18,6 @@
 namespace {
 
 constexpr const char* kBackupPath = "/tmp/config_file.tar.gz";
-constexpr std::string_view kResultOkWait300 = R"({"result": 0, "version": 1, "waitTime": 300})";
 
 // The archive of the restore that runs belongs to it: no other request may touch it.
 std::atomic<bool> is_restoring{false};
@@ -73,7 +72,7 @@ int handle_config_backup(FCGX_Request* request, const RawBody& /*body*/) {
   if (file) {
     answer_file(request, unit::brand().backup_file, file.get());
   } else {
-    answer_plain(request, kResultUnusable);
+    answer_plain(request, answers::kUnusable);
   }
   platform::remove_file(kBackupPath);
   return file ? 0 : 1;
@@ -82,7 +81,7 @@ int handle_config_backup(FCGX_Request* request, const RawBody& /*body*/) {
 int handle_config_restore(FCGX_Request* request, const RawBody& body) {
   if (is_restoring) {
     log_error("a restore is under way\n");
-    answer_plain(request, kResultUnusable);
+    answer_plain(request, answers::kUnusable);
     return 1;
   }
   platform::ReadyWork restore;
@@ -90,10 +89,10 @@ int handle_config_restore(FCGX_Request* request, const RawBody& body) {
   if (!restore) {
     platform::remove_file(kUploadPath);
     platform::remove_file(kArchivePath);
-    answer_plain(request, kResultUnusable);
+    answer_plain(request, answers::kUnusable);
     return 1;
   }
-  answer_plain(request, kResultOkWait300);
+  answer_plain(request, answers::wait(300));
   restore.begin();
   return 0;
 }

@@ -1,4 +1,4 @@
-// The device id file, the first lines of files and commands, and the mode switch.
+// The first lines of files and commands, and the mode switch.
 #include "system/device.h"
 
 #include <array>
@@ -40,12 +40,6 @@ int run_cmd_first_line(const char* command, std::string& line) {
   if (result.output.empty()) return -1;
   line = result.output.substr(0, result.output.find('\n'));
   return 0;
-}
-
-bool is_tesmir_device_id() {
-  constexpr std::size_t kIdSize = 16;
-  std::string id;
-  return getFileInfo("/tmp/deviceid", &id, kIdSize) == 0 && without_line_end(id) == "0121";
 }
 
 int check_GpioStatus(int gpio) {

@@ -11,9 +11,6 @@ int getFileInfo(const char* path, std::string* info, std::size_t size);
 // The first line of a command's output without its line feed. 0, or -1 when the command cannot start or prints nothing.
 int run_cmd_first_line(const char* command, std::string& line);
 
-// /tmp/deviceid reads "0121".
-bool is_tesmir_device_id();
-
 // 1 when the GPIO line reads "low", else 0.
 int check_GpioStatus(int gpio);
 // The position of the mode switch: 0, 1 or 2; -1 when no line is active.

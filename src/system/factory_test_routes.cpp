@@ -16,25 +16,25 @@ constexpr int kLastPosition = 3;
 int handle_test_led(FCGX_Request* request, const char* body) {
   if (const json::Document document(body); !document) {
     if (body != nullptr) log_debug("parse json fail\n");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   os_system("sh /usr/sbin/ledtest");
-  return answer(request, kResultOkWait20);
+  return answer(request, answers::wait(20));
 }
 
 int handle_test_switch(FCGX_Request* request, const char* body) {
   const json::Document document(body);
   if (!document) {
     log_debug("parse json fail\n");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const int position = document->number("position").value_or(0);
-  if (position < kFirstPosition || position > kLastPosition) return answer(request, kResultUnusable);
+  if (position < kFirstPosition || position > kLastPosition) return answer(request, answers::kUnusable);
 
   os_system("fact switch-key 1");
   int state = -1;
   get_switch_state(state);
-  if (state == -1) return answer(request, kResultUnusable);
+  if (state == -1) return answer(request, answers::kUnusable);
 
   json::ObjectText result = json::result_text(0);
   result.add("version", 1).add("position", position);
@@ -44,5 +44,5 @@ int handle_test_switch(FCGX_Request* request, const char* body) {
 
 int handle_test_cert_db_reset(FCGX_Request* request, const char* /*body*/) {
   os_system("sh /usr/sbin/resetdbnum");
-  return answer(request, kResultOkWait20);
+  return answer(request, answers::wait(20));
 }

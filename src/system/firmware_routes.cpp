@@ -16,9 +16,7 @@
 
 namespace {
 
-constexpr std::string_view kResultNotVerified = R"({"result": 3})";
-// The key is spelled so, and kept as it is.
-constexpr std::string_view kResultInstalling = R"({"result": 0, "version": 1, "waitTime": 300, "Massage": ""})";
+using answers::Result;
 
 // False when not all of the upload arrived, or it cannot be stored.
 bool store_image(const RawBody& body) {
@@ -42,49 +40,40 @@ bool verify_upload(const brands::Brand& brand) {
   return false;
 }
 
-// 0 accepted, or the `result` to answer. An upload that is refused leaves nothing behind.
-int accept_upload(const RawBody& body) {
+// Nobody else is updating.
+Result check_running_tools() {
   std::string running;
-  if (count_running_tools(running) != 0) return 1;
-  if (std::atoi(running.c_str()) != 0) return 2;
-  int result = 0;
+  if (count_running_tools(running) != 0) return Result::kUnusable;
+  return std::atoi(running.c_str()) == 0 ? Result::kOk : Result::kFailed;
+}
+
+// An upload that is refused leaves nothing behind.
+Result accept_upload(const RawBody& body) {
+  if (const Result result = check_running_tools(); result != Result::kOk) return result;
+  Result result = Result::kOk;
   if (!store_image(body)) {
-    result = 1;
+    result = Result::kUnusable;
   } else if (!verify_upload(unit::brand())) {
-    result = 3;
+    result = Result::kNotVerified;
   }
-  if (result != 0) platform::remove_file(kFirmwarePath);
+  if (result != Result::kOk) platform::remove_file(kFirmwarePath);
   return result;
 }
 
-std::string_view answer_of(int result) {
-  switch (result) {
-    case 0:
-      return kResultInstalling;
-    case 1:
-      return kResultUnusable;
-    case 2:
-      return kResultFailed;
-    default:
-      return kResultNotVerified;
-  }
-}
-
-// 0 when there is something to download, or the `result` to answer.
-int check_for_update(const json::Document& document, int brand_index) {
+// kOk when there is something to download.
+Result check_for_update(const json::Document& document, int brand_index) {
   const std::optional<int> check_and_update = document->number("checkAndUpdate");
-  std::string running;
-  if (!check_and_update || count_running_tools(running) != 0) return 1;
-  if (std::atoi(running.c_str()) != 0) return 2;
+  if (!check_and_update) return Result::kUnusable;
+  if (const Result result = check_running_tools(); result != Result::kOk) return result;
   const brands::Brand& brand = brands::of_index(brand_index);
   if (!brands::is_known(brand)) {
     log_error("unknown device id\n");
-    return 1;
+    return Result::kUnusable;
   }
-  if (*check_and_update != 0 && *check_and_update != 1) return 1;
+  if (*check_and_update != 0 && *check_and_update != 1) return Result::kUnusable;
   if (*check_and_update == 0) os_system(brand.update_tool.check);
   int status = 0;
-  return check_update_status(status) == 0 && status == 1 ? 0 : 1;
+  return check_update_status(status) == 0 && status == 1 ? Result::kOk : Result::kUnusable;
 }
 
 // False when no thread could be made: an image that nothing will install does not stay.
@@ -95,38 +84,38 @@ platform::ReadyWork prepare_installation() {
   return installation;
 }
 
-// 0 when what was downloaded is good, or the `result` to answer.
-int verify_download() {
+// kOk when what was downloaded is good.
+Result verify_download() {
   int status = -1;
-  if (check_download_fw_res(status) != 0) return 1;
-  return status == 0 ? 0 : 3;
+  if (check_download_fw_res(status) != 0) return Result::kUnusable;
+  return status == 0 ? Result::kOk : Result::kNotVerified;
 }
 
 }  // namespace
 
 int handle_system_firmware(FCGX_Request* request, const RawBody& body) {
   log_debug(" system upgrade start ...\n");
-  int result = accept_upload(body);
-  platform::ReadyWork installation = result == 0 ? prepare_installation() : platform::ReadyWork();
-  if (result == 0 && !installation) result = 1;
-  answer_plain(request, answer_of(result));
+  Result result = accept_upload(body);
+  platform::ReadyWork installation = result == Result::kOk ? prepare_installation() : platform::ReadyWork();
+  if (result == Result::kOk && !installation) result = Result::kUnusable;
+  answer_plain(request, result == Result::kOk ? answers::kInstalling : answers::refusal(result));
   installation.begin();
-  return result == 0 ? 0 : 1;
+  return result == Result::kOk ? 0 : 1;
 }
 
 int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
   const int brand_index = get_brand_index();
-  if (const int result = check_for_update(json::Document(body), brand_index); result != 0) {
-    return answer(request, answer_of(result));
+  if (const Result result = check_for_update(json::Document(body), brand_index); result != Result::kOk) {
+    return answer(request, answers::refused(result));
   }
   exec_automatic_download_and_verify(brand_index);
-  int result = verify_download();
+  Result result = verify_download();
   platform::ReadyWork update;
-  if (result == 0) update = platform::ready_thread([brand_index] { run_hota_update(brand_index); });
-  if (result == 0 && !update) result = 1;
-  if (result != 0) {
+  if (result == Result::kOk) update = platform::ready_thread([brand_index] { run_hota_update(brand_index); });
+  if (result == Result::kOk && !update) result = Result::kUnusable;
+  if (result != Result::kOk) {
     platform::remove_file(kFirmwarePath);
-    return answer(request, answer_of(result));
+    return answer(request, answers::refused(result));
   }
   answer(request, json::result_text(0).add("version", 1).add("waitTime", 300));
   update.begin();

@@ -50,6 +50,6 @@ json::ObjectText read_log() {
 int handle_get_system_log(FCGX_Request* request) { return answer(request, read_log()); }
 
 int handle_clear_system_log(FCGX_Request* request, const char* /*body*/) {
-  return answer_then(request, R"({"result": 0, "version": 1})",
+  return answer_then(request, answers::kCleared,
                      [] { os_system("/bin/mv /var/log/messages.log /var/log/messages.log.old"); });
 }

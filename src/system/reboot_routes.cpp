@@ -9,19 +9,13 @@
 #include "platform/background.h"
 #include "platform/log.h"
 #include "platform/repeating_timer.h"
-#include "system/device.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/brand.h"
 
 namespace {
 
 constexpr int kLongestDelay = 3600;
-
-constexpr std::string_view kRebootWait120 = R"({"result": 0, "version": 1, "waitTime": 120})";
-constexpr std::string_view kRebootWait360 = R"({"result": 0, "version": 1, "waitTime": 360})";
-constexpr std::string_view kRebootWait500 = R"({"result": 0, "version": 1, "waitTime": 500})";
-constexpr std::string_view kResetWait420 = R"({"result": 0, "version": 1, "waitTime": 420})";
-constexpr std::string_view kResetWait480 = R"({"result": 0, "version": 1, "waitTime": 480})";
 
 void run_reboot() { os_system("reboot"); }
 
@@ -47,16 +41,20 @@ bool needs_long_wait() {
   return !flag.empty() && std::atoi(flag.c_str()) == 0 && button_mode == "router_mode";
 }
 
+std::string_view brand_wait(int brands::Waits::*seconds) {
+  return answers::text_of(answers::kWaits, unit::brand_of_device_id_line().waits_s.*seconds);
+}
+
 std::string_view reboot_answer() {
-  if (!needs_long_wait()) return kRebootWait120;
-  return is_tesmir_device_id() ? kRebootWait500 : kRebootWait360;
+  if (!needs_long_wait()) return answers::wait(120);
+  return brand_wait(&brands::Waits::first_reboot);
 }
 
 }  // namespace
 
 int handle_reboot(FCGX_Request* request, const char* body) {
   const int delay = json::Document(body)->number("timeTillReboot").value_or(-1);
-  if (delay < 0 || delay > kLongestDelay) return answer(request, kResultUnusable);
+  if (delay < 0 || delay > kLongestDelay) return answer(request, answers::kUnusable);
 
   prepare_map_e();
   const std::string_view text = reboot_answer();
@@ -75,7 +73,7 @@ int handle_initialize(FCGX_Request* request, const char* /*body*/) {
   });
   if (!started) {
     log_debug("pthread_create fail");
-    return answer(request, kResultFailed);
+    return answer(request, answers::kFailed);
   }
-  return answer(request, is_tesmir_device_id() ? kResetWait480 : kResetWait420);
+  return answer(request, brand_wait(&brands::Waits::factory_reset));
 }

@@ -98,7 +98,7 @@ int handle_get_reboot_schedule(FCGX_Request* request) {
 
 int handle_set_reboot_schedule(FCGX_Request* request, const char* body) {
   const std::optional<Schedule> schedule = read_schedule(json::Document(body));
-  if (!schedule) return answer_plain(request, kResultUnusable);
+  if (!schedule) return answer_plain(request, answers::kUnusable);
   const bool is_done = schedule->status == 0 ? switch_off() : switch_on(*schedule);
-  return answer_plain(request, is_done ? kResultOkWait20 : kResultUnusable);
+  return answer_plain(request, is_done ? answers::wait(20) : answers::kUnusable);
 }

@@ -8,9 +8,9 @@
 #include "handlers.h"
 #include "platform/log.h"
 #include "platform/text.h"
-#include "system/device.h"
 #include "system/router_info.h"
 #include "uci_section.h"
+#include "unit/brand.h"
 
 namespace {
 
@@ -58,26 +58,25 @@ int handle_routerInfo_post(FCGX_Request* request, const char* body) {
   const json::Object info = document->object("routerInfo");
   if (!info) {
     log_debug("解析 JSON 失败\n");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const std::optional<std::string> model = info.text("model");
   const std::optional<std::string> place = info.text("locationCustom");
-  if (model && (model->empty() || !platform::is_one_line(*model))) return answer(request, kResultUnusable);
-  if (place && !platform::is_storable(*place)) return answer(request, kResultUnusable);
+  if (model && (model->empty() || !platform::is_one_line(*model))) return answer(request, answers::kUnusable);
+  if (place && !platform::is_storable(*place)) return answer(request, answers::kUnusable);
 
   if (model) set_routerInfo_model(std::string(platform::cut_utf8(*model, kModelMax)));
   if (const auto location = info.number("location")) set_routerInfo_location(*location);
   if (place) set_routerInfo_locationCustom(std::string(platform::cut_utf8(*place, kLocationTextMax)));
   if (const auto status = info.number("ledStatus")) set_routerInfo_ledStatus(*status);
-  return answer(request, kResultOkWait20);
+  return answer(request, answers::wait(20));
 }
 
 // Plain: clients ask it to recognise the device before they can decrypt.
 int handle_get_device_info(FCGX_Request* request) {
   constexpr std::size_t kTextSize = 16;
   const std::string model = uci::Section("system", "@system[0]").read_or("hostname", kTextSize, "");
-  std::string id;
-  getFileInfo("/tmp/deviceid", &id, kTextSize);
+  const std::string id = unit::device_id_line();
   const brands::Brand& brand = brands::of_whole_id(id);
   if (!brands::is_known(brand) || model != brand.product) return answer_plain(request, json::result_text(1));
   return answer_plain(request, success_document().add("productId", id).add("model", model));

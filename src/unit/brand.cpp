@@ -9,6 +9,7 @@
 
 #include "platform/file.h"
 #include "platform/log.h"
+#include "system_helpers.h"
 
 namespace {
 
@@ -48,5 +49,14 @@ const brands::Brand* brand_of_device_id() {
   std::array<char, 16> id{};
   return getDeviceId(id.data(), id.size()) == 0 ? &brands::of_id(id.data()) : nullptr;
 }
+
+std::string device_id_line() {
+  constexpr std::size_t kLineMax = 15;
+  const std::string content = platform::read_file(kDeviceIdPath, kLineMax).value_or("");
+  if (content.empty()) std::perror("info get fail.\n");
+  return content.substr(0, content.find('\n'));
+}
+
+const brands::Brand& brand_of_device_id_line() { return brands::of_whole_id(without_line_end(device_id_line())); }
 
 }  // namespace unit

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "domain/brands.h"
 
@@ -13,11 +14,17 @@ int get_brand_index();
 
 namespace unit {
 
-// All read the file afresh, and answer with the last row for an id that is unknown.
+// All read the file afresh; the brands are the last row for an id that is unknown.
 
 // The row of get_brand_index.
 const brands::Brand& brand();
 // The row of getDeviceId, which looks at the file's last piece; nullptr when it cannot be opened.
 const brands::Brand* brand_of_device_id();
+
+// The file's first line without its line feed, 15 bytes at most; empty, and a message on standard error, when there is
+// none.
+std::string device_id_line();
+// The row whose id is all of that line, a carriage return aside.
+const brands::Brand& brand_of_device_id_line();
 
 }  // namespace unit

@@ -124,7 +124,7 @@ int get_ipvalue_address() {
 }
 
 int handle_pppoe_config(FCGX_Request* request, const char* /*body*/) {
-  return answer(request, run_probe(__func__) ? kResultOkWait20 : kResultUnusable);
+  return answer(request, run_probe(__func__) ? answers::wait(20) : answers::kUnusable);
 }
 
 int handle_get_pppoe_response(FCGX_Request* request) {

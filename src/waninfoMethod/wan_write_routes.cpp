@@ -17,13 +17,12 @@
 
 namespace {
 
+using answers::Outcome;
+using answers::Result;
+
 // The messages of this file are known by the names of the routes' handlers.
 constexpr const char* kSetHandler = "handle_set_wanInfo_json";
 constexpr const char* kInitHandler = "handle_initWanConfig";
-
-constexpr std::string_view kWait90 = R"({"result": 0, "version": 1, "waitTime": 90})";
-constexpr std::string_view kWait300 = R"({"result": 0, "version": 1, "waitTime": 300})";
-constexpr std::string_view kWait420 = R"({"result": 0, "version": 1, "waitTime": 420})";
 
 int stored_number(const char* package, const char* section, const char* option) {
   return std::atoi(uci::Section(package, section).read_or(option, 8, "").c_str());
@@ -49,28 +48,28 @@ bool needs_long_wait(const wanInfo& info, const std::string& new_key) {
   return old_type != new_type || (new_type == 'B' && old_key != new_key);
 }
 
-std::string_view apply_wan_info(const char* body) {
+Outcome apply_wan_info(const char* body) {
   const json::Document document(body);
   if (body != nullptr && !document) log_error_as(kSetHandler, "jsonObj is NULL.");
   const json::Object config = document->object("wanConfig");
-  if (!config) return kResultUnusable;
+  if (!config) return answers::refused(Result::kUnusable);
 
   const std::optional<wanInfo> request = read_wan_info(config);
-  if (!request) return kResultUnusable;
+  if (!request) return answers::refused(Result::kUnusable);
   const wanInfo& info = *request;
   log_debug_as(kSetHandler, "pppoeUserNameValue = %s, pppoePasswordValue = %s", info.pppoeUserName.c_str(),
                info.pppoePassword.c_str());
   if (checkPPPoeUsernameAndPassword(info.pppoeUserName.c_str(), info.pppoePassword.c_str()) != 0) {
     log_error_as(kSetHandler, "Invalid PPPOE userName and passWord.");
-    return kResultUnusable;
+    return answers::refused(Result::kUnusable);
   }
   plan_reload(info);
   log_debug_as(kSetHandler, "%s", describe(info).c_str());
   const std::string key = backup_key(info);
   const bool long_wait = needs_long_wait(info, key);
   uci::Section("network", "backwan").set("waninfobak", key);
-  if (set_wanInfoConfig(&info) != 0) return kResultFailed;
-  return long_wait ? kWait300 : kWait90;
+  if (set_wanInfoConfig(&info) != 0) return answers::refused(Result::kFailed);
+  return answers::accepted(long_wait ? answers::wait(300) : answers::wait(90));
 }
 
 struct OptionValue {
@@ -110,15 +109,15 @@ bool reset_wan() {
 }  // namespace
 
 int handle_set_wanInfo_json(FCGX_Request* request, const char* body) {
-  std::string_view result = apply_wan_info(body);
+  Outcome outcome = apply_wan_info(body);
   platform::ReadyWork reload = wan::prepare_network_reload();  // after a refused request, too
-  if (!reload && result != kResultUnusable) result = kResultFailed;
-  answer(request, result);
+  if (!reload && outcome.result == Result::kOk) outcome = answers::refused(Result::kFailed);
+  answer(request, outcome);
   wan::safe_execute_network_reload(std::move(reload));
   return 0;
 }
 
 int handle_initWanConfig(FCGX_Request* request, const char* /*body*/) {
-  if (!reset_wan()) return answer(request, kResultFailed);
-  return answer_then(request, kWait420, [] { os_system("reboot &"); });
+  if (!reset_wan()) return answer(request, answers::kFailed);
+  return answer_then(request, answers::wait(420), [] { os_system("reboot &"); });
 }

@@ -16,6 +16,9 @@
 
 namespace {
 
+using answers::Outcome;
+using answers::Result;
+
 constexpr const char* kHandler = "handle_agent_wifi_client_info";
 
 constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_agent.sh &";
@@ -99,36 +102,29 @@ bool switch_6ghz(const AgentSettings& settings) {
   return true;
 }
 
-// The client hears of it before the unit leaves its mesh.
-int close_mesh(FCGX_Request* request, std::string_view text) {
-  answer(request, text);
-  os_system(kCloseMesh);
-  return 0;
-}
-
-int join_mesh(FCGX_Request* request) {
+Outcome join_mesh() {
   os_system("/usr/sbin/easymesh_agent.sh &");
-  return answer(request, get_brand_index() == kBrandOrvane ? kAgentOkWait130 : kAgentOkWait150);
+  return answers::accepted(answers::text_of(answers::kWirelessWaits, unit::brand().waits_s.mesh_join));
 }
 
-int change_mesh(FCGX_Request* request) {
+Outcome change_mesh() {
   if (!easymesh().set("mode_change", "1")) {
     log_error_as(kHandler, "set mode_change error");
-    return answer(request, kResultFailed);
+    return answers::refused(Result::kFailed);
   }
-  return close_mesh(request, kAgentOkWait150);
+  return answers::accepted(answers::wireless_wait(150), kCloseMesh);
 }
 
-int act(FCGX_Request* request, AgentAction action, const AgentSettings& settings) {
-  if (action == AgentAction::kNothing) return answer(request, kResultOkWait20);
+// The client hears of it before the unit leaves its mesh.
+Outcome act(AgentAction action, const AgentSettings& settings) {
+  if (action == AgentAction::kNothing) return answers::accepted(answers::wait(20));
   if (action == AgentAction::kReload) {
     os_system("wifi reload &");
-    return answer(request, kAgentOkWait120);
+    return answers::accepted(answers::wireless_wait(120));
   }
-  if (!switch_6ghz(settings)) return answer(request, kResultFailed);
-  if (action == AgentAction::kMeshOff) return close_mesh(request, kAgentOkWait120);
-  if (action == AgentAction::kMeshOn) return join_mesh(request);
-  return change_mesh(request);
+  if (!switch_6ghz(settings)) return answers::refused(Result::kFailed);
+  if (action == AgentAction::kMeshOff) return answers::accepted(answers::wireless_wait(120), kCloseMesh);
+  return action == AgentAction::kMeshOn ? join_mesh() : change_mesh();
 }
 
 }  // namespace
@@ -136,20 +132,21 @@ int act(FCGX_Request* request, AgentAction action, const AgentSettings& settings
 int handle_agent_wifi_client_info(FCGX_Request* request, const char* body) {
   if (body == nullptr) {
     log_error("request error");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const json::Document document(body);
   if (!document.is_json()) {
     log_error("can't parse data to json format.");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const std::optional<AgentSettings> settings = parse_agent_settings(document.root());
-  if (!settings) return answer(request, kResultUnusable);
+  if (!settings) return answer(request, answers::kUnusable);
   AgentState before;
-  if (!write_settings(*settings, before) || !write_mesh_mode(*settings, before)) return answer(request, kResultFailed);
+  if (!write_settings(*settings, before) || !write_mesh_mode(*settings, before))
+    return answer(request, answers::kFailed);
   if (get_mesh_value(before.mesh) != 0) {
     log_error("get mesh value error");
-    return answer(request, kResultFailed);
+    return answer(request, answers::kFailed);
   }
-  return act(request, choose_agent_action(*settings, before), *settings);
+  return answer(request, act(choose_agent_action(*settings, before), *settings));
 }

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "answer/json_reading.h"
 
@@ -22,10 +21,6 @@ struct AgentSettings {
 };
 
 inline constexpr std::size_t kLocationCustomMax = 17;
-
-inline constexpr std::string_view kAgentOkWait120 = R"({"result":0, "version":1, "waitTime": 120})";
-inline constexpr std::string_view kAgentOkWait130 = R"({"result":0, "version":1, "waitTime": 130})";
-inline constexpr std::string_view kAgentOkWait150 = R"({"result":0, "version":1, "waitTime": 150})";
 
 // What stood in UCI before the request.
 struct AgentState {

@@ -114,6 +114,6 @@ int handle_get_wireless_channel(FCGX_Request* request) {
 int handle_get_channel_setting_info(FCGX_Request* request) {
   std::optional<json::ObjectText> root = read_repeater_channels();
   if (root) return answer(request, std::move(*root));
-  answer(request, kResultUnusable);
+  answer(request, answers::kUnusable);
   return 1;
 }

@@ -91,13 +91,13 @@ json::ObjectText build_document(const WlanDetailInfo& info) {
 
 std::string_view apply_settings(WlanDetailInfo info) {
   for (const PowerKey& key : kPowerKeys) switch_percent_to_tx_power(key.band, info.*key.field, info.*key.field);
-  if (set_wlan_detail_info(info) != 0) return kResultFailed;
+  if (set_wlan_detail_info(info) != 0) return answers::kFailed;
   int mesh = 0;
   if (get_mesh_value(mesh) != 0) {
     log_error_as(kHandler, "Failed to get meshRole");
-    return kResultFailed;
+    return answers::kFailed;
   }
-  return mesh == 1 ? kDetailOkWait100 : kDetailOkWait50;
+  return mesh == 1 ? answers::wait(100) : answers::wait(50);
 }
 
 }  // namespace
@@ -105,7 +105,7 @@ std::string_view apply_settings(WlanDetailInfo info) {
 int handle_get_wireless_detail_setting(FCGX_Request* request) {
   WlanDetailInfo info;
   if (get_wlan_detail_info(info) != 0) {
-    answer_plain(request, kResultUnusable);
+    answer_plain(request, answers::kUnusable);
     return 1;
   }
   return answer(request, build_document(info));
@@ -114,13 +114,13 @@ int handle_get_wireless_detail_setting(FCGX_Request* request) {
 int handle_set_wireless_detail_setting(FCGX_Request* request, const char* body) {
   if (body == nullptr || *body == '\0') {
     log_error("Empty data is passed on setting wireless detailed config.");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const json::Document document(body);
   if (!document.is_json()) {
     log_error("Failed to parse data to json format.");
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
   const auto info = read_settings(document.root());
-  return answer(request, info ? apply_settings(*info) : kResultUnusable);
+  return answer(request, info ? apply_settings(*info) : answers::kUnusable);
 }

@@ -1,8 +1,6 @@
 // The radio-wide detail settings: what GET reports and POST fills.
 #pragma once
 
-#include <string_view>
-
 struct WlanDetailInfo {
   int beacon_interval = 0;
   int dtim_period = 0;
@@ -23,6 +21,3 @@ struct WlanDetailInfo {
   int wps_enable = 0;
   int band_steering_enable = 0;
 };
-
-inline constexpr std::string_view kDetailOkWait50 = R"({"result": 0, "version": 1, "waitTime": 50})";
-inline constexpr std::string_view kDetailOkWait100 = R"({"result": 0, "version": 1, "waitTime": 100})";

@@ -169,7 +169,7 @@ int get_channel_value(json::ObjectText& root, const std::string& op_mode, int me
 int handle_get_wireless_setting(FCGX_Request* request) {
   std::optional<json::ObjectText> root = read_wireless_setting();
   if (!root) {
-    answer_plain(request, kResultUnusable);
+    answer_plain(request, answers::kUnusable);
     return 1;
   }
   return answer(request, std::move(*root));

@@ -10,7 +10,6 @@
 #include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/mesh.h"
-#include "wireless/answers.h"
 #include "wireless/channel/channel_write.h"
 #include "wireless/setting/mesh_change.h"
 #include "wireless/setting/mlo_write.h"
@@ -20,7 +19,11 @@
 
 namespace {
 
+using answers::Outcome;
+using answers::Result;
+
 constexpr const char* kHandler = "handle_wireless_setting";
+constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_controller.sh &";
 
 constexpr std::size_t kNumberSize = 8;
 
@@ -34,9 +37,9 @@ enum class Verdict {
 // What becomes of a request.
 struct Change {
   const brands::Brand* brand = &brands::of_index(kBrandOther);
-  int mesh_before = 0;        // as UCI had it; a repeater has no mesh switch
-  int mesh_mode = 0;          // from the last known band label
-  std::string_view answer{};  // chosen by a mesh change
+  int mesh_before = 0;  // as UCI had it; a repeater has no mesh switch
+  int mesh_mode = 0;    // from the last known band label
+  bool is_mesh_switched_on = false;
 };
 
 const char* text_or_null(const std::optional<std::string>& text) { return text ? text->c_str() : nullptr; }
@@ -58,7 +61,7 @@ Verdict set_mesh(const SettingRequest& request, const SlotRequest& slot, Change&
     case MeshChange::kModeOnly:
       return Verdict::kEnded;
     case MeshChange::kSwitchedOn:
-      change.answer = change.brand == &brands::of_index(kBrandOrvane) ? kWirelessOkWait150 : kWirelessOkWait220;
+      change.is_mesh_switched_on = true;
       break;
     case MeshChange::kNone:
       break;
@@ -106,31 +109,45 @@ Verdict apply_setting(const SettingRequest& request, Change& change) {
 }
 
 // The mesh stays on: its daemons are told, and its MLDs brought up by the mode that UCI has now.
-std::string_view run_reload_chain(int brand) {
+Outcome run_reload_chain(int brand) {
   int mode = -1;
   if (get_mesh_mode_value(mode) != 0) log_error_as(kHandler, "Failed to get mesh_mode");
   const std::string chain = reload::chain_command(brand, mode);
-  if (chain.empty()) return kResultFailed;
+  if (chain.empty()) return answers::refused(Result::kFailed);
   os_system(chain);
-  return kWirelessOkWait100;
+  return answers::accepted(answers::wireless_wait(100));
 }
 
-// Starts what makes the change take effect, and tells the answer for it.
-std::string_view start_reload(const SettingRequest& request, const Change& change) {
-  if (change.mesh_before == 1 && request.mesh == 0) return kWirelessOkWait180;
+// Starts what makes the change take effect before the answer, and tells what is answered and started then.
+Outcome start_reload(const SettingRequest& request, const Change& change) {
+  if (change.mesh_before == 1 && request.mesh == 0) return answers::accepted(answers::wireless_wait(180), kCloseMesh);
   if (change.mesh_before == 1 && request.mesh == 1) return run_reload_chain(brands::index_of(*change.brand));
-  if (!change.answer.empty()) return change.answer;
+  if (change.is_mesh_switched_on) {
+    return answers::accepted(answers::text_of(answers::kWirelessWaits, change.brand->waits_s.mesh_start));
+  }
   if (request.is_repeater) {
     log_debug_as(
         kHandler,
         "opmode is repaeter,no need to wifi reload ,just return success. because detail_setting will handle it.\n");
-    return kWirelessOkWait20;
+    return answers::accepted(answers::wireless_wait(20));
   }
   os_system("wifi reload &");
-  return kWirelessOkWait70;
+  return answers::accepted(answers::wireless_wait(70));
 }
 
-constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_controller.sh &";
+Outcome outcome_of(Verdict verdict, const SettingRequest& request, const Change& change) {
+  switch (verdict) {
+    case Verdict::kApplied:
+      return start_reload(request, change);
+    case Verdict::kUnusable:
+      return answers::refused(Result::kUnusable);
+    case Verdict::kFailed:
+      return answers::refused(Result::kFailed);
+    case Verdict::kEnded:
+      break;
+  }
+  return answers::accepted(answers::wireless_wait(230), kCloseMesh);
+}
 
 }  // namespace
 
@@ -139,15 +156,8 @@ int handle_wireless_setting(FCGX_Request* request, const char* body) {
   change.brand = &unit::brand();
   const std::optional<SettingRequest> wanted = read_setting_request(body);
   const Verdict verdict = wanted ? apply_setting(*wanted, change) : Verdict::kUnusable;
-  if (verdict == Verdict::kEnded) {
-    answer(request, kWirelessOkWait230);
-    os_system(kCloseMesh);
-    return 0;
-  }
-  std::string_view text = verdict == Verdict::kUnusable ? kResultUnusable : kResultFailed;
-  if (verdict == Verdict::kApplied) text = start_reload(*wanted, change);
-  os_system("/usr/sbin/iptables_guest_isolate.sh &");
-  answer(request, text);
-  if (text == kWirelessOkWait180) os_system(kCloseMesh);
-  return text == kResultUnusable || text == kResultFailed ? 1 : 0;
+  const Outcome outcome = outcome_of(verdict, wanted.value_or(SettingRequest()), change);
+  if (verdict != Verdict::kEnded) os_system("/usr/sbin/iptables_guest_isolate.sh &");
+  answer(request, outcome);
+  return outcome.result == Result::kOk ? 0 : 1;
 }

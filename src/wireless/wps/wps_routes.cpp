@@ -42,22 +42,22 @@ int handle_get_wpsstatus(FCGX_Request* request) {
 int handle_set_wpsstatus(FCGX_Request* request, const char* body) {
   const json::Document document(body);
   const std::optional<int> status = document->number("status");
-  if (!status) return answer(request, kResultUnusable);
+  if (!status) return answer(request, answers::kUnusable);
   if (*status == 0 || *status == 1) {
     set_wps_options(*status == 1);
     if (!platform::start_detached([] { wifi_reload(); })) {
       log_debug("[%s][%d]:pthread create failed", __func__, __LINE__);
     }
   }
-  return answer(request, kResultOkWait20);
+  return answer(request, answers::wait(20));
 }
 
 // A push-button session runs on both bands or not at all.
 int handle_post_wps(FCGX_Request* request, const char* /*body*/) {
-  if (!std::ranges::all_of(wps::kSsids, is_pbc_on)) return answer(request, kResultUnusable);
+  if (!std::ranges::all_of(wps::kSsids, is_pbc_on)) return answer(request, answers::kUnusable);
   if (!platform::start_detached([] { os_system("sh /usr/sbin/wps_web.sh"); })) {
     log_debug("[%s][%d]:pthread create failed", __func__, __LINE__);
-    return answer(request, kResultUnusable);
+    return answer(request, answers::kUnusable);
   }
-  return answer(request, kResultOkWait20);
+  return answer(request, answers::wait(20));
 }

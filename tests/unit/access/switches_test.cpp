@@ -29,7 +29,9 @@ TEST(StoredSwitch, TakesZeroAndOneAlone) {
   std::filesystem::remove(kFile);
 }
 
-int apply(const char* body, const SwitchOption& which) { return apply_switch(json::Document(body).root(), which); }
+using answers::Result;
+
+Result apply(const char* body, const SwitchOption& which) { return apply_switch(json::Document(body).root(), which); }
 
 TEST(ApplySwitch, TakesZeroAndOneAlone) {
   std::filesystem::create_directories("/etc/config");
@@ -38,17 +40,17 @@ TEST(ApplySwitch, TakesZeroAndOneAlone) {
   for (const char* body : {R"({"on":"x"})", R"({"on":"1x"})", R"({"on":"1 "})", R"({"on":""})", R"({"on":0.5})",
                            R"({"on":2})", R"({"on":-1})", R"({"on":4294967297})", R"({"on":null})", R"({"on":[1]})",
                            R"({"on":{}})", "{}", "1", "", "[]"}) {
-    EXPECT_EQ(apply(body, on), 1) << body;
+    EXPECT_EQ(apply(body, on), Result::kUnusable) << body;
     EXPECT_EQ(uci_read("switches", "s", "on", 8), "7") << body;
   }
   for (const char* body : {R"({"on":1})", R"({"on":"1"})", R"({"on":true})", R"({"on":1.0})"}) {
     set_switch(on, false);
-    EXPECT_EQ(apply(body, on), 0) << body;
+    EXPECT_EQ(apply(body, on), Result::kOk) << body;
     EXPECT_EQ(stored_switch(on), true) << body;
   }
   for (const char* body : {R"({"on":0})", R"({"on":"0"})", R"({"on":false})", R"({"on":0.0})"}) {
     set_switch(on, true);
-    EXPECT_EQ(apply(body, on), 0) << body;
+    EXPECT_EQ(apply(body, on), Result::kOk) << body;
     EXPECT_EQ(stored_switch(on), false) << body;
   }
   std::filesystem::remove(kFile);
@@ -57,8 +59,8 @@ TEST(ApplySwitch, TakesZeroAndOneAlone) {
 TEST(ApplySwitch, TellsAWrongSwitchFromOneThatCannotBeStored) {
   std::filesystem::remove(kFile);
   const SwitchOption on{"on", "switches", "s", "on"};
-  EXPECT_EQ(apply(R"({"on":1})", on), 2);
-  EXPECT_EQ(apply(R"({"on":2})", on), 1);
+  EXPECT_EQ(apply(R"({"on":1})", on), Result::kFailed);
+  EXPECT_EQ(apply(R"({"on":2})", on), Result::kUnusable);
 }
 
 TEST(CountLines, ReadsANumberOfAnyLength) {

@@ -61,6 +61,26 @@ TEST(BrandOfDeviceId, LooksAtTheLastPieceAndTellsOfAMissingFile) {
   EXPECT_EQ(unit::brand_of_device_id(), nullptr);
 }
 
+TEST(BrandOfDeviceIdLine, TakesTheFirstLineWhole) {
+  struct Row {
+    const char* file;
+    const char* line;
+    int index;
+  };
+  for (const Row& row : {Row{"0121", "0121", kBrandTesmir}, Row{"0121\n0221\n", "0121", kBrandTesmir},
+                         Row{"0121\r\n", "0121\r", kBrandTesmir}, Row{"0221\n", "0221", kBrandOrvane},
+                         Row{"0121x\n", "0121x", kBrandOther}, Row{"\n0121\n", "", kBrandOther},
+                         Row{"", "", kBrandOther}, Row{"0121567890123456789", "012156789012345", kBrandOther}}) {
+    ASSERT_TRUE(platform::write_file("/tmp/deviceid", row.file));
+    EXPECT_EQ(unit::device_id_line(), row.line) << row.file;
+    EXPECT_EQ(brands::index_of(unit::brand_of_device_id_line()), row.index) << row.file;
+  }
+  std::remove("/tmp/deviceid");
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(brands::index_of(unit::brand_of_device_id_line()), kBrandOther);
+  EXPECT_TRUE(::testing::internal::GetCapturedStderr().starts_with("info get fail.\n"));
+}
+
 std::string captured(int (*ask)(char*), char* out, int expected) {
   ::testing::internal::CaptureStderr();
   EXPECT_EQ(ask(out), expected);
