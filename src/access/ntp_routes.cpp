@@ -6,6 +6,7 @@
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "handlers.h"
 #include "platform/log.h"
 #include "platform/text.h"
@@ -17,6 +18,9 @@ namespace {
 using answers::Result;
 
 constexpr std::size_t kTextSize = 256;
+constexpr BodyMessages kBodyMessages{.no_content = "empty request_body is passed on seting dhcp config",
+                                     .no_json = "can't parse request_body to json format.",
+                                     .no_object = "can't parse request_body to json format."};
 
 uci::Section ntp() { return {"system", "ntp"}; }
 
@@ -63,15 +67,8 @@ int handle_get_ntp_server(FCGX_Request* request) {
 
 // Failures are answered in plain text: kept as it is.
 int handle_set_ntp_config(FCGX_Request* request, const char* body) {
-  if (body == nullptr || *body == '\0') {
-    log_error("empty request_body is passed on seting dhcp config");
-    return answer_plain(request, answers::kUnusable);
-  }
-  const json::Document document(body);
-  if (!document) {
-    log_error("can't parse request_body to json format.");
-    return answer_plain(request, answers::kUnusable);
-  }
+  const json::Document document = read_object_plain(request, body, kBodyMessages);
+  if (!document) return 0;
   const std::optional<int> enable = document->number("enable");
   const std::string server = document->text("server").value_or("");
   if (!platform::is_one_line(server)) return answer_plain(request, answers::kUnusable);

@@ -86,16 +86,9 @@ std::optional<json::ListText> read_entries() {
   return entries;
 }
 
-// The list of the request; none, logged, when there is none.
-json::List list_of(const char* body, const json::Document& document) {
+json::List list_of(const json::Document& document) {
   const json::List list = document->list("parentalControls");
-  if (body == nullptr) {
-    log_error("data is NULL\n");
-  } else if (!document) {
-    log_error("jsonObj is NULL\n");
-  } else if (!list) {
-    log_error("parentalControls is NULL\n");
-  }
+  if (document && !list) log_error("parentalControls is NULL\n");
   return list;
 }
 
@@ -143,8 +136,8 @@ bool add_entry(const json::Object& element) {
 
 // 0, or 1 on failure; what was written until then stays.
 int parental_control_set_from_json(const char* body) {
-  const json::Document document(body);
-  const json::List list = list_of(body, document);
+  const json::Document document = parse_object(body, kNoRules);
+  const json::List list = list_of(document);
   if (!list) return 1;
   const std::optional<std::string> enable = document->text("enable");
   if (!enable || enable->empty()) {
@@ -164,8 +157,8 @@ int parental_control_set_from_json(const char* body) {
 }
 
 int parental_control_delete_from_json(const char* body) {
-  const json::Document document(body);
-  const json::List list = list_of(body, document);
+  const json::Document document = parse_object(body, kNoRules);
+  const json::List list = list_of(document);
   const std::optional<std::vector<int>> ids = list ? read_ids(list, kMostIds) : std::nullopt;
   return ids && delete_positions(kPackage, kType, *ids) ? 0 : 1;
 }

@@ -105,17 +105,6 @@ bool add_rule(const json::Object& element) {
   return set_rule(settings);
 }
 
-// The request as an object; none, logged, when there is none.
-json::Document parse_body(const char* body) {
-  json::Document document(body);
-  if (body == nullptr) {
-    log_error("data is NULL\n");
-  } else if (!document) {
-    log_error("jsonObj is NULL\n");
-  }
-  return document;
-}
-
 json::List list_of(const json::Document& document) {
   const json::List list = document->list("portOpenSettings");
   if (!list) log_error("portOpenSettings is NULL\n");
@@ -124,7 +113,7 @@ json::List list_of(const json::Document& document) {
 
 // 0, or 1 on failure. The old rules are gone even when the request names no list: kept as it is.
 int set_rules(const char* body) {
-  const json::Document document = parse_body(body);
+  const json::Document document = parse_object(body, kNoRules);
   if (!document) return 1;
   const json::List list = document->list("portOpenSettings");
   if (!list && document->has_any("portOpenSettings")) return 1;
@@ -137,7 +126,7 @@ int set_rules(const char* body) {
 }
 
 int port_mapping_delete_from_json(const char* body) {
-  const json::Document document = parse_body(body);
+  const json::Document document = parse_object(body, kNoRules);
   const json::List list = document ? list_of(document) : json::List();
   const std::optional<std::vector<int>> ids = list ? read_ids(list, kMostIds) : std::nullopt;
   return ids && delete_positions(kPackage, kType, *ids) ? 0 : 1;

@@ -7,7 +7,12 @@
 #include <vector>
 
 #include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "platform/log.h"
+
+// Of a request that names no rules.
+inline constexpr BodyMessages kNoRules{
+    .no_content = "data is NULL\n", .no_json = "jsonObj is NULL\n", .no_object = "jsonObj is NULL\n"};
 
 // The `id` of every element: a number from 0, or the digits that its text begins with. nullopt when an element has
 // none, or there are more than `most` elements.

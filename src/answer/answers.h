@@ -21,6 +21,7 @@ inline constexpr std::string_view kUnusable = R"({"result": 1})";
 inline constexpr std::string_view kFailed = R"({"result": 2})";
 inline constexpr std::string_view kNotVerified = R"({"result": 3})";
 
+inline constexpr std::string_view kNothing = "null";
 inline constexpr std::string_view kCleared = R"({"result": 0, "version": 1})";
 // The key is spelled so, and kept as it is.
 inline constexpr std::string_view kInstalling = R"({"result": 0, "version": 1, "waitTime": 300, "Massage": ""})";

@@ -6,6 +6,7 @@
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "handlers.h"
 #include "lan/dhcp_settings.h"
 #include "platform/log.h"
@@ -14,6 +15,9 @@
 namespace {
 
 constexpr std::size_t kTextMax = 31;
+constexpr BodyMessages kBodyMessages{.no_content = "empty request_body is passed on seting dhcp config\n",
+                                     .no_json = "can't parse request_body to json format.\n",
+                                     .no_object = "can't parse request_body to json format.\n"};
 
 // A missing key is told in the log and leaves 0, or an empty text.
 int read_number(const json::Object& object, const char* key, platform::LogPlace place = platform::LogPlace::here()) {
@@ -85,15 +89,8 @@ int handle_get_dhcp_config(FCGX_Request* request) {
 }
 
 int handle_set_dhcp_config(FCGX_Request* request, const char* body) {
-  if (body == nullptr || *body == '\0') {
-    log_error("empty request_body is passed on seting dhcp config\n");
-    return answer(request, answers::kUnusable);
-  }
-  const json::Document document(body);
-  if (!document) {
-    log_error("can't parse request_body to json format.\n");
-    return answer(request, answers::kUnusable);
-  }
+  const json::Document document = read_object(request, body, kBodyMessages);
+  if (!document) return 0;
   DhcpSettings settings;
   if (!read_settings(document.root(), settings)) return answer(request, answers::kUnusable);
   return answer(request, cmd_set_dhcp(settings) == 0 ? answers::wait(20) : answers::kFailed);

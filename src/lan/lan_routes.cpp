@@ -4,6 +4,7 @@
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "domain/ipv4.h"
 #include "handlers.h"
 #include "lan/lan_settings.h"
@@ -12,6 +13,10 @@
 #include "uci_access.h"
 
 namespace {
+
+constexpr BodyMessages kBodyMessages{.no_content = "empty data is passed on seting lan network config\n",
+                                     .no_json = "can't parse data to json format.\n",
+                                     .no_object = "can't parse data to json format.\n"};
 
 // An optional member; a missing one is told in the log and leaves the field as it is.
 void read_member(const json::Object& asked, const char* key, int& field,
@@ -106,15 +111,9 @@ int handle_get_lan_network(FCGX_Request* request) {
 
 // No content is answered with result 1. A body that is not JSON and an unreadable op_mode are answered with nothing.
 int handle_set_lan_network(FCGX_Request* request, const char* body) {
-  if (body == nullptr || *body == '\0') {
-    log_error("empty data is passed on seting lan network config\n");
-    return answer(request, answers::kUnusable);
-  }
-  const json::Document document(body);
-  if (!document) {
-    log_error("can't parse data to json format.\n");
-    return 1;
-  }
+  const json::Document document = parse_object(body, kBodyMessages);
+  if (body == nullptr || *body == '\0') return answer(request, answers::kUnusable);
+  if (!document) return 1;
   const std::optional<std::string> op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
   if (!op_mode) {
     log_error("Fail to get system.@system[0].op_mode value by uci api\n");

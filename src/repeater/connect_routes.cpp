@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include "answer/answer.h"
+#include "answer/read_object.h"
 #include "handlers.h"
 #include "platform/background.h"
 #include "platform/log.h"
@@ -20,16 +21,12 @@ namespace {
 // The messages of this file are known by the name of their route's handler.
 constexpr const char* kHandler = "handle_repeater_connect";
 
-// Spaced as the clients know them.
-
 // All int results: 0, or 1 for a failure, which is logged.
 
 int parse_request(const char* body, RepeaterConnectInfo& info) {
-  const json::Document document(body);
-  if (!document) {
-    log_error_as(kHandler, "parse rootJson error\n");
-    return 1;
-  }
+  constexpr BodyMessages kMessages{.no_json = "parse rootJson error\n", .no_object = "parse rootJson error\n"};
+  const json::Document document = parse_object(body, kMessages, platform::LogPlace::here(kHandler));
+  if (!document) return 1;
   if (ParseRepeaterJsonData(document.root(), info) != 0) {
     log_error_as(kHandler, "parse json data error\n");
     return 1;

@@ -1,33 +1,29 @@
 // POST /api/v1/test/led, /test/switch and /test/cert-db-reset, for the production line.
 #include "answer/answer.h"
-#include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "handlers.h"
-#include "platform/log.h"
 #include "system/device.h"
 #include "system_helpers.h"
 
 namespace {
 
+constexpr const char* kNoObject = "parse json fail\n";
 constexpr int kFirstPosition = 1;
 constexpr int kLastPosition = 3;
 
 }  // namespace
 
 int handle_test_led(FCGX_Request* request, const char* body) {
-  if (const json::Document document(body); !document) {
-    if (body != nullptr) log_debug("parse json fail\n");
-    return answer(request, answers::kUnusable);
-  }
+  if (!read_object(request, body, {.no_json = kNoObject, .no_object = kNoObject, .priority = LOG_DEBUG})) return 0;
   os_system("sh /usr/sbin/ledtest");
   return answer(request, answers::wait(20));
 }
 
 int handle_test_switch(FCGX_Request* request, const char* body) {
-  const json::Document document(body);
-  if (!document) {
-    log_debug("parse json fail\n");
-    return answer(request, answers::kUnusable);
-  }
+  const BodyMessages messages{
+      .no_content = kNoObject, .no_json = kNoObject, .no_object = kNoObject, .priority = LOG_DEBUG};
+  const json::Document document = read_object(request, body, messages);
+  if (!document) return 0;
   const int position = document->number("position").value_or(0);
   if (position < kFirstPosition || position > kLastPosition) return answer(request, answers::kUnusable);
 

@@ -234,7 +234,7 @@ WanState gather_state() {
 }  // namespace
 
 int handle_get_wanInfo_json(FCGX_Request* request) {
-  if (!has_needed_sections(is_mesh_agent())) return answer(request, "null");
+  if (!has_needed_sections(is_mesh_agent())) return answer(request, answers::kNothing);
   WanState state = gather_state();
   json::ObjectText config;
   add_connection(config, state);

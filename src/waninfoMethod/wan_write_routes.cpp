@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "answer/answer.h"
+#include "answer/read_object.h"
 #include "domain/wan_modes.h"
 #include "handlers.h"
 #include "platform/log.h"
@@ -49,8 +50,8 @@ bool needs_long_wait(const wanInfo& info, const std::string& new_key) {
 }
 
 Outcome apply_wan_info(const char* body) {
-  const json::Document document(body);
-  if (body != nullptr && !document) log_error_as(kSetHandler, "jsonObj is NULL.");
+  constexpr BodyMessages kMessages{.no_json = "jsonObj is NULL.", .no_object = "jsonObj is NULL."};
+  const json::Document document = parse_object(body, kMessages, platform::LogPlace::here(kSetHandler));
   const json::Object config = document->object("wanConfig");
   if (!config) return answers::refused(Result::kUnusable);
 

@@ -5,6 +5,7 @@
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "handlers.h"
 #include "platform/log.h"
 #include "system_helpers.h"
@@ -20,6 +21,9 @@ using answers::Outcome;
 using answers::Result;
 
 constexpr const char* kHandler = "handle_agent_wifi_client_info";
+
+constexpr BodyMessages kBodyMessages{
+    .no_content = "request error", .no_json = "can't parse data to json format.", .no_object = "parse mesh error"};
 
 constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_agent.sh &";
 constexpr std::array<const char*, 2> k6GhzNetworks{"ath2", "ath25"};
@@ -130,15 +134,8 @@ Outcome act(AgentAction action, const AgentSettings& settings) {
 }  // namespace
 
 int handle_agent_wifi_client_info(FCGX_Request* request, const char* body) {
-  if (body == nullptr) {
-    log_error("request error");
-    return answer(request, answers::kUnusable);
-  }
-  const json::Document document(body);
-  if (!document.is_json()) {
-    log_error("can't parse data to json format.");
-    return answer(request, answers::kUnusable);
-  }
+  const json::Document document = read_object(request, body, kBodyMessages);
+  if (!document) return 0;
   const std::optional<AgentSettings> settings = parse_agent_settings(document.root());
   if (!settings) return answer(request, answers::kUnusable);
   AgentState before;

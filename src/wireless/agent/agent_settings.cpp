@@ -39,23 +39,23 @@ int mode_in_force(int stored_mode, int compati_wifi6_mode) {
 }
 
 // False for a member that is missing, or a text that UCI cannot hold.
-bool read_member(const json::Object& json, const Key& key, AgentSettings& settings) {
+bool read_member(const json::Object& asked, const Key& key, AgentSettings& settings) {
   if (key.number != nullptr) {
-    const std::optional<int> number = json.number(key.name);
+    const std::optional<int> number = asked.number(key.name);
     if (number) settings.*key.number = *number;
     return number.has_value();
   }
-  const std::optional<std::string> text = json.text(key.name);
+  const std::optional<std::string> text = asked.text(key.name);
   if (text) settings.location_custom = platform::cut_utf8(*text, kLocationCustomMax);
   return text && platform::is_storable(settings.location_custom);
 }
 
 }  // namespace
 
-std::optional<AgentSettings> parse_agent_settings(const json::Object& json) {
+std::optional<AgentSettings> parse_agent_settings(const json::Object& asked) {
   AgentSettings settings;
   for (const Key& key : kKeys) {
-    if (read_member(json, key, settings)) continue;
+    if (read_member(asked, key, settings)) continue;
     log_error_as(kHandler, "%s", key.missing);
     return std::nullopt;
   }

@@ -40,7 +40,7 @@ enum class AgentAction {
 };
 
 // Every key is required; nullopt (logged) at the first that is missing, or that UCI cannot hold.
-std::optional<AgentSettings> parse_agent_settings(const json::Object& json);
+std::optional<AgentSettings> parse_agent_settings(const json::Object& asked);
 
 // 0, 1 or 2; other numbers leave the mode as it is.
 bool is_mesh_mode(int mode);

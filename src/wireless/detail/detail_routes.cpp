@@ -6,6 +6,7 @@
 
 #include "answer/answer.h"
 #include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "handlers.h"
 #include "platform/log.h"
 #include "unit/mesh.h"
@@ -17,6 +18,9 @@
 namespace {
 
 constexpr const char* kHandler = "handle_set_wireless_detail_setting";
+
+constexpr BodyMessages kBodyMessages{.no_content = "Empty data is passed on setting wireless detailed config.",
+                                     .no_json = "Failed to parse data to json format."};
 
 // A key of both documents, in their order.
 struct Key {
@@ -69,10 +73,10 @@ bool is_permitted(const Key& key, int value) {
   return value >= key.min && value <= key.max;
 }
 
-std::optional<WlanDetailInfo> read_settings(const json::Object& json) {
+std::optional<WlanDetailInfo> read_settings(const json::Object& asked) {
   WlanDetailInfo info;
   for (const Key& key : kKeys) {
-    const auto value = json.number(key.name);
+    const auto value = asked.number(key.name);
     if (!value || !is_permitted(key, *value)) {
       if (key.refusal != nullptr) log_error_as(kHandler, "%s", key.refusal);
       return std::nullopt;
@@ -112,15 +116,8 @@ int handle_get_wireless_detail_setting(FCGX_Request* request) {
 }
 
 int handle_set_wireless_detail_setting(FCGX_Request* request, const char* body) {
-  if (body == nullptr || *body == '\0') {
-    log_error("Empty data is passed on setting wireless detailed config.");
-    return answer(request, answers::kUnusable);
-  }
-  const json::Document document(body);
-  if (!document.is_json()) {
-    log_error("Failed to parse data to json format.");
-    return answer(request, answers::kUnusable);
-  }
+  const json::Document document = read_object(request, body, kBodyMessages);
+  if (!document) return 0;
   const auto info = read_settings(document.root());
   return answer(request, info ? apply_settings(*info) : answers::kUnusable);
 }

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "answer/json_reading.h"
+#include "answer/read_object.h"
 #include "interface_plan.h"
 #include "platform/log.h"
 #include "platform/text.h"
@@ -20,6 +21,9 @@
 namespace {
 
 constexpr const char* kHandler = "handle_wireless_setting";
+
+constexpr BodyMessages kBodyMessages{.no_json = "Can't parse request_body to json format.",
+                                     .no_object = "Failed to parse wirelessConfig"};
 
 constexpr std::size_t kOpModeSize = 16;
 
@@ -60,9 +64,9 @@ struct ChannelKey {
 constexpr std::array<ChannelKey, kRadios.size()> kChannelKeys{
     {{"set2GChannel", "channel2G"}, {"set5GChannel", "channel5G"}, {"set6GChannel", "channel6G"}}};
 
-bool read_channels(const json::Object& json, Channels& channels) {
+bool read_channels(const json::Object& asked, Channels& channels) {
   for (std::size_t band = 0; band < channels.size(); ++band) {
-    const std::optional<int> channel = json.number(kChannelKeys[band].key);
+    const std::optional<int> channel = asked.number(kChannelKeys[band].key);
     if (!channel) {
       log_error_as(kHandler, "Failed to parse %s", kChannelKeys[band].name);
       return false;
@@ -80,13 +84,13 @@ bool read_channels(const json::Object& json, Channels& channels) {
 }
 
 // "mesh", which a repeater has no use for, and "mlo".
-bool read_switches(const json::Object& json, SettingRequest& request) {
-  const std::optional<int> mesh = request.is_repeater ? 0 : json.number("mesh");
+bool read_switches(const json::Object& asked, SettingRequest& request) {
+  const std::optional<int> mesh = request.is_repeater ? 0 : asked.number("mesh");
   if (!mesh) {
     log_error_as(kHandler, "Failed to parse mesh");
     return false;
   }
-  const std::optional<int> mlo = json.number("mlo");
+  const std::optional<int> mlo = asked.number("mlo");
   if (!mlo) {
     log_error_as(kHandler, "Failed to parse mlo");
     return false;
@@ -97,21 +101,21 @@ bool read_switches(const json::Object& json, SettingRequest& request) {
 }
 
 // The members beside the slots.
-bool read_members(const json::Object& json, SettingRequest& request) {
+bool read_members(const json::Object& asked, SettingRequest& request) {
   const auto op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
   if (!op_mode) {
     log_error_as(kHandler, "Failed to get opmode");
     return false;
   }
   request.is_repeater = *op_mode == "re";
-  if (!json.has("bandSteering")) {
+  if (!asked.has("bandSteering")) {
     log_error_as(kHandler, "Failed to parse bandSteering");
     return false;
   }
-  const std::optional<int> ieee802dot11r = json.number("ieee802dot11r");
+  const std::optional<int> ieee802dot11r = asked.number("ieee802dot11r");
   if (!ieee802dot11r) log_error_as(kHandler, "Failed to parse ieee802dot11r");
   request.ieee802dot11r = ieee802dot11r.value_or(0);
-  return read_channels(json, request.channels) && read_switches(json, request);
+  return read_channels(asked, request.channels) && read_switches(asked, request);
 }
 
 // In a mesh without MLO its slot shows the backhaul. Sent back as it was shown, it asks for no MLO network.
@@ -153,12 +157,8 @@ bool ends_request(const SettingRequest& request, const SlotRequest& slot, int& m
 }  // namespace
 
 std::optional<SettingRequest> read_setting_request(const char* body) {
-  if (body == nullptr) return std::nullopt;
-  const json::Document document(body);
-  if (!document.is_json()) {
-    log_error_as(kHandler, "Can't parse request_body to json format.");
-    return std::nullopt;
-  }
+  const json::Document document = parse_object(body, kBodyMessages, platform::LogPlace::here(kHandler));
+  if (!document) return std::nullopt;
   const json::List elements = document->list("wirelessConfig");
   if (!elements || !elements.holds_objects_alone()) {
     log_error_as(kHandler, "Failed to parse wirelessConfig");
