@@ -10,14 +10,13 @@
 #include "handlers.h"
 #include "platform/log.h"
 #include "platform/text.h"
-#include "uci_access.h"
 #include "uci_section.h"
+#include "unit/operating_mode.h"
 #include "wireless.h"
 
 namespace {
 
 constexpr const char* kPackageFile = "/etc/config/macfilter";
-constexpr std::size_t kOpModeSize = 12;
 constexpr std::size_t kPbcSize = 4;
 constexpr int kDecimal = 10;
 constexpr std::size_t kDescriptionMax = 255;  // bytes; each one is stored fifteen times
@@ -105,7 +104,7 @@ int replace_table(const json::List& table) {
 }
 
 int apply_mac_filter(const char* body) {
-  if (!uci_read("system", "@system[0]", "op_mode", kOpModeSize)) return fail("Failed to get opmode");
+  if (!unit::operating_mode()) return fail("Failed to get opmode");
   const Pbc pbc{read_pbc("ath0", "Failed to get wps_pbc"), read_pbc("ath1", "Failed to get wps_state")};
   const json::Document document(body);
   if (!document || check_table(document.root()) != 0) return 1;

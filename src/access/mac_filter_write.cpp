@@ -7,6 +7,7 @@
 #include "platform/process.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 
 namespace {
@@ -66,7 +67,7 @@ std::span<const char* const> filtered_interfaces(bool is_mesh) {
 }
 
 bool is_mesh_on() {
-  const auto enable = uci::Section("button_mesh", "easymesh").read("enable", 4);
+  const auto enable = unit::easymesh().read("enable", 4);
   if (!enable) log_error("get repacd enable failed.");
   return enable == "1";
 }

@@ -8,8 +8,8 @@
 #include "platform/file.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
 #include "unit/brand.h"
+#include "unit/operating_mode.h"
 
 namespace {
 
@@ -45,9 +45,8 @@ json::ObjectText read_service() {
 int handle_get_fsecure_sense(FCGX_Request* request) { return answer(request, read_service()); }
 
 int handle_set_fsecure_sense(FCGX_Request* request, const char* body) {
-  constexpr std::size_t kOpModeSize = 16;
   const std::optional<bool> enable = json::Document(body)->flag("enable");
-  const bool is_router = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "") == "router";
+  const bool is_router = unit::operating_mode_or_none().is_router();
   if (!has_service() || !is_router || !enable) return answer(request, answers::kUnusable);
   if (!set_switch(kDisabled, !*enable)) return answer(request, answers::kFailed);
   os_system(*enable ? "/opt/sense/bin/sense_init.sh start &" : "/opt/sense/bin/sense_init.sh stop &");

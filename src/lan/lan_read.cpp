@@ -8,6 +8,7 @@
 #include "platform/process.h"
 #include "uci_access.h"
 #include "uci_section.h"
+#include "unit/operating_mode.h"
 
 namespace {
 
@@ -45,25 +46,23 @@ void read_ipv6(LanSettings& settings, bool is_client) {
 }
 
 // 0 on success, 1 for a protocol that the LAN never has.
-int read_dhcp_client(LanSettings& settings, const std::string& op_mode, bool is_dhcp_server_on) {
+int read_dhcp_client(LanSettings& settings, const unit::OperatingMode& mode, bool is_dhcp_server_on) {
   const std::string proto = lan().read_or("proto", kNumberSize, "static");
   if (proto != "dhcp" && proto != "static") {
     log_error("Unkown value of\tnetwork.lan.proto by uci get api \n");
     return 1;
   }
   settings.dhcp_client = proto == "dhcp" ? 1 : 0;
-  if (op_mode == "re" && is_dhcp_server_on) settings.dhcp_client = 2;
+  if (mode.is_repeater() && is_dhcp_server_on) settings.dhcp_client = 2;
   return 0;
 }
 
 }  // namespace
 
-bool is_ap_or_repeater(const std::string& op_mode) { return op_mode == "ap" || op_mode == "re"; }
-
 int is_ap_or_repeater_mode() {
-  const std::optional<std::string> op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
-  if (!op_mode) log_error("Fail to get system.@system[0].op_mode value by uci api\n");
-  return op_mode && is_ap_or_repeater(*op_mode) ? 1 : 0;
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) log_error("Fail to get system.@system[0].op_mode value by uci api\n");
+  return mode && mode->is_client() ? 1 : 0;
 }
 
 void get_gateway_and_dns_by_uci(std::string& gateway, std::string& dns1, std::string& dns2) {
@@ -75,7 +74,7 @@ void get_gateway_and_dns_by_uci(std::string& gateway, std::string& dns1, std::st
 }
 
 int cmd_get_lan_netowrk(LanSettings& settings) {
-  const std::string op_mode = uci_read_or("system", "@system[0]", "op_mode", kOpModeSize, "");
+  const unit::OperatingMode mode = unit::operating_mode_or_none();
   const bool is_dhcp_server_on = is_lan_dhcp_server_on();
   const std::optional<std::string> mac = uci::Section("network", "@device[0]").read("macaddr", kNumberSize);
   if (!mac) log_error("Fail to get network.lan.macaddr value by uci api\n");
@@ -88,7 +87,7 @@ int cmd_get_lan_netowrk(LanSettings& settings) {
   }
   settings.global_ip_protection = std::atoi(protection->c_str()) != 0 ? 1 : 0;
 
-  if (read_dhcp_client(settings, op_mode, is_dhcp_server_on) != 0) return 1;
+  if (read_dhcp_client(settings, mode, is_dhcp_server_on) != 0) return 1;
 
   const std::optional<LanAddress> live = read_lan_address();
   if (!live) {
@@ -98,7 +97,7 @@ int cmd_get_lan_netowrk(LanSettings& settings) {
   settings.ipv4_address = live->address;
   settings.ipv4_mask = live->mask;
 
-  const bool is_client = is_ap_or_repeater(op_mode);
+  const bool is_client = mode.is_client();
   if (is_client && settings.dhcp_client != 0) read_live_gateway_and_dns(settings);
   if (is_client && settings.dhcp_client == 0) {
     get_gateway_and_dns_by_uci(settings.ipv4_gateway, settings.ipv4_dns1, settings.ipv4_dns2);

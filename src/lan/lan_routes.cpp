@@ -10,7 +10,7 @@
 #include "lan/lan_settings.h"
 #include "platform/log.h"
 #include "platform/text.h"
-#include "uci_access.h"
+#include "unit/operating_mode.h"
 
 namespace {
 
@@ -68,14 +68,14 @@ bool read_settings(const json::Object& asked, LanSettings& settings) {
 }
 
 // A static LAN whose address was dropped or is missing would be left without one.
-bool lacks_needed_address(const LanSettings& settings, const std::string& op_mode) {
-  const bool is_static = op_mode == "router" || settings.dhcp_client != 1;
+bool lacks_needed_address(const LanSettings& settings, const unit::OperatingMode& mode) {
+  const bool is_static = mode.is_router() || settings.dhcp_client != 1;
   return is_static && (settings.ipv4_address.empty() || settings.ipv4_mask.empty());
 }
 
-std::string_view apply_lan_network(const json::Object& asked, const std::string& op_mode) {
+std::string_view apply_lan_network(const json::Object& asked, const unit::OperatingMode& mode) {
   LanSettings settings;
-  if (!read_settings(asked, settings) || lacks_needed_address(settings, op_mode)) return answers::kUnusable;
+  if (!read_settings(asked, settings) || lacks_needed_address(settings, mode)) return answers::kUnusable;
   return cmd_set_lan_network(settings) == 0 ? answers::wait(60) : answers::kFailed;
 }
 
@@ -114,11 +114,11 @@ int handle_set_lan_network(FCGX_Request* request, const char* body) {
   const json::Document document = parse_object(body, kBodyMessages);
   if (body == nullptr || *body == '\0') return answer(request, answers::kUnusable);
   if (!document) return 1;
-  const std::optional<std::string> op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
-  if (!op_mode) {
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) {
     log_error("Fail to get system.@system[0].op_mode value by uci api\n");
     return 1;
   }
-  log_debug("workMode:%s\n", op_mode->c_str());
-  return answer(request, apply_lan_network(document.root(), *op_mode));
+  log_debug("workMode:%s\n", mode->text().c_str());
+  return answer(request, apply_lan_network(document.root(), *mode));
 }

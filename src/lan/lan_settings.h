@@ -24,10 +24,8 @@ struct LanSettings {
 
 inline constexpr const char* kAddressNotFound = "None";
 inline constexpr std::size_t kIpv4TextSize = 32;  // with the terminating NUL
-inline constexpr std::size_t kOpModeSize = 32;
 
-bool is_ap_or_repeater(const std::string& op_mode);  // "ap" or "re"
-// The same for the stored op_mode: 1 or 0, 0 when it cannot be read.
+// 1 when the stored mode is that of a client of another router, else 0, also when it cannot be read.
 int is_ap_or_repeater_mode();
 
 // 0 on success, 1 on failure; `settings` is then partly filled.

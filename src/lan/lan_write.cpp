@@ -5,8 +5,8 @@
 #include "lan/lan_settings.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
 #include "uci_section.h"
+#include "unit/operating_mode.h"
 
 namespace {
 
@@ -39,12 +39,12 @@ bool apply_gateway_and_dns(const LanSettings& settings) {
 
 enum class StaticResult { kReload, kDoneWithoutReload, kFailed };
 
-StaticResult apply_static(const LanSettings& settings, const std::string& op_mode) {
+StaticResult apply_static(const LanSettings& settings, const unit::OperatingMode& mode) {
   if (!set_lan_option("ipaddr", settings.ipv4_address)) return StaticResult::kFailed;
   if (!set_lan_option("netmask", settings.ipv4_mask)) return StaticResult::kFailed;
   const bool has_gateway = !settings.ipv4_gateway.empty();
   const bool has_dns = !settings.ipv4_dns1.empty();
-  if (has_gateway && has_dns && is_ap_or_repeater(op_mode) && !apply_gateway_and_dns(settings)) {
+  if (has_gateway && has_dns && mode.is_client() && !apply_gateway_and_dns(settings)) {
     return StaticResult::kDoneWithoutReload;
   }
   if (!has_gateway) lan().remove("gateway");
@@ -97,12 +97,12 @@ int is_change_lan_setting(const std::string& address, const std::string& mask) {
 }
 
 int cmd_set_lan_network(LanSettings& settings) {
-  const std::optional<std::string> op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
-  if (!op_mode) {
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) {
     log_error("Fail to get system.@system[0].op_mode value by uci api\n");
     return 1;
   }
-  const bool is_router = *op_mode == "router";
+  const bool is_router = mode->is_router();
   if (is_router) settings.dhcp_client = 0;
 
   if (!set_lan_option("globalIp", std::to_string(settings.global_ip_protection))) return 1;
@@ -111,7 +111,7 @@ int cmd_set_lan_network(LanSettings& settings) {
   if (is_router && is_change_lan_setting(settings.ipv4_address, settings.ipv4_mask) == 0) return 0;
 
   if (settings.dhcp_client != 1) {
-    const StaticResult result = apply_static(settings, *op_mode);
+    const StaticResult result = apply_static(settings, *mode);
     if (result != StaticResult::kReload) return result == StaticResult::kFailed ? 1 : 0;
   }
   safe_execute_network_reload();

@@ -11,21 +11,9 @@
 #include "mesh/topology_log.h"
 #include "platform/log.h"
 #include "platform/memory.h"
-#include "uci_access.h"
+#include "unit/mesh.h"
 
 namespace {
-
-struct MeshState {
-  bool enabled = false;
-  std::string role;
-  [[nodiscard]] bool is_agent() const { return enabled && role.starts_with("agent"); }
-  [[nodiscard]] bool is_controller() const { return role.starts_with("controller"); }
-};
-
-MeshState read_mesh_state() {
-  const std::string enabled = uci_read_or("button_mesh", "easymesh", "enable", 4, "0");
-  return {std::atoi(enabled.c_str()) != 0, uci_read_or("button_mesh", "easymesh", "role", 16, "")};
-}
 
 void copy_addresses(const ClientTable& arp, ClientTable& clients) {
   for (ClientRecord& row : clients.rows()) {
@@ -34,7 +22,7 @@ void copy_addresses(const ClientTable& arp, ClientTable& clients) {
 }
 
 // nullopt when the mesh cannot be asked.
-std::optional<ClientTable> collect_mesh_clients(const MeshState& mesh, const ClientTable& arp) {
+std::optional<ClientTable> collect_mesh_clients(const unit::MeshPart& mesh, const ClientTable& arp) {
   std::optional<DumpLines> dump = get_topology_dump();
   if (!dump) {
     if (mesh.is_agent()) log_error("Failed to get agent topology data");
@@ -50,9 +38,9 @@ std::optional<ClientTable> collect_mesh_clients(const MeshState& mesh, const Cli
   return handle_controller_scenario(arp, topology);
 }
 
-std::optional<ClientTable> collect_clients(const MeshState& mesh) {
+std::optional<ClientTable> collect_clients(const unit::MeshPart& mesh) {
   ClientTable arp = collect_arp_clients();
-  if (!mesh.enabled) return handle_non_mesh_scenario(std::move(arp));  // whose rows have their addresses
+  if (!mesh.is_on) return handle_non_mesh_scenario(std::move(arp));  // whose rows have their addresses
   std::optional<ClientTable> clients = collect_mesh_clients(mesh, arp);
   if (clients) copy_addresses(arp, *clients);
   return clients;
@@ -88,7 +76,7 @@ void add_satellites(json::ObjectText& document, const ClientTable& clients) {
   }
 }
 
-json::ObjectText build_document(const MeshState& mesh, const ClientTable& clients) {
+json::ObjectText build_document(const unit::MeshPart& mesh, const ClientTable& clients) {
   constexpr std::size_t kEntrySize = 96;  // the longest: an own text of 17 bytes in a MAC's place apart
   json::ObjectText document = json::result_text(0);
   document.reserve((clients.rows().size() + 2 * kMostSatellites) * kEntrySize);
@@ -99,12 +87,12 @@ json::ObjectText build_document(const MeshState& mesh, const ClientTable& client
       if (!row.isMeshDevice && !behind_satellite) list.add(client_entry(row));
     }
   });
-  if (mesh.enabled && mesh.is_controller()) add_satellites(document, clients);
+  if (mesh.is_on && mesh.is_controller()) add_satellites(document, clients);
   return document;
 }
 
 // The document; the tables that it is made of are gone. nullopt when the mesh cannot be asked.
-std::optional<std::string> describe_clients(const MeshState& mesh) {
+std::optional<std::string> describe_clients(const unit::MeshPart& mesh) {
   const std::optional<ClientTable> clients = collect_clients(mesh);
   return clients ? std::optional(build_document(mesh, *clients).text()) : std::nullopt;
 }
@@ -113,7 +101,7 @@ std::optional<std::string> describe_clients(const MeshState& mesh) {
 
 // Answers nothing when the mesh cannot be asked. Kept as it is.
 int handle_get_client_list(FCGX_Request* request) {
-  const MeshState mesh = read_mesh_state();
+  const unit::MeshPart mesh = unit::read_mesh_part();
   refresh_arp();
   const std::optional<std::string> text = describe_clients(mesh);
   if (!text) return mesh.is_agent() ? 1 : -1;

@@ -7,29 +7,28 @@
 #include "mesh/topology.h"
 #include "platform/output_lines.h"
 #include "platform/process.h"
-#include "uci_access.h"
 #include "unit/mesh.h"
+#include "unit/operating_mode.h"
 
 namespace {
 
 struct DumpCommand {
-  std::string_view op_mode;
+  std::string_view mode;
   const char* command;
 };
 // The pauses keep the console's input open until the daemon has printed its dump.
 constexpr std::array<DumpCommand, 2> kDumpCommands{{
-    {"ap", R"((sleep 5; echo "td s2"; sleep 5; ) | emt)"},
-    {"re", R"((echo "td s"; sleep 1; ) | emt)"},
+    {unit::kAccessPointMode, R"((sleep 5; echo "td s2"; sleep 5; ) | emt)"},
+    {unit::kRepeaterMode, R"((echo "td s"; sleep 1; ) | emt)"},
 }};
 constexpr const char* kRouterDumpCommand = R"((echo "td s2"; sleep 3; ) | emt)";
 
 }  // namespace
 
 std::optional<DumpLines> get_topology_dump() {
-  constexpr std::size_t kOpModeSize = 16;
-  const std::optional<std::string> op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
-  if (!op_mode) return std::nullopt;
-  const auto* row = std::ranges::find(kDumpCommands, *op_mode, &DumpCommand::op_mode);
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) return std::nullopt;
+  const auto* row = std::ranges::find(kDumpCommands, mode->text(), &DumpCommand::mode);
   DumpLines dump;
   platform::OutputLines lines(kDumpLineMax, [&dump](const std::string& line) { dump.add(line); });
   const auto add = [&lines](std::string_view piece) { return lines.add(piece); };

@@ -14,6 +14,7 @@
 #include "repeater/uplink_monitor.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/mesh.h"
 #include "wireless.h"
 
 namespace {
@@ -60,9 +61,7 @@ struct Report {
   }
 };
 
-std::optional<std::string> read_easymesh(const char* option) {
-  return uci::Section("button_mesh", "easymesh").read(option, kCodeSize);
-}
+std::optional<std::string> read_easymesh(const char* option) { return unit::easymesh().read(option, kCodeSize); }
 
 std::optional<std::string> read_station(const char* station, const char* option, std::size_t size) {
   return uci::Section("wireless", station).read(option, size);

@@ -13,6 +13,7 @@
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "uci_section.h"
+#include "unit/operating_mode.h"
 
 namespace {
 
@@ -114,13 +115,12 @@ void CheckWifiConnection() {
 }
 
 int CheckWifiConnectStatus() {
-  constexpr std::size_t kModeSize = 8;
-  const std::optional<std::string> mode = uci_read("system", "@system[0]", "op_mode", kModeSize);
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
   if (!mode) {
     log_error("get opmode error\n");
     return 1;
   }
-  if (*mode != "re") return 0;
+  if (!mode->is_repeater()) return 0;
   const int error = monitor().start(CheckWifiConnection);
   if (error == 0) return 0;
   log_error("Thread create failed: %d\n", error);

@@ -12,9 +12,10 @@
 #include "platform/log.h"
 #include "system/device.h"
 #include "system_helpers.h"
-#include "uci_access.h"
 #include "uci_section.h"
 #include "unit/brand.h"
+#include "unit/mesh.h"
+#include "unit/operating_mode.h"
 
 namespace {
 
@@ -46,23 +47,19 @@ std::optional<int> read_status(const char* path, Caller caller = {__builtin_FUNC
   return std::fscanf(file.get(), "%d", &status) == 1 ? std::optional(status) : std::nullopt;
 }
 
-bool is_mesh_agent() {
-  return std::atoi(uci_read_or("button_mesh", "easymesh", "enable", 4, "0").c_str()) == 1 &&
-         uci_read_or("button_mesh", "easymesh", "role", 16, "") == "agent";
-}
-
 int get_routerInfo_currentMode() {
-  constexpr std::array<const char*, 3> kModes{"router", "ap", "re"};
-  const std::string op_mode = get_option("system", "@system[0]", "op_mode", 8);
-  for (std::size_t mode = 0; mode < kModes.size(); ++mode) {
-    if (op_mode == kModes[mode]) return static_cast<int>(mode);
-  }
-  return 0;
+  constexpr int kRouter = 0;
+  constexpr int kAccessPoint = 1;
+  constexpr int kRepeater = 2;
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) log_debug("get executed failed.\n");
+  if (mode && mode->is_access_point()) return kAccessPoint;
+  return mode && mode->is_repeater() ? kRepeater : kRouter;
 }
 
 void get_modes(RouterInfo& info) {
   constexpr int kAgent = 2;
-  if (is_mesh_agent()) {
+  if (unit::is_agent_by_whole_role()) {
     info.mode_switch_status = info.current_mode = kAgent;
     return;
   }

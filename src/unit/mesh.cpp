@@ -6,7 +6,6 @@
 #include <string>
 
 #include "platform/log.h"
-#include "uci_access.h"
 
 namespace {
 
@@ -14,30 +13,28 @@ constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kRoleSize = 16;
 
 // An option as a number; 1, with `out` untouched, when it cannot be read.
-int read_number(const char* package, const char* section, const char* option, int& out) {
-  const std::optional<std::string> text = uci_read(package, section, option, kNumberSize);
-  if (!text) return 1;
-  out = std::atoi(text->c_str());
-  return 0;
+int read_number(const uci::Section& section, const char* option, int& out) {
+  const std::optional<int> number = section.read_number(option, kNumberSize);
+  out = number.value_or(out);
+  return number ? 0 : 1;
 }
 
 }  // namespace
 
 int get_mesh_value(int& out) {
   int enable = 0;
-  if (read_number("button_mesh", "easymesh", "enable", enable) != 0) return 1;
+  if (read_number(unit::easymesh(), "enable", enable) != 0) return 1;
   out = enable == 1 ? 1 : 0;
   return 0;
 }
 
-int get_mesh_mode_value(int& out) { return read_number("button_mesh", "easymesh", "mode", out); }
+int get_mesh_mode_value(int& out) { return read_number(unit::easymesh(), "mode", out); }
 
-int get_agent_onboarding_status(int& out) { return read_number("repacd", "MAPConfig", "OnboardingDone", out); }
+int get_agent_onboarding_status(int& out) { return read_number({"repacd", "MAPConfig"}, "OnboardingDone", out); }
 
 int get_mesh_role_value(int& out) {
-  const std::optional<std::string> enable = uci_read("button_mesh", "easymesh", "enable", kNumberSize);
-  const std::optional<std::string> role =
-      enable ? uci_read("button_mesh", "easymesh", "role", kRoleSize) : std::nullopt;
+  const std::optional<std::string> enable = unit::easymesh().read("enable", kNumberSize);
+  const std::optional<std::string> role = enable ? unit::easymesh().read("role", kRoleSize) : std::nullopt;
   if (!role) {
     log_error("Failed to get meshRole option");
     return 1;
@@ -47,3 +44,21 @@ int get_mesh_role_value(int& out) {
   if (role->starts_with("agent")) out = kMeshRoleAgent;
   return 0;
 }
+
+namespace unit {
+
+bool is_agent_by_whole_role() {
+  return easymesh().read_number("enable", kNumberSize) == 1 && easymesh().read_or("role", kRoleSize, "") == "agent";
+}
+
+bool is_agent_by_role_prefix() {
+  const bool is_on = easymesh().read_number("enable", kNumberSize) == 1;
+  return easymesh().read_or("role", kRoleSize, "").starts_with("agent") && is_on;
+}
+
+MeshPart read_mesh_part() {
+  const bool is_on = easymesh().read_number("enable", kNumberSize).value_or(0) != 0;
+  return {is_on, easymesh().read_or("role", kRoleSize, "")};
+}
+
+}  // namespace unit

@@ -8,6 +8,7 @@
 #include "domain/wan_modes.h"
 #include "uci_section.h"
 #include "unit/brand.h"
+#include "unit/operating_mode.h"
 #include "waninfoMethod/wan_config.h"
 
 namespace {
@@ -46,7 +47,7 @@ void restore_lan() {
   constexpr std::array<OptionValue, 4> kRest{
       {{"netmask", "255.255.255.0"}, {"ip6assign", "60"}, {"ieee1905managed", "1"}, {"force_link", "1"}}};
   for (const OptionValue& row : kRest) lan().set(row.option, row.value);
-  uci::Section("system", "@system[0]").set("op_mode", "router");
+  unit::set_operating_mode(unit::kRouterMode);
   uci::Section("dhcp", "lan").remove("ignore");
 }
 

@@ -12,6 +12,7 @@
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/operating_mode.h"
 #include "waninfoMethod/lan_bridge.h"
 #include "waninfoMethod/wan_link.h"
 
@@ -179,8 +180,6 @@ void replace_name_servers(const wanInfo& info) {
   }
 }
 
-void set_op_mode(const char* mode) { uci::Section("system", "@system[0]").set("op_mode", mode); }
-
 void write_ipip6_service(const wanInfo& info) {
   const char* service = v6ServerMode(std::atoi(info.ipipService.c_str()));
   log_debug_as(kWriter, "v6ServerMode = %s", service);
@@ -191,7 +190,7 @@ void write_access_point() {
   wan_section().set("proto", "none");
   wan_section().set("mode", "AP");
   turn_lan_into_client();
-  set_op_mode("ap");
+  unit::set_operating_mode(unit::kAccessPointMode);
 }
 
 void write_method(const wanInfo& info, const LastSettings& last) {
@@ -214,7 +213,7 @@ void write_method(const wanInfo& info, const LastSettings& last) {
   if (code == kWanStatic) replace_name_servers(info);
   if (code == kWanPppoe) {
     wan.set("keepalive", "5 60");
-    set_op_mode("router");
+    unit::set_operating_mode(unit::kRouterMode);
   }
 }
 

@@ -12,6 +12,8 @@
 #include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/mesh.h"
+#include "unit/operating_mode.h"
 #include "waninfoMethod/tunnel_status.h"
 #include "waninfoMethod/wan_addresses.h"
 #include "waninfoMethod/wan_link.h"
@@ -57,11 +59,6 @@ std::string read_wan(const char* option, std::size_t size) { return read_text("n
 
 int read_number(const char* package, const char* section, const char* option) {
   return std::atoi(read_text(package, section, option, kFlagSize).c_str());
-}
-
-bool is_mesh_agent() {
-  const int enabled = std::atoi(read_text("button_mesh", "easymesh", "enable", 4).c_str());
-  return read_text("button_mesh", "easymesh", "role", 16).starts_with("agent") && enabled == 1;
 }
 
 // What the packages must hold for the document to mean anything; a satellite has no WAN of its own.
@@ -222,7 +219,7 @@ void add_switches(json::ObjectText& config, const std::string& mode) {
 
 WanState gather_state() {
   WanState state;
-  read_text("system", "@system[0]", "op_mode", kFlagSize);  // only told in the log, where it is missing
+  unit::operating_mode();  // only told in the log, where it is missing
   state.button_mode = read_text("system", "@system[0]", "button_mode", 12);
   state.mode = read_wan("mode", kWanModeSize);
   state.auto_flag = read_wan("autoflag", kFlagSize);
@@ -234,7 +231,7 @@ WanState gather_state() {
 }  // namespace
 
 int handle_get_wanInfo_json(FCGX_Request* request) {
-  if (!has_needed_sections(is_mesh_agent())) return answer(request, answers::kNothing);
+  if (!has_needed_sections(unit::is_agent_by_role_prefix())) return answer(request, answers::kNothing);
   WanState state = gather_state();
   json::ObjectText config;
   add_connection(config, state);

@@ -12,6 +12,7 @@
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/operating_mode.h"
 #include "waninfoMethod/wan_config.h"
 #include "waninfoMethod/wan_reload.h"
 #include "waninfoMethod/wan_request.h"
@@ -90,7 +91,7 @@ constexpr std::array<OptionValue, 6> kFirstWan{{
 void write_first_wan() {
   const uci::Section system("system", "@system[0]");
   if (!system.exists()) uci::append("system", "system");
-  system.set("op_mode", "router");
+  unit::set_operating_mode(unit::kRouterMode);
   const uci::Section wan("network", "wan");
   if (!wan.exists()) wan.create("interface");
   for (const OptionValue& row : kFirstWan) wan.set(row.option, row.value);

@@ -28,8 +28,6 @@ constexpr BodyMessages kBodyMessages{
 constexpr const char* kCloseMesh = "/usr/sbin/easymesh_close_for_agent.sh &";
 constexpr std::array<const char*, 2> k6GhzNetworks{"ath2", "ath25"};
 
-uci::Section easymesh() { return {"button_mesh", "easymesh"}; }
-
 // A plain option, in the order of writing.
 struct Row {
   const char* package;
@@ -84,7 +82,7 @@ bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
     return false;
   }
   const int mode = settings.multi_link_operation_enable;
-  if (!is_mesh_mode(mode) || easymesh().set("mode", std::to_string(mode))) return true;
+  if (!is_mesh_mode(mode) || unit::easymesh().set("mode", std::to_string(mode))) return true;
   log_error_as(kHandler, "set mesh mode value error");
   return false;
 }
@@ -92,7 +90,7 @@ bool write_mesh_mode(const AgentSettings& settings, AgentState& before) {
 // With Wi-Fi 6 compatibility the unit falls back to 2.4 + 5 GHz.
 bool switch_6ghz(const AgentSettings& settings) {
   const bool is_off = settings.compati_wifi6_mode == 1;
-  if (is_off && !easymesh().set("mode", "1")) {
+  if (is_off && !unit::easymesh().set("mode", "1")) {
     log_error_as(kHandler, "set mesh mode value error");
     return false;
   }
@@ -112,7 +110,7 @@ Outcome join_mesh() {
 }
 
 Outcome change_mesh() {
-  if (!easymesh().set("mode_change", "1")) {
+  if (!unit::easymesh().set("mode_change", "1")) {
     log_error_as(kHandler, "set mode_change error");
     return answers::refused(Result::kFailed);
   }

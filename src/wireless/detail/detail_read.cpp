@@ -51,7 +51,7 @@ constexpr std::array<Source, 7> kSources{{
 int read_switch(const char* section, const char* option) { return read_number(section, option) == 1 ? 1 : 0; }
 
 int read_ieee80211r() {
-  const std::optional<int> value = uci::Section("button_mesh", "easymesh").read_number("ieee80211r");
+  const std::optional<int> value = unit::easymesh().read_number("ieee80211r");
   if (!value) log_error_as(kReader, "Failed to get ieee80211r value");
   return value == 1 ? 1 : 0;
 }

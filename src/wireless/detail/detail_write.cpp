@@ -13,6 +13,7 @@
 #include "uci_access.h"
 #include "uci_section.h"
 #include "unit/mesh.h"
+#include "unit/operating_mode.h"
 #include "wireless.h"
 #include "wireless/detail/band_steering.h"
 #include "wireless/detail/detail_settings.h"
@@ -25,7 +26,6 @@ namespace {
 using wlan_detail::Switch;
 
 constexpr const char* kWriter = "set_wlan_detail_info";
-constexpr std::size_t kOpModeSize = 16;
 constexpr int kShortestBeaconInterval = 100;
 
 // Stops at the first write that fails.
@@ -176,12 +176,12 @@ int set_wlan_detail_info(const WlanDetailInfo& info) {
     log_error("Failed to get mesh role");
     return 1;
   }
-  const auto op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
-  if (!op_mode) {
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) {
     log_error("Failed to get opmode");
     return 1;
   }
-  const Unit unit{role, op_mode->starts_with("re")};
+  const Unit unit{role, mode->begins_as_repeater()};
   for (const Step& step : kSteps) {
     if (step.apply(info, unit)) continue;
     log_error("Failed to set %s", step.name);

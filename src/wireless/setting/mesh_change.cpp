@@ -9,6 +9,7 @@
 #include "interface_plan.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+#include "unit/mesh.h"
 #include "wireless/setting/ssid_info.h"
 
 namespace {
@@ -25,9 +26,7 @@ constexpr std::array<ModeOfBand, 3> kModes{{
     {"2.4GHz,5GHz,6GHz", kMeshMode245And6},
 }};
 
-uci::Section easymesh() { return {"button_mesh", "easymesh"}; }
-
-int read_mesh_number(const char* option) { return easymesh().read_number(option, kNumberSize).value_or(0); }
+int read_mesh_number(const char* option) { return unit::easymesh().read_number(option, kNumberSize).value_or(0); }
 
 void set_backhaul_key(const std::string& password) {
   for (const char* package : {"repacd", "repacd_org"}) uci::Section(package, "MAPConfig").set("BackhaulKey", password);
@@ -61,10 +60,10 @@ MeshChange choose_mesh_change(int requested_mesh, int flags) {
 MeshChange apply_mesh_change(int requested_mesh, int requested_mode, const std::string& password) {
   const int flags = get_mesh_change_flags(requested_mesh, requested_mode, password);
   if (flags == 0) return MeshChange::kNone;
-  easymesh().set("mode", std::to_string(requested_mode));
+  unit::easymesh().set("mode", std::to_string(requested_mode));
   if ((flags & kMeshPasswordChanged) != 0) set_backhaul_key(password);
   const MeshChange change = choose_mesh_change(requested_mesh, flags);
-  if (change == MeshChange::kModeOnly) easymesh().set("mode_change", "1");
+  if (change == MeshChange::kModeOnly) unit::easymesh().set("mode_change", "1");
   if (change == MeshChange::kSwitchedOn) os_system("/usr/sbin/easymesh_controller.sh &");
   return change;
 }

@@ -117,7 +117,7 @@ int get_mesh_info(SsidSlot& slot, WirelessIfaceInfo& info, int mesh_enabled) {
     return 1;
   }
   if (read_backhaul(info, role) != 0 || read_backhaul_state(info, mesh_enabled) != 0) return 1;
-  const auto mode = uci::Section("button_mesh", "easymesh").read("mode", kNumberSize);
+  const auto mode = unit::easymesh().read("mode", kNumberSize);
   if (!mode) {
     log_error("Failed to get meshMode");
     return 1;

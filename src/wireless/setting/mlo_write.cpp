@@ -184,7 +184,7 @@ int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) 
 int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role) {
   if (unit::brand().mlo_in_mesh == MloInMesh::kMirrored && std::string_view(ifname) == k6gLink &&
       *escaped_password != '\0') {
-    uci::Section("button_mesh", "easymesh").set("mlo_key", escaped_password);
+    unit::easymesh().set("mlo_key", escaped_password);
   }
   const security::Writing* writing = security::find_writing(security::kMloWritings, wifi_security);
   if (writing == nullptr) {

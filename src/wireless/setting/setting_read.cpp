@@ -15,6 +15,7 @@
 #include "uci_access.h"
 #include "uci_section.h"
 #include "unit/mesh.h"
+#include "unit/operating_mode.h"
 #include "wireless/channel/channel_readers.h"
 #include "wireless/detail/band_steering.h"
 #include "wireless/setting/mlo_mesh_readers.h"
@@ -40,8 +41,8 @@ constexpr std::array<BandChannel, 3> kBandChannels{{
     {"set6GChannel", R"(iw dev mld3 info | awk '/channel/{print $2" "$6}' )"},
 }};
 
-bool is_connected_repeater(const std::string& op_mode, int mesh_enabled, const std::string& status) {
-  return op_mode == "re" && mesh_enabled == 0 && status == "success";
+bool is_connected_repeater(const unit::OperatingMode& mode, int mesh_enabled, const std::string& status) {
+  return mode.is_repeater() && mesh_enabled == 0 && status == "success";
 }
 
 // What the three MLDs say, or nullopt when a command could not be started.
@@ -86,16 +87,16 @@ void add_copy_and_guest(json::ObjectText& object, const SsidSlot& slot, std::siz
   object.add("guestSsid", guest);
 }
 
-json::ListText read_slots(const std::string& op_mode, int mlo, int mesh) {
+json::ListText read_slots(const unit::OperatingMode& mode, int mlo, int mesh) {
   json::ListText list;
-  const std::span<const SsidSlot> slots = ssid_slots(op_mode);
+  const std::span<const SsidSlot> slots = ssid_slots(mode.text());
   for (std::size_t index = 0; index < slots.size(); ++index) {
     SsidSlot slot = slots[index];
     WirelessIfaceInfo info;
     if (!read_slot(slot, info, mlo, mesh)) continue;
     json::ObjectText object;
     add_wireless_config_fields(object, slot, info);
-    add_copy_and_guest(object, slot, index, op_mode == "re", info.ssid_status);
+    add_copy_and_guest(object, slot, index, mode.is_repeater(), info.ssid_status);
     list.add(std::move(object));
   }
   return list;
@@ -126,29 +127,29 @@ std::optional<json::ObjectText> read_wireless_setting() {
   int mlo = 0;
   int mesh = 0;
   if (!add_switches(root, mlo, mesh)) return std::nullopt;
-  const auto op_mode = uci_read("system", "@system[0]", "op_mode", kTextSize);
-  if (!op_mode) {
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) {
     log_error_as(kHandler, "Failed to get opmode");
     return std::nullopt;
   }
-  const auto ieee80211r = uci::Section("button_mesh", "easymesh").read_number("ieee80211r", kTextSize);
+  const auto ieee80211r = unit::easymesh().read_number("ieee80211r", kTextSize);
   if (!ieee80211r) log_error_as(kHandler, "Failed to get 80211r");
   root.add("ieee802dot11r", ieee80211r.value_or(0));
-  if (get_channel_value(root, *op_mode, mesh) != 0) {
+  if (get_channel_value(root, *mode, mesh) != 0) {
     log_error_as(kHandler, "Failed to get channel");
     return std::nullopt;
   }
-  root.add("wirelessConfig", read_slots(*op_mode, mlo, mesh));
+  root.add("wirelessConfig", read_slots(*mode, mlo, mesh));
   return root;
 }
 
 }  // namespace
 
-int get_channel_value(json::ObjectText& root, const std::string& op_mode, int mesh_enabled) {
+int get_channel_value(json::ObjectText& root, const unit::OperatingMode& mode, int mesh_enabled) {
   const auto status = uci::Section("repeater", "repeater_band").read("status", kTextSize);
   if (!status) log_error("get repeater result error(if not repeater mode, ignore this error)");
   std::optional<std::array<std::string, 3>> mlds;
-  const bool is_connected = is_connected_repeater(op_mode, mesh_enabled, status.value_or(""));
+  const bool is_connected = is_connected_repeater(mode, mesh_enabled, status.value_or(""));
   if (is_connected && !(mlds = ask_mlds())) return 1;
 
   for (std::size_t band = 0; band < kBandChannels.size(); ++band) {

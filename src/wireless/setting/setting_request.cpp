@@ -11,6 +11,7 @@
 #include "system_helpers.h"
 #include "uci_access.h"
 #include "unit/mesh.h"
+#include "unit/operating_mode.h"
 #include "wireless/channel/channel_write.h"
 #include "wireless/setting/mesh_change.h"
 #include "wireless/setting/mlo_mesh_readers.h"
@@ -24,8 +25,6 @@ constexpr const char* kHandler = "handle_wireless_setting";
 
 constexpr BodyMessages kBodyMessages{.no_json = "Can't parse request_body to json format.",
                                      .no_object = "Failed to parse wirelessConfig"};
-
-constexpr std::size_t kOpModeSize = 16;
 
 int rekey_interval(int seconds) {
   constexpr int kMin = 600;
@@ -102,12 +101,12 @@ bool read_switches(const json::Object& asked, SettingRequest& request) {
 
 // The members beside the slots.
 bool read_members(const json::Object& asked, SettingRequest& request) {
-  const auto op_mode = uci_read("system", "@system[0]", "op_mode", kOpModeSize);
-  if (!op_mode) {
+  const std::optional<unit::OperatingMode> mode = unit::operating_mode();
+  if (!mode) {
     log_error_as(kHandler, "Failed to get opmode");
     return false;
   }
-  request.is_repeater = *op_mode == "re";
+  request.is_repeater = mode->is_repeater();
   if (!asked.has("bandSteering")) {
     log_error_as(kHandler, "Failed to parse bandSteering");
     return false;

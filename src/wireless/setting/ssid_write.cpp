@@ -150,9 +150,8 @@ int set_wireless_encryption(const WirelessIfaceInfo& info, const char* ifname, i
   const std::string_view name = ifname;
   if (!is_password_usable(info)) return 1;
   if (info.wifi_security != kSecurityOpen) {
-    const uci::Section easymesh("button_mesh", "easymesh");
-    if (name == kMainSsids[2]) easymesh.set("Key6G", info.password);
-    if (name == kMainSsids[1]) easymesh.set("Key5G", info.password);
+    if (name == kMainSsids[2]) unit::easymesh().set("Key6G", info.password);
+    if (name == kMainSsids[1]) unit::easymesh().set("Key5G", info.password);
   }
   const auto& table = name.starts_with(kMainSsids[2]) ? security::kSsidWritings6g : security::kSsidWritings;
   const security::Writing* writing = security::find_writing(table, info.wifi_security);

@@ -77,4 +77,39 @@ TEST(MeshReaders, ReadNumbers) {
   }
 }
 
+TEST(MeshAgent, IsToldByTheWholeRoleOrByItsBeginning) {
+  const struct {
+    const char *enable, *role;
+    bool by_whole_role, by_prefix;
+  } cases[] = {{"1", "agent", true, true},        {"1", "agents", false, true},   {"1", "Agent", false, false},
+               {"1", "controller", false, false}, {"01", "agent", true, true},    {"1x", "agent", true, true},
+               {"0", "agent", false, false},      {"2", "agent", false, false},   {"", "agent", false, false},
+               {"1", "", false, false},           {"1000", "agent", false, false}};
+  for (const auto& c : cases) {
+    easymesh(c.enable, c.role, "1");
+    EXPECT_EQ(unit::is_agent_by_whole_role(), c.by_whole_role) << c.enable << " " << c.role;
+    EXPECT_EQ(unit::is_agent_by_role_prefix(), c.by_prefix) << c.enable << " " << c.role;
+  }
+  router_state::no_config("button_mesh");
+  EXPECT_FALSE(unit::is_agent_by_whole_role());
+  EXPECT_FALSE(unit::is_agent_by_role_prefix());
+}
+
+TEST(ReadMeshPart, TakesAnyNumberButZeroForOn) {
+  const struct {
+    const char *enable, *role;
+    bool is_on, is_agent, is_controller;
+  } cases[] = {{"1", "agent", true, true, false},      {"2", "agents", true, true, false},
+               {"0", "agent", false, false, false},    {"x", "agent", false, false, false},
+               {"1", "controller", true, false, true}, {"0", "controller2", false, false, true},
+               {"", "controller", false, false, true}, {"1", "", true, false, false}};
+  for (const auto& c : cases) {
+    easymesh(c.enable, c.role, "1");
+    const unit::MeshPart part = unit::read_mesh_part();
+    EXPECT_EQ(part.is_on, c.is_on) << c.enable << " " << c.role;
+    EXPECT_EQ(part.is_agent(), c.is_agent) << c.enable << " " << c.role;
+    EXPECT_EQ(part.is_controller(), c.is_controller) << c.enable << " " << c.role;
+  }
+}
+
 }  // namespace

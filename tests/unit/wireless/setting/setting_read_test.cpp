@@ -24,14 +24,14 @@ void write_radios(const char* second_channel) {
 TEST(GetChannelValue, OfAUnitThatSetsThemItself) {
   write_radios("auto");
   json::ObjectText root;
-  EXPECT_EQ(get_channel_value(root, "router", 0), 0);
+  EXPECT_EQ(get_channel_value(root, unit::OperatingMode("router"), 0), 0);
   EXPECT_EQ(root.text(), R"({ "set2GChannel": 6, "set5GChannel": 0, "set6GChannel": -1 })");
 }
 
 TEST(GetChannelValue, FailsWhereARadioCannotBeRead) {
   write_radios("");
   json::ObjectText root;
-  EXPECT_EQ(get_channel_value(root, "router", 0), 1);
+  EXPECT_EQ(get_channel_value(root, unit::OperatingMode("router"), 0), 1);
   EXPECT_EQ(root.text(), R"({ "set2GChannel": 6 })");
 }
 
