@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "encrypted_body.h"
+#include "answer/encrypted_body.h"
 #include "platform/run_guarded.h"
 #include "platform/uci_session.h"
 #include "system_helpers.h"

@@ -1,5 +1,5 @@
 // JWE through the `jose` tool: the text on standard input, no shell and no argument limit between.
-#include "encrypted_body.h"
+#include "answer/encrypted_body.h"
 
 #include "platform/log.h"
 #include "platform/process.h"

@@ -1,5 +1,5 @@
 // Look-ups in the slot tables.
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 
 #include <algorithm>
 

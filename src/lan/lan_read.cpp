@@ -6,7 +6,6 @@
 #include "platform/file.h"
 #include "platform/log.h"
 #include "platform/process.h"
-#include "uci_access.h"
 #include "uci_section.h"
 #include "unit/operating_mode.h"
 

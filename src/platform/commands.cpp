@@ -17,15 +17,17 @@ std::string joined(const std::vector<std::string>& words) {
   return text;
 }
 
-// The value that os_system and os_exec answer for a command that was run, with their message.
-#define SYSTEM_RESULT(result, shown)                                                         \
-  if (!(result).started) {                                                                   \
-    log_debug("exec syscmd error!");                                                         \
-    return 0;                                                                                \
-  }                                                                                          \
-  if ((result).succeeded()) return 1;                                                        \
-  log_debug("exec cmd '%s' errno=%d!", (shown).c_str(), ((result).wait_status >> 8) & 0xff); \
+// What os_system and os_exec answer for a command that was run, with their message at the place of the two.
+int system_result(const platform::ProcessResult& result, const std::string& shown,
+                  platform::LogPlace place = platform::LogPlace::here()) {
+  if (!result.started) {
+    log_debug_at(place, "exec syscmd error!");
+    return 0;
+  }
+  if (result.succeeded()) return 1;
+  log_debug_at(place, "exec cmd '%s' errno=%d!", shown.c_str(), (result.wait_status >> 8) & 0xff);
   return 0;
+}
 
 }  // namespace
 
@@ -34,8 +36,7 @@ int os_system(const std::string& command) {
     log_debug("shell cmd is null!");
     return 0;
   }
-  const platform::ProcessResult result = platform::run_shell(command, {.capture_output = false});
-  SYSTEM_RESULT(result, command)
+  return system_result(platform::run_shell(command, {.capture_output = false}), command);
 }
 
 int os_exec(const std::vector<std::string>& argv) {
@@ -43,8 +44,7 @@ int os_exec(const std::vector<std::string>& argv) {
     log_debug("shell cmd is null!");
     return 0;
   }
-  const platform::ProcessResult result = platform::run(argv, {.capture_output = false});
-  SYSTEM_RESULT(result, joined(argv))
+  return system_result(platform::run(argv, {.capture_output = false}), joined(argv));
 }
 
 int execute_cmd(const char* command, char* out, std::size_t out_size) {

@@ -34,6 +34,7 @@ int fork_with_log_idle();
 #define log_debug(...) ::platform::write_log(LOG_DEBUG, __func__, __LINE__, __VA_ARGS__)
 // Of a helper, at its caller's place.
 #define log_error_at(place, ...) ::platform::write_log(LOG_ERR, (place).function, (place).line, __VA_ARGS__)
+#define log_debug_at(place, ...) ::platform::write_log(LOG_DEBUG, (place).function, (place).line, __VA_ARGS__)
 // The same, of a helper whose messages are known by the name of the function that it works for.
 #define log_error_as(function, ...) ::platform::write_log(LOG_ERR, function, __LINE__, __VA_ARGS__)
 #define log_debug_as(function, ...) ::platform::write_log(LOG_DEBUG, function, __LINE__, __VA_ARGS__)

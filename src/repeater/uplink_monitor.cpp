@@ -11,7 +11,6 @@
 #include "repeater/bands.h"
 #include "repeater/uci_commands.h"
 #include "system_helpers.h"
-#include "uci_access.h"
 #include "uci_section.h"
 #include "unit/operating_mode.h"
 

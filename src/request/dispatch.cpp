@@ -10,12 +10,12 @@
 #include <variant>
 
 #include "answer/answer.h"
-#include "encrypted_body.h"
+#include "answer/encrypted_body.h"
 #include "platform/process.h"
 #include "platform/uci_session.h"
 #include "request/body.h"
 #include "request/connection.h"
-#include "route_table.h"
+#include "request/route_table.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The two route tables, in the order in which they are searched.
-#include "route_table.h"
+#include "request/route_table.h"
 
 #include "handlers.h"
 

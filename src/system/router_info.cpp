@@ -21,26 +21,19 @@ namespace {
 
 #define ROUTER_LED_PATH "/sys/devices/platform/soc@0/soc@0:leds/leds/led_router/brightness"
 
-// A debug line under the name of the function that calls.
-struct Caller {
-  const char* function;
-  int line;
-  void log_failure(const char* message) const { platform::write_log(LOG_DEBUG, function, line, "%s", message); }
-};
-
 // An option's text; empty, and a line in the log, when it cannot be read.
 std::string get_option(const char* package, const char* section, const char* option, std::size_t size,
-                       Caller caller = {__builtin_FUNCTION(), __builtin_LINE()}) {
+                       platform::LogPlace place = platform::LogPlace::here()) {
   std::optional<std::string> value = uci::Section(package, section).read(option, size);
-  if (!value) caller.log_failure("get executed failed.\n");
+  if (!value) log_debug_at(place, "get executed failed.\n");
   return std::move(value).value_or("");
 }
 
 // The integer that a status file begins with.
-std::optional<int> read_status(const char* path, Caller caller = {__builtin_FUNCTION(), __builtin_LINE()}) {
+std::optional<int> read_status(const char* path, platform::LogPlace place = platform::LogPlace::here()) {
   const platform::FilePtr file = platform::open_file(path, "r");
   if (!file) {
-    caller.log_failure("Failed to open fail\n");
+    log_debug_at(place, "Failed to open fail\n");
     return std::nullopt;
   }
   int status = 0;

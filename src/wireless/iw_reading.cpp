@@ -1,7 +1,10 @@
 // Parsers of what `iw` prints.
 #include "wireless/iw_reading.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <vector>
 
 #include "platform/text.h"
 
@@ -9,20 +12,13 @@ namespace iw {
 namespace {
 
 constexpr std::size_t kLineSize = 256;
-constexpr std::string_view kBlanks = " \t";
 
 // The blank-delimited word behind the first word `key`; nullopt when there is none.
 std::optional<std::string_view> word_behind(std::string_view line, std::string_view key) {
-  bool found = false;
-  for (std::size_t begin = line.find_first_not_of(kBlanks); begin != std::string_view::npos;
-       begin = line.find_first_not_of(kBlanks)) {
-    line.remove_prefix(begin);
-    const std::string_view word = line.substr(0, line.find_first_of(kBlanks));
-    if (found) return word;
-    found = word == key;
-    line.remove_prefix(word.size());
-  }
-  return std::nullopt;
+  const std::vector<std::string_view> words = platform::pieces(line);
+  const auto found = std::ranges::find(words, key);
+  if (found == words.end() || std::next(found) == words.end()) return std::nullopt;
+  return *std::next(found);
 }
 
 }  // namespace
@@ -41,7 +37,7 @@ std::optional<std::string> parse_channel_text(std::string_view info) {
 
 std::optional<Operating> parse_operating(std::string_view info) {
   for (const std::string& line : platform::split_lines(info, kLineSize)) {
-    if (line.find("channel") == std::string::npos || line.find("width:") == std::string::npos) continue;
+    if (!platform::holds(line, "channel") || !platform::holds(line, "width:")) continue;
     Operating operating;
     if (std::sscanf(line.c_str(), "%*s %d %*[^,], width: %d %*s", &operating.channel, &operating.width_mhz) < 2) {
       return std::nullopt;
@@ -57,10 +53,10 @@ std::optional<std::string> parse_link_address(std::string_view info, unsigned li
   bool found = false;
   for (const std::string& line : platform::split_lines(info, kLineSize)) {
     if (!found) {
-      found = line.find(mark) != std::string::npos || line.find(upstream_mark) != std::string::npos;
-      if (!found || line.find(upstream_mark) == std::string::npos) continue;
+      const bool is_upstream = platform::holds(line, upstream_mark);
+      found = is_upstream || platform::holds(line, mark);
+      if (!is_upstream) continue;
     }
-    if (line.find("addr") == std::string::npos) continue;
     if (const auto address = word_behind(line, "addr")) return std::string(address->substr(0, max_length));
   }
   return std::nullopt;

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "platform/log.h"
 #include "uci_section.h"
 #include "unit/mesh.h"

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "domain/channels.h"
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "platform/text.h"

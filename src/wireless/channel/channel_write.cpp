@@ -4,7 +4,7 @@
 #include <string>
 
 #include "domain/channels.h"
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "platform/file.h"
 #include "platform/log.h"
 #include "unit/mesh.h"

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 
 // By band 0, 1, 2 (2.4, 5, 6 GHz): -1 off, 0 automatic.
 using Channels = std::array<int, kRadios.size()>;

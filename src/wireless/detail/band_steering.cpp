@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_section.h"

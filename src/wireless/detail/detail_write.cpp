@@ -7,10 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
-#include "uci_access.h"
 #include "uci_section.h"
 #include "unit/mesh.h"
 #include "unit/operating_mode.h"

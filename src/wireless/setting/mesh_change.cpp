@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "domain/interface_plan.h"
 #include "domain/mesh_codes.h"
-#include "interface_plan.h"
 #include "system_helpers.h"
 #include "uci_section.h"
 #include "unit/mesh.h"

@@ -1,8 +1,8 @@
 // Readers of the two slots that stand for several access points: MLO and mesh backhaul.
 #include "wireless/setting/mlo_mesh_readers.h"
 
+#include "domain/interface_plan.h"
 #include "domain/security_codes.h"
-#include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_section.h"

@@ -1,7 +1,7 @@
 // Readers of the two slots that stand for several access points: MLO and mesh backhaul.
 #pragma once
 
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "wireless/setting/ssid_info.h"
 
 // All int results: 0 on success, non-zero on failure (logged).

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
+#include "answer/encrypted_body.h"
+#include "domain/interface_plan.h"
 #include "domain/security_codes.h"
-#include "encrypted_body.h"
-#include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_access.h"

@@ -8,11 +8,10 @@
 
 #include "answer/answer.h"
 #include "domain/channels.h"
+#include "domain/interface_plan.h"
 #include "handlers.h"
-#include "interface_plan.h"
 #include "platform/log.h"
 #include "platform/process.h"
-#include "uci_access.h"
 #include "uci_section.h"
 #include "unit/mesh.h"
 #include "unit/operating_mode.h"

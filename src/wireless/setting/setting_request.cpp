@@ -5,11 +5,10 @@
 
 #include "answer/json_reading.h"
 #include "answer/read_object.h"
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "platform/log.h"
 #include "platform/text.h"
 #include "system_helpers.h"
-#include "uci_access.h"
 #include "unit/mesh.h"
 #include "unit/operating_mode.h"
 #include "wireless/channel/channel_write.h"

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <optional>
 
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "platform/log.h"
 #include "platform/process.h"
 #include "system_helpers.h"

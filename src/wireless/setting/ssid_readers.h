@@ -5,7 +5,7 @@
 #include <string>
 
 #include "answer/json_text.h"
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "wireless/setting/ssid_info.h"
 
 // All int results: 0 on success, non-zero on failure (logged).

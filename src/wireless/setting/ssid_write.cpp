@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "domain/interface_plan.h"
 #include "domain/security_codes.h"
-#include "interface_plan.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_section.h"

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "access.h"
+#include "domain/interface_plan.h"
 #include "domain/mesh_codes.h"
 #include "domain/security_codes.h"
-#include "interface_plan.h"
 #include "platform/log.h"
 #include "uci_section.h"
 #include "wireless/security_options.h"

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 #include "wireless.h"
 
 namespace wps {

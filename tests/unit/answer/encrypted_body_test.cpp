@@ -1,5 +1,5 @@
 // Texts through a `jose` of the test's own. What the program gives it is asked over FastCGI, with a recording one.
-#include "encrypted_body.h"
+#include "answer/encrypted_body.h"
 
 #include <string>
 

@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "encrypted_body.h"
+#include "answer/encrypted_body.h"
 #include "platform/file.h"
 #include "platform/process.h"
 

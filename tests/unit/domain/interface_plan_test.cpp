@@ -1,5 +1,5 @@
 // The slot tables, row by row.
-#include "interface_plan.h"
+#include "domain/interface_plan.h"
 
 #include <string>
 #include <vector>

@@ -1,5 +1,5 @@
 // Walks both route tables row by row.
-#include "route_table.h"
+#include "request/route_table.h"
 
 #include <array>
 #include <set>
