@@ -27,7 +27,7 @@ SENT_BACK = ("/api/v1/wireless/setting", "/api/v1/wireless/detail-setting")  # w
 
 
 def get_routes() -> list[str]:
-    text = (ROOT / "src/request/route_table.cpp").read_text().partition("get_routes{{")[2]
+    text = (ROOT / "src/request/route_table.cpp").read_text().partition("to_array<GetRoute>({")[2]
     return [line.split('"')[1] for line in text.splitlines() if '"/api/' in line]
 
 

@@ -1,10 +1,14 @@
 // The two route tables, in the order in which they are searched.
 #include "request/route_table.h"
 
+#include <array>
+
 #include "handlers.h"
 
+namespace {
+
 // clang-format off
-const std::array<PostRoute, kPostRouteCount> post_routes{{
+constexpr auto kPostRoutes = std::to_array<PostRoute>({
     {"/api/v1/router/wan-info",            handle_set_wanInfo_json},
     {"/api/v1/pppoe/start",                handle_pppoe_config},
     {"/api/v1/wireless/setting",           handle_wireless_setting},
@@ -39,9 +43,9 @@ const std::array<PostRoute, kPostRouteCount> post_routes{{
     {"/api/v1/system/config/restore",      handle_config_restore},
     {"/api/v1/system/config/backup",       handle_config_backup},
     {"/api/v1/mesh/agent-wificlient-info", handle_agent_wifi_client_info},
-}};
+});
 
-const std::array<GetRoute, kGetRouteCount> get_routes{{
+constexpr auto kGetRoutes = std::to_array<GetRoute>({
     {"/api/v1/router/wan-info",            handle_get_wanInfo_json},
     {"/api/v1/pppoe/response",             handle_get_pppoe_response},
     {"/api/v1/pppoe/result",               handle_get_pppoe_result},
@@ -71,5 +75,10 @@ const std::array<GetRoute, kGetRouteCount> get_routes{{
     {"/api/v1/parental-control",           handle_get_parental_control_info},
     {"/api/v1/port-open",                  handle_get_portopen_json},
     {"/api/v1/lan",                        handle_get_lan_network},
-}};
+});
 // clang-format on
+
+}  // namespace
+
+constinit const std::span<const PostRoute> post_routes = kPostRoutes;
+constinit const std::span<const GetRoute> get_routes = kGetRoutes;

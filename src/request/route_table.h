@@ -1,8 +1,7 @@
 // The route tables: which URI of which method is answered by which handler.
 #pragma once
 
-#include <array>
-#include <cstddef>
+#include <span>
 #include <string_view>
 #include <variant>
 
@@ -25,9 +24,6 @@ struct RouteEntry {
 using GetRoute = RouteEntry<GetHandler>;
 using PostRoute = RouteEntry<PostHandler>;
 
-inline constexpr std::size_t kPostRouteCount = 34;
-inline constexpr std::size_t kGetRouteCount = 29;
-
 // Searched from the first row on; within one table every URI is unique.
-extern const std::array<PostRoute, kPostRouteCount> post_routes;
-extern const std::array<GetRoute, kGetRouteCount> get_routes;
+extern const std::span<const PostRoute> post_routes;
+extern const std::span<const GetRoute> get_routes;

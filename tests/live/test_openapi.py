@@ -19,9 +19,9 @@ def route_table():
     """(method, URI, handler) in the order of the tables."""
     text = (TOP / "src/request/route_table.cpp").read_text()
     found = []
-    for method, table in (("post", "post_routes"), ("get", "get_routes")):
-        body = text[text.index(f"{table}{{{{"):]
-        found += [(method, *row) for row in re.findall(r'\{"([^"]+)",\s*(\w+)\}', body[:body.index("}};")])]
+    for method, kind in (("post", "PostRoute"), ("get", "GetRoute")):
+        body = text.partition(f"to_array<{kind}>({{")[2].partition("\n});")[0]
+        found += [(method, *row) for row in re.findall(r'\{"([^"]+)",\s*(\w+)\}', body)]
     return found
 
 
@@ -53,7 +53,7 @@ def validate(value, schema):
 def test_the_routes_are_those_of_the_route_table():
     documented = {(method, uri, entry["operationId"]) for uri, methods in DOCUMENT["paths"].items()
                   for method, entry in methods.items()}
-    assert documented == set(route_table()) and len(ROUTES) == 63
+    assert documented == set(route_table()) and len(ROUTES) == len(set(ROUTES)) >= 63
 
 
 def test_the_index_lists_the_routes_in_the_order_of_the_route_table():
