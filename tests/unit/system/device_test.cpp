@@ -65,20 +65,6 @@ TEST(RunCmdFirstLine, TakesTheFirstLineOfWhateverTheCommandCameTo) {
   EXPECT_EQ(line.size(), 1024U);
 }
 
-TEST(DeviceId, IsTheOneOfTheBrandOnlyAsAWhole) {
-  struct Row {
-    const char* id;
-    bool is_it;
-  };
-  for (const Row& row : {Row{"0121\n", true}, Row{"0121\r\n", true}, Row{"0121", true}, Row{"01213\n", false},
-                         Row{"0221\n", false}, Row{" 0121\n", false}, Row{"", false}}) {
-    router_state::write("/tmp/deviceid", row.id);
-    EXPECT_EQ(is_tesmir_device_id(), row.is_it) << row.id;
-  }
-  std::filesystem::remove("/tmp/deviceid");
-  EXPECT_FALSE(is_tesmir_device_id());
-}
-
 // The kernel's list with these levels of the switch's three lines.
 void set_lines(const char* gpio38, const char* gpio10, const char* gpio39) {
   const auto line = [](const char* name, const char* level) {
