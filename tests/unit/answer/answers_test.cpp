@@ -12,7 +12,7 @@ namespace {
 
 using answers::Result;
 
-TEST(Answers, EachWaitStandsInItsTextOnce) {
+TEST(FixedAnswers, EachWaitStandsInItsTextOnce) {
   std::set<std::string_view> texts;
   for (const answers::Wait& row : answers::kWaits) {
     EXPECT_EQ(row.text, R"({"result": 0, "version": 1, "waitTime": )" + std::to_string(row.seconds) + "}");
@@ -24,12 +24,12 @@ TEST(Answers, EachWaitStandsInItsTextOnce) {
   }
 }
 
-TEST(Answers, AWaitWithoutATextIsNoAnswer) {
+TEST(FixedAnswers, AWaitWithoutATextIsNoAnswer) {
   EXPECT_THROW(answers::text_of(answers::kWaits, 21), std::out_of_range);
   EXPECT_THROW(answers::text_of(answers::kWirelessWaits, 90), std::out_of_range);
 }
 
-TEST(Answers, HaveATextForEachBrandsWaits) {
+TEST(FixedAnswers, HaveATextForEachBrandsWaits) {
   for (const brands::Brand& brand : brands::kBrands) {
     for (const int seconds : {brand.waits_s.factory_reset, brand.waits_s.first_reboot}) {
       EXPECT_NO_THROW(answers::text_of(answers::kWaits, seconds)) << brand.log_name << " " << seconds;
@@ -40,7 +40,7 @@ TEST(Answers, HaveATextForEachBrandsWaits) {
   }
 }
 
-TEST(Answers, ARefusalTellsItsResult) {
+TEST(FixedAnswers, ARefusalTellsItsResult) {
   for (const Result result : {Result::kUnusable, Result::kFailed, Result::kNotVerified}) {
     EXPECT_EQ(answers::refusal(result), R"({"result": )" + std::to_string(static_cast<int>(result)) + "}");
     EXPECT_EQ(answers::refused(result).text, answers::refusal(result));
