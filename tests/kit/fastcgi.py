@@ -60,23 +60,24 @@ def connect(path: str, timeout_s: float) -> socket.socket:
 
 def read_response(connection: socket.socket) -> Response:
     """All records up to END_REQUEST or the end of the connection."""
-    response = Response()
+    response, stdout, stderr = Response(), [], []
     with connection.makefile("rb") as stream_in:
-        while True:
+        while not response.ended:
             try:
                 header = stream_in.read(_HEADER.size)
             except ConnectionResetError:
-                return response
+                break
             if len(header) < _HEADER.size:
-                return response
+                break
             _, kind, _, length, padding = _HEADER.unpack(header)
             content = stream_in.read(length + padding)[:length]
             response.records.append(kind)
             if kind == STDOUT:
-                response.stdout += content
+                stdout.append(content)
             elif kind == STDERR:
-                response.stderr += content
+                stderr.append(content)
             elif kind == END_REQUEST:
                 response.app_status = struct.unpack("!I", content[:4])[0]
                 response.ended = True
-                return response
+    response.stdout, response.stderr = b"".join(stdout), b"".join(stderr)
+    return response

@@ -23,7 +23,7 @@ from .units import LASTING, Unit, first_documents, post_routes
 
 NAME = "faults"
 HELP = "writes, forks, memory and more that fail, full disks"
-SHORT = {"count": 80, "routes": 8}
+SHORT = {"count": 64, "routes": 7}
 
 # As faults.cpp numbers them.
 KINDS = ("none", "write", "fsync", "rename", "open", "fork", "spawn", "pipe", "memory")
