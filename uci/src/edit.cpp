@@ -68,16 +68,16 @@ bool is_list(const uci_option* option) { return option != nullptr && option->typ
 
 // The index that a deletion's value is; nullopt without a value. What is no number was meant as something else than an
 // index, so nothing is deleted for it.
-std::optional<long> index_of(const uci_ptr& ptr) {
+std::optional<long long> index_of(const uci_ptr& ptr) {
   if (ptr.value == nullptr || *ptr.value == '\0') return std::nullopt;
   char* end = nullptr;
-  const long index = std::strtol(ptr.value, &end, 10);
+  const long long index = std::strtoll(ptr.value, &end, 10);
   if (end != ptr.value) return index;
   if (is_list(ptr.o)) throw NotANumber{};
   throw Failure{UCI_ERR_INVAL};
 }
 
-void delete_item(uci_ptr& ptr, long index) {
+void delete_item(uci_ptr& ptr, long long index) {
   uci_element* item = item_at(*ptr.o, static_cast<int>(index));
   if (item == nullptr) return;
   Note note(*ptr.p, UCI_CMD_REMOVE, ptr.section, ptr.option, std::to_string(index).c_str());
@@ -86,7 +86,7 @@ void delete_item(uci_ptr& ptr, long index) {
 }
 
 void delete_found(uci_ptr& ptr) {
-  const std::optional<long> index = index_of(ptr);
+  const std::optional<long long> index = index_of(ptr);
   if (index && is_list(ptr.o)) return delete_item(ptr, *index);
   Note(*ptr.p, UCI_CMD_REMOVE, ptr.s->e.name, ptr.o != nullptr ? ptr.o->e.name : nullptr, nullptr).keep();
   if (ptr.o != nullptr) {

@@ -42,7 +42,7 @@ Position parse_position(const char* text) {
   const char* open = std::strchr(text, '[');
   if (open == nullptr) throw Failure{UCI_ERR_INVAL};
   char* end = nullptr;
-  const long index = std::strtol(open + 1, &end, 10);
+  const long long index = std::strtoll(open + 1, &end, 10);  // as far on each processor
   if (*end != ']' || end[1] != '\0') throw Failure{UCI_ERR_INVAL};
   // Wraps as the width of the platform's index does.
   return {std::string_view(text + 1, static_cast<std::size_t>(open - text - 1)), static_cast<int>(index)};
