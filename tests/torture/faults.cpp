@@ -181,6 +181,7 @@ int pipe2(int* ends, int flags) {
 }
 
 // What an assertion has to say is told whatever failed: the C library makes the text in memory that it asks for.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the C library's name
 void __assert_fail(const char* assertion, const char* file, unsigned int line, const char* function) {
   if (control != nullptr) control->armed.store(0);
   static void (*real)(const char*, const char*, unsigned int, const char*) = nullptr;
