@@ -255,6 +255,13 @@ def test_the_table_is_replaced_without_a_switch(router):
     assert router.get(FILTER).json["macFilterTable"] == [entry("One", "m1"), entry("Two", "m2")]
 
 
+def test_the_lists_of_an_entry_are_written_in_their_order(router):
+    assert router.post(FILTER, {"macFilterTable": [entry("One", "m1")]}).text == OK_100
+    section = router.read("/etc/config/macfilter").partition("config wifi-iface 'ath0'\n")[2].partition("\nconfig")[0]
+    assert [line.split()[1] for line in section.splitlines() if line.split()[:1] == ["list"]] == [
+        "namelist", "maclist_sec", "maclist"]
+
+
 @pytest.mark.parametrize("status", [1, 1.0, True, "1"])
 def test_every_form_of_1_is_on(router, status):
     few_interfaces(router)
