@@ -385,10 +385,15 @@ def find_programs(bwrap_pid: int, name: str) -> list[int]:
 
 
 def _runs(pid: int, name: str) -> bool:
+    """By the program's name in its root; under an emulator, by what that was told to run. A build that replaced the file
+    meanwhile changes nothing."""
     try:
-        return os.path.basename(os.readlink(f"/proc/{pid}/exe")) == name
+        if os.path.basename(os.readlink(f"/proc/{pid}/exe")).removesuffix(" (deleted)") == name:
+            return True
+        words = Path(f"/proc/{pid}/cmdline").read_bytes().decode(errors="replace").rstrip("\0").split("\0")
     except OSError:
         return False
+    return words[:1] == emulator()[:1] and os.path.basename(words[-1]) == name
 
 
 def _children(pid: int) -> list[int]:

@@ -31,6 +31,7 @@ from .seen import Answer, Call, LogLine, decrypt, encrypt  # noqa: F401 (the kit
 DEADLINE_S = 120.0
 _END_DEADLINE_S = 60.0
 _POLL_S = 0.005
+_PROGRAM = Path("/usr/sbin/router-api")  # in the root, whatever it is called on the machine
 
 # Reports go to files: a daemonised child has no standard error left.
 SANITIZER_OPTIONS = {
@@ -201,7 +202,7 @@ class Router:
         binary = program("ROUTER_API_BIN")
         if binary is None:
             raise RuntimeError("ROUTER_API_BIN is not set: run the tests through ctest or script/test")
-        self.root.mount(binary, "/usr/sbin/router-api")
+        self.root.mount(binary, str(_PROGRAM))
         environment = {**SANITIZER_OPTIONS, **self.environment}
         if (libuci := program("SYSTEM_UCI_LIB")) is not None:
             self.root.mount(libuci, f"/router/lib/{libuci.name}")
@@ -223,7 +224,7 @@ class Router:
         emulator = sandbox.emulator()
         if emulator and (preload := environment.pop("LD_PRELOAD", None)):
             emulator += ["-E", f"LD_PRELOAD={preload}"]
-        return [*emulator, "/usr/sbin/router-api"]
+        return [*emulator, str(_PROGRAM)]
 
     def run(self, *argv: str, input: str | bytes = "", environment: dict[str, str] | None = None) -> subprocess.CompletedProcess:
         """Runs a command of the router to its end: run("uci", "get", "network.lan.ipaddr").stdout. Output that is not
@@ -386,7 +387,7 @@ class Router:
         self.start()
         end = time.monotonic() + DEADLINE_S
         while time.monotonic() < end:
-            pid = sandbox.find_program(self._process.pid, program("ROUTER_API_BIN").name)
+            pid = sandbox.find_program(self._process.pid, _PROGRAM.name)
             if pid is not None:
                 return pid
             time.sleep(_POLL_S)
@@ -394,7 +395,7 @@ class Router:
 
     def processes(self) -> list[int]:
         """The ids, on the machine, of the program and of the children that it forked and that still run."""
-        return sandbox.find_programs(self._process.pid, program("ROUTER_API_BIN").name)
+        return sandbox.find_programs(self._process.pid, _PROGRAM.name)
 
     def sanitizer_report(self) -> str:
         """What the sanitizers of the program, its children and the `uci` command have to say so far."""

@@ -9,6 +9,7 @@ import subprocess
 import tempfile
 import threading
 import time
+from pathlib import Path
 
 import pytest
 
@@ -230,6 +231,25 @@ def test_a_program_that_ends_fails_the_test(router):
     router.wait_until(lambda: not router.alive_process())
     with pytest.raises(AssertionError, match="ended"):
         router.finish()
+
+
+def test_the_program_is_found_whatever_its_file_is_called(router, monkeypatch, tmp_path):
+    """A build may replace the file meanwhile, too."""
+    file = Path(shutil.copy(os.environ["ROUTER_API_BIN"], tmp_path / "router-api-of-another-build"))
+    monkeypatch.setenv("ROUTER_API_BIN", str(file))
+    found = router.pid()
+    file.unlink()
+    assert [router.pid()] == router.processes() == [found]
+
+
+def test_the_program_is_found_under_an_emulator(router, monkeypatch):
+    """One that, as qemu does, stays what the process is; here with the program for its child."""
+    router.real_time = True  # nothing is preloaded
+    monkeypatch.setenv("ROUTER_API_EMULATOR", """/bin/bash -c '"$0"; exit $?'""")
+    assert router.get("/api/v1/ntp").json["result"] == 0
+    emulator, program = router.processes()
+    assert router.pid() == emulator and Path(f"/proc/{emulator}/exe").readlink().name == "bash"
+    assert Path(f"/proc/{program}/exe").readlink().name == "router-api"
 
 
 def test_who_asks_a_program_that_ends_waits_no_longer(router):
