@@ -1,7 +1,7 @@
 // Parsers of ifconfig, ip and resolv.conf output.
 #include "lan/lan_live.h"
 
-#include "domain/ipv4.h"
+#include "lan/ipv4.h"
 #include "lan/lan_settings.h"
 #include "platform/process.h"
 #include "platform/text.h"

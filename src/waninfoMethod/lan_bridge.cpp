@@ -5,11 +5,11 @@
 #include <initializer_list>
 #include <string>
 
-#include "domain/wan_modes.h"
 #include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/operating_mode.h"
 #include "waninfoMethod/wan_config.h"
+#include "waninfoMethod/wan_modes.h"
 
 namespace {
 

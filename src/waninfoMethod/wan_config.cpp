@@ -8,13 +8,13 @@
 #include <optional>
 #include <string_view>
 
-#include "domain/wan_modes.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_section.h"
 #include "unit/operating_mode.h"
 #include "waninfoMethod/lan_bridge.h"
 #include "waninfoMethod/wan_link.h"
+#include "waninfoMethod/wan_modes.h"
 
 namespace {
 

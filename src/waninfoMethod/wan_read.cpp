@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "answer/answer.h"
-#include "domain/wan_modes.h"
 #include "handlers.h"
 #include "platform/file.h"
 #include "platform/log.h"
@@ -17,6 +16,7 @@
 #include "waninfoMethod/tunnel_status.h"
 #include "waninfoMethod/wan_addresses.h"
 #include "waninfoMethod/wan_link.h"
+#include "waninfoMethod/wan_modes.h"
 
 namespace {
 

@@ -7,13 +7,13 @@
 
 #include "answer/answer.h"
 #include "answer/read_object.h"
-#include "domain/wan_modes.h"
 #include "handlers.h"
 #include "platform/log.h"
 #include "system_helpers.h"
 #include "uci_section.h"
 #include "unit/operating_mode.h"
 #include "waninfoMethod/wan_config.h"
+#include "waninfoMethod/wan_modes.h"
 #include "waninfoMethod/wan_reload.h"
 #include "waninfoMethod/wan_request.h"
 

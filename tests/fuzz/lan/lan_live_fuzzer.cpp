@@ -1,5 +1,5 @@
 // Any bytes as what ifconfig, ip and resolv.conf say of the LAN: every text keeps its bound.
-#include "domain/ipv4.h"
+#include "lan/ipv4.h"
 #include "lan/lan_live.h"
 #include "lan/lan_settings.h"
 #include "require.h"

@@ -1,5 +1,5 @@
 // Tables of the WAN's vocabulary. All of them are searched by prefix, first row first.
-#include "domain/wan_modes.h"
+#include "waninfoMethod/wan_modes.h"
 
 #include <algorithm>
 #include <array>

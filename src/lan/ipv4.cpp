@@ -1,5 +1,5 @@
 // IPv4 arithmetic.
-#include "domain/ipv4.h"
+#include "lan/ipv4.h"
 
 #include <algorithm>
 #include <array>

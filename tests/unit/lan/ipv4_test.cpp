@@ -1,5 +1,5 @@
 // IPv4 checks and arithmetic.
-#include "domain/ipv4.h"
+#include "lan/ipv4.h"
 
 #include <gtest/gtest.h>
 

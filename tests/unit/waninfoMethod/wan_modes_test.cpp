@@ -1,5 +1,5 @@
 // Every row of the WAN's vocabulary, and what stands beside the rows.
-#include "domain/wan_modes.h"
+#include "waninfoMethod/wan_modes.h"
 
 #include <map>
 
