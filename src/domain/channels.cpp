@@ -3,8 +3,6 @@
 
 #include <algorithm>
 
-#include "platform/log.h"
-
 namespace channels {
 
 std::optional<int> width_code_of_htmode(std::string_view htmode) {
@@ -19,13 +17,12 @@ std::optional<int> width_code_of_mhz(int mhz) {
   return row->code;
 }
 
-}  // namespace channels
+bool is_band(int band) { return band >= 0 && band < static_cast<int>(kPermitted.size()); }
 
-int check_channel_value(int band, int channel) {
-  if (band < 0 || band >= static_cast<int>(channels::kPermitted.size())) {
-    log_error("Band is not specified");
-    return 1;
-  }
-  const std::span<const int> permitted = channels::kPermitted[static_cast<std::size_t>(band)];
-  return std::ranges::find(permitted, channel) == permitted.end() ? 1 : 0;
+bool is_permitted(int band, int channel) {
+  if (!is_band(band)) return false;
+  const std::span<const int> permitted = kPermitted[static_cast<std::size_t>(band)];
+  return std::ranges::find(permitted, channel) != permitted.end();
 }
+
+}  // namespace channels

@@ -49,7 +49,9 @@ inline constexpr std::array<WidthOfMhz, 5> kWidths{{{20, 0}, {40, 1}, {80, 4}, {
 std::optional<int> width_code_of_htmode(std::string_view htmode);
 std::optional<int> width_code_of_mhz(int mhz);
 
-}  // namespace channels
+// Band 0, 1 or 2.
+bool is_band(int band);
+// That band may be set to `channel` (-1 off, 0 automatic). False for any other band.
+bool is_permitted(int band, int channel);
 
-// 0 when band 0, 1, 2 may be set to `channel` (-1 off, 0 automatic), 1 when not or when there is no such band.
-int check_channel_value(int band, int channel);
+}  // namespace channels

@@ -47,9 +47,14 @@ inline constexpr const char* kPlain = "wifi reload &";
 inline constexpr const char* kChainHead =
     "/etc/init.d/repacd update_bss_config && /etc/init.d/wsplcd restart_after_config_change && sleep 30 && ";
 
-// The command of wifi_reload; empty where there is no reload at all, which is logged.
-std::string wifi_reload_command(int brand, int role, int mode);
-// The whole chain; empty where the mode or brand has none, which is logged.
-std::string chain_command(int brand, int mode);
+// What is run; nothing where the text is empty. A combination that is not known is told in the log, by `unsupported`.
+struct Command {
+  std::string text;
+  bool is_known = true;
+};
+Command wifi_reload_command(int brand, int role, int mode);
+// The whole chain.
+Command chain_command(int brand, int mode);
+std::string unsupported(int brand, int mode);
 
 }  // namespace reload

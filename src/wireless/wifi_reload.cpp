@@ -19,7 +19,8 @@ int wifi_reload() {
     return 0;
   }
   os_system("uci commit wireless");
-  const std::string command = reload::wifi_reload_command(brand, role, mode);
-  if (!command.empty()) os_system(command);
+  const reload::Command command = reload::wifi_reload_command(brand, role, mode);
+  if (!command.is_known) log_error("%s", reload::unsupported(brand, mode).c_str());
+  if (!command.text.empty()) os_system(command.text);
   return 0;
 }

@@ -27,6 +27,11 @@ void set_radio_channel(const Radio& radio, int channel, bool is_controller) {
 
 }  // namespace
 
+int check_channel_value(int band, int channel) {
+  if (!channels::is_band(band)) log_error("Band is not specified");
+  return channels::is_permitted(band, channel) ? 0 : 1;
+}
+
 int check_channels(const Channels& channels) {
   for (std::size_t band = 0; band < kRadios.size(); ++band) {
     if (check_channel_value(static_cast<int>(band), channels[band]) == 0) continue;

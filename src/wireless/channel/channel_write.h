@@ -8,6 +8,9 @@
 // By band 0, 1, 2 (2.4, 5, 6 GHz): -1 off, 0 automatic.
 using Channels = std::array<int, kRadios.size()>;
 
+// 0 when band 0, 1, 2 may be set to `channel` (-1 off, 0 automatic), 1 when not, or (logged) there is no such band.
+int check_channel_value(int band, int channel);
+
 // 1 (logged) when one of them is not permitted, else 0.
 int check_channels(const Channels& channels);
 // Channels of the three radios, and their LEDs; all of them or none. 0, or 1 (logged). A mesh controller's copy in

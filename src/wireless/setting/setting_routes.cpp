@@ -112,9 +112,10 @@ Verdict apply_setting(const SettingRequest& request, Change& change) {
 Outcome run_reload_chain(int brand) {
   int mode = -1;
   if (get_mesh_mode_value(mode) != 0) log_error_as(kHandler, "Failed to get mesh_mode");
-  const std::string chain = reload::chain_command(brand, mode);
-  if (chain.empty()) return answers::refused(Result::kFailed);
-  os_system(chain);
+  const reload::Command chain = reload::chain_command(brand, mode);
+  if (!chain.is_known) log_error_as(kHandler, "%s", reload::unsupported(brand, mode).c_str());
+  if (chain.text.empty()) return answers::refused(Result::kFailed);
+  os_system(chain.text);
   return answers::accepted(answers::wireless_wait(100));
 }
 

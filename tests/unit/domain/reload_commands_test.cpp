@@ -35,7 +35,7 @@ TEST(WifiReloadCommand, EveryCombination) {
   for (int brand = 0; brand < 3; ++brand)
     for (int role = 0; role < 3; ++role)
       for (const int mode : kModes) {
-        const std::string command = reload::wifi_reload_command(brand, role, mode);
+        const std::string command = reload::wifi_reload_command(brand, role, mode).text;
         EXPECT_EQ(command, expected_reload(brand, role, mode)) << brand << " " << role << " " << mode;
         EXPECT_LT(command.size(), 64U);  // the platform's buffer
       }
@@ -48,11 +48,27 @@ TEST(ChainCommand, EveryCombination) {
                                           {1, "wifi multi_up mld1 mld2 mld3 mld4 mld6 mld8 mld10 &"},
                                           {2, "wifi multi_up mld1 mld2 mld3 mld5 mld6 mld8 mld10 &"}};
   for (const int mode : kModes) {
-    EXPECT_EQ(reload::chain_command(0, mode), head + "wifi multi_up mld1 mld2 mld4 mld5 mld6 &");
+    EXPECT_EQ(reload::chain_command(0, mode).text, head + "wifi multi_up mld1 mld2 mld4 mld5 mld6 &");
     const auto row = tesmir.find(mode);
-    EXPECT_EQ(reload::chain_command(1, mode), row == tesmir.end() ? "" : head + row->second) << mode;
-    EXPECT_EQ(reload::chain_command(2, mode), "");
+    EXPECT_EQ(reload::chain_command(1, mode).text, row == tesmir.end() ? "" : head + row->second) << mode;
+    EXPECT_EQ(reload::chain_command(2, mode).text, "");
   }
+}
+
+TEST(Unsupported, IsACombinationWithoutARow) {
+  for (int brand = 0; brand < 3; ++brand)
+    for (const int mode : kModes) {
+      const bool has_chain = brand == 0 || (brand == 1 && mode >= 0 && mode <= 2);
+      EXPECT_EQ(reload::chain_command(brand, mode).is_known, has_chain) << brand << " " << mode;
+      EXPECT_TRUE(reload::wifi_reload_command(brand, 0, mode).is_known);
+      for (const int role : {1, 2}) {
+        const std::string row = std::to_string(brand) + " " + std::to_string(role) + " " + std::to_string(mode);
+        EXPECT_EQ(reload::wifi_reload_command(brand, role, mode).is_known, kBringUp.contains(row)) << row;
+      }
+    }
+  EXPECT_EQ(reload::unsupported(0, 7), "Not supported meshMode(7) for ORVANE device");
+  EXPECT_EQ(reload::unsupported(1, -1), "Not supported meshMode(-1) for TESMIR device");
+  EXPECT_EQ(reload::unsupported(2, 7), "Not supported device_id(2)");
 }
 
 }  // namespace

@@ -60,4 +60,10 @@ TEST(SetChannelValue, WritesAllOrNone) {
   for (std::size_t band = 0; band < kRadios.size(); ++band) EXPECT_EQ(radio_of("wireless", band), "old old");
 }
 
+TEST(CheckChannelValue, TakesWhatItsBandPermits) {
+  for (const int channel : {-1, 0, 1, 13}) EXPECT_EQ(check_channel_value(0, channel), 0) << channel;
+  for (const int channel : {-2, 14, 36}) EXPECT_EQ(check_channel_value(0, channel), 1) << channel;
+  for (const int band : {-1, 3, 1000000}) EXPECT_EQ(check_channel_value(band, 0), 1) << band;
+}
+
 }  // namespace
