@@ -11,10 +11,8 @@ import subprocess
 import tempfile
 from pathlib import Path
 
-import growth
 from measured_router import about_machine, use
 
-LONG_LISTS = (growth.log, growth.leases, growth.scan, growth.headers)
 LENGTH = 10000
 
 
@@ -28,13 +26,14 @@ def stripped_kb(program: Path) -> tuple[str, float]:
         return machine, os.path.getsize(copy.name) / 1024
 
 
-def settled_kb(router) -> int:
-    """Private memory, when the last request's work has ended."""
+def settled_kb(router) -> tuple[int, int]:
+    """Private memory, when the last request's work has ended: what was written, and pages of files that nobody else maps."""
     router.fcgi({"REQUEST_METHOD": "PUT", "REQUEST_URI": "/"})
-    return growth.private_kb(router.pid())
+    rollup = Path(f"/proc/{router.pid()}/smaps_rollup").read_text()
+    return tuple(int(rollup.partition(key + ":")[2].split()[0]) for key in ("Private_Dirty", "Private_Clean"))
 
 
-def memory(kit, requests: int) -> list[tuple[str, int]]:
+def memory(kit, requests: int) -> list[tuple[str, tuple[int, int]]]:
     router = kit.Router()
     try:
         rows = [("at rest", settled_kb(router))]
@@ -44,7 +43,8 @@ def memory(kit, requests: int) -> list[tuple[str, int]]:
         for uri in ("wireless/setting", "router/info", "lan", "ntp", "dhcp"):
             router.get(f"/api/v1/{uri}")
         rows.append(("after some of all kinds", settled_kb(router)))
-        for subject in LONG_LISTS:
+        lists = kit.long_lists
+        for subject in (lists.log, lists.leases, lists.scan, lists.headers, lists.clients, lists.stations):
             _, uri, _ = subject(router, LENGTH)
             router.get(uri)
         rows.append((f"after answers to lists of {LENGTH:,} entries", settled_kb(router)))
@@ -65,9 +65,9 @@ def main() -> None:
     for program in options.programs:
         print("| {} | {:.0f} |".format(*stripped_kb(program)))
     os.environ["ROUTER_API_BIN"] = str(options.programs[0].resolve())
-    print("\n| private memory | KB |\n|---|---|")
-    for name, size in memory(kit, options.requests):
-        print(f"| {name} | {size} |", flush=True)
+    print("\n| private memory, KB | written | of files |\n|---|---|---|")
+    for name, (written, of_files) in memory(kit, options.requests):
+        print(f"| {name} | {written} | {of_files} |", flush=True)
 
 
 if __name__ == "__main__":

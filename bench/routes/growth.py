@@ -31,11 +31,6 @@ def status_kb(pid: int, key: str) -> int:
     return int(Path(f"/proc/{pid}/status").read_text().partition(key + ":")[2].split()[0])
 
 
-def private_kb(pid: int) -> int:
-    rollup = Path(f"/proc/{pid}/smaps_rollup").read_text()
-    return sum(int(rollup.partition(key + ":")[2].split()[0]) for key in ("Private_Clean", "Private_Dirty"))
-
-
 class Cost:
     """What one length costs."""
 
@@ -77,7 +72,7 @@ def exponent(costs: dict[int, Cost]) -> float:
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("build", type=Path)
-    parser.add_argument("--rounds", type=int, default=3)
+    parser.add_argument("--rounds", type=int, default=7)
     parser.add_argument("--only", default="")
     options = parser.parse_args()
     kit = use(options.build.resolve())
