@@ -1,5 +1,6 @@
 // Reading of the MAC filter.
 #include <algorithm>
+#include <optional>
 #include <string>
 
 #include "access.h"
@@ -22,16 +23,15 @@ json::ObjectText entry(const std::string& description, const std::string& mac) {
 
 }  // namespace
 
-int get_mac_filter_enable(int& out) {
+std::optional<bool> get_mac_filter_enable() {
   const auto enable = uci::Section("macfilter", "macfilter").read("enable", kEnableSize);
-  if (!enable) return 1;
-  out = *enable == "1" ? 1 : 0;
-  return 0;
+  return enable ? std::optional(*enable == "1") : std::nullopt;
 }
 
 int get_mac_filter_status(int& out) {
-  out = 0;
-  if (get_mac_filter_enable(out) != 0) log_error("Failed to get macfiler_enable");
+  const std::optional<bool> is_on = get_mac_filter_enable();
+  if (!is_on) log_error("Failed to get macfiler_enable");
+  out = is_on == true ? 1 : 0;
   return 0;
 }
 

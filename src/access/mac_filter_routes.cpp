@@ -39,9 +39,10 @@ int refuse(FCGX_Request* request) {
   return 1;
 }
 
-int fail(const char* message, platform::LogPlace place = platform::LogPlace::here()) {
+// Logs, and is false.
+bool fail(const char* message, platform::LogPlace place = platform::LogPlace::here()) {
   log_error_at(place, "%s", message);
-  return 1;
+  return false;
 }
 
 void set_enable(const char* value) {
@@ -51,7 +52,7 @@ void set_enable(const char* value) {
 }
 
 // The filter and WPS cannot be used together. Other values than 0 and 1 change nothing.
-int switch_filter(int status, const Pbc& pbc) {
+bool switch_filter(int status, const Pbc& pbc) {
   if (status == 0) {
     set_enable("0");
     clear_macfilter_policy();
@@ -62,12 +63,12 @@ int switch_filter(int status, const Pbc& pbc) {
     if (set_wps_disable(pbc.ath0, pbc.ath1, 0) != 0) return fail("set_wps_disable error");
     if (set_macFilter_policy() != 0) return fail("Failed to set macfilter policy");
   }
-  return 0;
+  return true;
 }
 
-// What an entry can be refused for, told before anything is written.
-int check_entry(const json::Object& entry) {
-  if (!entry) return 1;
+// False for what an entry can be refused for, told before anything is written.
+bool check_entry(const json::Object& entry) {
+  if (!entry) return false;
   const std::optional<std::string> description = entry.text("description");
   if (!description) return fail("Failed to get description");
   const std::optional<std::string> mac = entry.text("macAddress");
@@ -75,44 +76,44 @@ int check_entry(const json::Object& entry) {
   const bool is_description_storable = description->size() <= kDescriptionMax && platform::is_storable(*description);
   if (!is_description_storable) return fail("Failed to set namelist policy");
   if (!platform::is_one_line(*mac)) return fail("Failed to set maclist policy");
-  return 0;
+  return true;
 }
 
-int check_table(const json::Object& asked) {
+bool check_table(const json::Object& asked) {
   const json::List table = asked.list("macFilterTable");
-  if (!table && asked.has_any("macFilterTable")) return 1;
+  if (!table && asked.has_any("macFilterTable")) return false;
   for (const json::Object entry : table) {
-    if (check_entry(entry) != 0) return 1;
+    if (!check_entry(entry)) return false;
   }
-  return 0;
+  return true;
 }
 
-int add_entry(const json::Object& entry) {
+bool add_entry(const json::Object& entry) {
   const std::string description = entry.text("description").value_or("");
   const std::string mac = entry.text("macAddress").value_or("");
   if (set_namelist_policy(description.c_str()) != 0) return fail("Failed to set namelist policy");
   if (set_maclist_policy(mac.c_str()) != 0) return fail("Failed to set maclist policy");
-  return 0;
+  return true;
 }
 
-int replace_table(const json::List& table) {
+bool replace_table(const json::List& table) {
   if (set_macfilter_cleanup() != 0) return fail("set_macfilter_cleanup error");
   for (const json::Object entry : table) {
-    if (add_entry(entry) != 0) return 1;
+    if (!add_entry(entry)) return false;
   }
-  return 0;
+  return true;
 }
 
-int apply_mac_filter(const char* body) {
+bool apply_mac_filter(const char* body) {
   if (!unit::operating_mode()) return fail("Failed to get opmode");
   const Pbc pbc{read_pbc("ath0", "Failed to get wps_pbc"), read_pbc("ath1", "Failed to get wps_state")};
   const json::Document document(body);
-  if (!document || check_table(document.root()) != 0) return 1;
+  if (!document || !check_table(document.root())) return false;
   const std::optional<int> status = document->number("macFilterStatus");
-  if (status && switch_filter(*status, pbc) != 0) return 1;
-  if (replace_table(document->list("macFilterTable")) != 0) return 1;
+  if (status && !switch_filter(*status, pbc)) return false;
+  if (!replace_table(document->list("macFilterTable"))) return false;
   wifi_reload();
-  return 0;
+  return true;
 }
 
 }  // namespace
@@ -133,6 +134,6 @@ int handle_get_mac_filter(FCGX_Request* request) {
 }
 
 int handle_set_mac_filter(FCGX_Request* request, const char* body) {
-  if (apply_mac_filter(body) != 0) return refuse(request);
+  if (!apply_mac_filter(body)) return refuse(request);
   return answer(request, answers::wait(100));
 }

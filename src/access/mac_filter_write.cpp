@@ -27,9 +27,9 @@ std::string list_address(const char* ifname, const char* list) {
   return std::string("macfilter.") + (ifname == nullptr ? "(null)" : ifname) + "." + list;
 }
 
-int delete_list(const char* ifname, const char* list) {
+bool delete_list(const char* ifname, const char* list) {
   if (ifname == nullptr) log_error("interface or list_type or value is NULL");
-  return run_uci("delete", list_address(ifname, list)) ? 0 : 1;
+  return run_uci("delete", list_address(ifname, list));
 }
 
 // Whether the interface took the description.
@@ -75,12 +75,12 @@ bool is_mesh_on() {
 }  // namespace mac_filter
 
 int execute_uci_del_list(const char* ifname) {
-  const int addresses = delete_list(ifname, "maclist");
-  const int sec_addresses = delete_list(ifname, "maclist_sec");
-  return addresses == 0 && sec_addresses == 0 ? 0 : 1;
+  const bool are_deleted = delete_list(ifname, "maclist");
+  const bool are_sec_deleted = delete_list(ifname, "maclist_sec");
+  return are_deleted && are_sec_deleted ? 0 : 1;
 }
 
-int execute_uci_del_namelist(const char* ifname) { return delete_list(ifname, "namelist"); }
+int execute_uci_del_namelist(const char* ifname) { return delete_list(ifname, "namelist") ? 0 : 1; }
 
 int set_wps_enable() {
   for (const char* ifname : std::span(mac_filter::kWpsInterfaces).first(2)) {

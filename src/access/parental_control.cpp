@@ -164,10 +164,10 @@ int parental_control_delete_from_json(const char* body) {
 }
 
 // The firewall is restarted after a failure, too: the list may be half written.
-int answer_change(FCGX_Request* request, int result) {
-  answer(request, result == 0 ? answers::wait(10) : answers::kUnusable);
+int answer_change(FCGX_Request* request, bool is_done) {
+  answer(request, is_done ? answers::wait(10) : answers::kUnusable);
   restart_firewall();
-  return result;
+  return is_done ? 0 : 1;
 }
 
 }  // namespace
@@ -184,9 +184,9 @@ int handle_get_parental_control_info(FCGX_Request* request) {
 }
 
 int handle_set_parental_control(FCGX_Request* request, const char* body) {
-  return answer_change(request, parental_control_set_from_json(body));
+  return answer_change(request, parental_control_set_from_json(body) == 0);
 }
 
 int handle_delete_parental_control(FCGX_Request* request, const char* body) {
-  return answer_change(request, parental_control_delete_from_json(body));
+  return answer_change(request, parental_control_delete_from_json(body) == 0);
 }

@@ -111,18 +111,18 @@ json::List list_of(const json::Document& document) {
   return list;
 }
 
-// 0, or 1 on failure. The old rules are gone even when the request names no list: kept as it is.
-int set_rules(const char* body) {
+// False on failure. The old rules are gone even when the request names no list: kept as it is.
+bool set_rules(const char* body) {
   const json::Document document = parse_object(body, kNoRules);
-  if (!document) return 1;
+  if (!document) return false;
   const json::List list = document->list("portOpenSettings");
-  if (!list && document->has_any("portOpenSettings")) return 1;
-  if (!is_storable(list) || !delete_all(kPackage, kType)) return 1;
-  if (!list_of(document)) return 1;
+  if (!list && document->has_any("portOpenSettings")) return false;
+  if (!is_storable(list) || !delete_all(kPackage, kType)) return false;
+  if (!list_of(document)) return false;
   for (const json::Object rule : list) {
-    if (!add_rule(rule)) return 1;
+    if (!add_rule(rule)) return false;
   }
-  return 0;
+  return true;
 }
 
 int port_mapping_delete_from_json(const char* body) {
@@ -132,10 +132,10 @@ int port_mapping_delete_from_json(const char* body) {
   return ids && delete_positions(kPackage, kType, *ids) ? 0 : 1;
 }
 
-int answer_change(FCGX_Request* request, int result) {
-  answer(request, result == 0 ? answers::wait(5) : answers::kUnusable);
+int answer_change(FCGX_Request* request, bool is_done) {
+  answer(request, is_done ? answers::wait(5) : answers::kUnusable);
   restart_firewall();
-  return result;
+  return is_done ? 0 : 1;
 }
 
 }  // namespace
@@ -154,5 +154,5 @@ int handle_get_portopen_json(FCGX_Request* request) {
 int handle_set_portopen(FCGX_Request* request, const char* body) { return answer_change(request, set_rules(body)); }
 
 int handle_delete_portopen(FCGX_Request* request, const char* body) {
-  return answer_change(request, port_mapping_delete_from_json(body));
+  return answer_change(request, port_mapping_delete_from_json(body) == 0);
 }

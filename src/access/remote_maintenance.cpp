@@ -24,7 +24,7 @@ json::ObjectText read_state() {
   constexpr std::size_t kNumberSize = 8;
   const brands::Brand* brand = unit::brand_of_device_id();
   if (brand == nullptr) return json::result_text(1);
-  const std::optional<int> running = count_lines("ps | grep '/usr/sbin/hotacron' | grep -v 'grep' | wc -l");
+  const std::optional<int> running = read_count("ps | grep '/usr/sbin/hotacron' | grep -v 'grep' | wc -l");
   if (!running) return json::result_text(1);
   if (*running != 0) return json::result_text(2);
   const std::optional<bool> enable = stored_switch(kUpdates);

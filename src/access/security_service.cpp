@@ -27,7 +27,7 @@ json::ObjectText read_service() {
   constexpr std::size_t kLongestCharacter = 4;  // the one that the bound may stand in is seen whole
   if (!has_service()) return json::result_text(1);
   // While its script runs, the service is starting or stopping.
-  const std::optional<int> scripts = count_lines("ps | grep '/opt/sense/bin/sense_init.sh' | grep -v 'grep' | wc -l");
+  const std::optional<int> scripts = read_count("ps | grep '/opt/sense/bin/sense_init.sh' | grep -v 'grep' | wc -l");
   if (!scripts) return json::result_text(1);
   if (*scripts != 0) return json::result_text(2);
   json::ObjectText document = json::result_text(0);

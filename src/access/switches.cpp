@@ -32,7 +32,7 @@ int answer_result(FCGX_Request* request, Result result) {
   return answer(request, result == Result::kOk ? answers::wait(20) : answers::refusal(result));
 }
 
-std::optional<int> count_lines(const char* command) {
+std::optional<int> read_count(const char* command) {
   std::array<char, 8> count{};
   if (execute_cmd(command, count.data(), count.size()) != 0) return std::nullopt;
   return std::atoi(std::string(count.data(), strnlen(count.data(), count.size())).c_str());

@@ -29,4 +29,4 @@ answers::Result apply_switch(const json::Object& asked, const SwitchOption& whic
 int answer_result(FCGX_Request* request, answers::Result result);
 
 // The number that a counting command ("... | wc -l") prints; nullopt when it cannot be run.
-std::optional<int> count_lines(const char* command);
+std::optional<int> read_count(const char* command);

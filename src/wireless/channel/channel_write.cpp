@@ -32,14 +32,14 @@ int check_channel_value(int band, int channel) {
   return channels::is_permitted(band, channel) ? 0 : 1;
 }
 
-int check_channels(const Channels& channels) {
+bool are_permitted(const Channels& channels) {
   for (std::size_t band = 0; band < kRadios.size(); ++band) {
     if (check_channel_value(static_cast<int>(band), channels[band]) == 0) continue;
     log_error_as(kSetChannel, "Invalid channel %d for %s (band: %d)", channels[band], kRadios[band].section,
                  static_cast<int>(band));
-    return 1;
+    return false;
   }
-  return 0;
+  return true;
 }
 
 int set_channel_Value(int channel_2g, int channel_5g, int channel_6g) {
@@ -49,7 +49,7 @@ int set_channel_Value(int channel_2g, int channel_5g, int channel_6g) {
     return 1;
   }
   const Channels requested{channel_2g, channel_5g, channel_6g};
-  if (check_channels(requested) != 0) return 1;
+  if (!are_permitted(requested)) return 1;
   for (std::size_t band = 0; band < kRadios.size(); ++band) {
     set_radio_channel(kRadios[band], requested[band], role == kMeshRoleController);
   }

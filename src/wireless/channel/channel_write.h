@@ -11,8 +11,8 @@ using Channels = std::array<int, kRadios.size()>;
 // 0 when band 0, 1, 2 may be set to `channel` (-1 off, 0 automatic), 1 when not, or (logged) there is no such band.
 int check_channel_value(int band, int channel);
 
-// 1 (logged) when one of them is not permitted, else 0.
-int check_channels(const Channels& channels);
+// False (logged) when one of them is not.
+bool are_permitted(const Channels& channels);
 // Channels of the three radios, and their LEDs; all of them or none. 0, or 1 (logged). A mesh controller's copy in
 // wireless_for_easymesh is kept in step.
 int set_channel_Value(int channel_2g, int channel_5g, int channel_6g);

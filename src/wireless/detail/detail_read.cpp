@@ -47,13 +47,13 @@ constexpr std::array<Source, 7> kSources{{
 }};
 // clang-format on
 
-// 1 or 0; 0 where the option cannot be read.
-int read_switch(const char* section, const char* option) { return read_number(section, option) == 1 ? 1 : 0; }
+// False where the option cannot be read.
+bool is_on(const char* section, const char* option) { return read_number(section, option) == 1; }
 
-int read_ieee80211r() {
+bool is_ieee80211r_on() {
   const std::optional<int> value = unit::easymesh().read_number("ieee80211r");
   if (!value) log_error_as(kReader, "Failed to get ieee80211r value");
-  return value == 1 ? 1 : 0;
+  return value == 1;
 }
 
 int read_wps() {
@@ -83,8 +83,8 @@ bool read_own_values(WlanDetailInfo& info) {
     const int as_switch = *number == source.on ? 1 : 0;
     info.*source.field = source.on == kAsItIs ? *number : as_switch;
   }
-  info.guest_ssid_isolation_enable = read_switch("ath01", "guest_separation");
-  info.ieee802dot11r = read_ieee80211r();
+  info.guest_ssid_isolation_enable = is_on("ath01", "guest_separation") ? 1 : 0;
+  info.ieee802dot11r = is_ieee80211r_on() ? 1 : 0;
   info.wps_enable = read_wps();
   if (get_bandSteering_Value(info.band_steering_enable) == 0) return true;
   log_error_as(kReader, "Failed to get band steering status");
@@ -139,6 +139,6 @@ int get_wlan_detail_info(WlanDetailInfo& info) {
     return 1;
   }
   if (!read_powers(info)) return 1;
-  info.multi_ru_enable = read_switch("wifi1", "dfs_puncture_en");
+  info.multi_ru_enable = is_on("wifi1", "dfs_puncture_en") ? 1 : 0;
   return read_widths(info) ? 0 : 1;
 }

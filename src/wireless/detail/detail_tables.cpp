@@ -33,25 +33,30 @@ PowerColumn power_column(std::string_view band) {
   return nullptr;
 }
 
-// Looks `value` up in one column and gives the other.
-int convert_power(PowerColumn from, PowerColumn to, int value, int& out) {
+// Looks `value` up in one column and gives the other; one that is not there leaves `out`.
+void convert_power(PowerColumn from, PowerColumn to, int value, int& out) {
   const auto row = std::ranges::find(wlan_detail::kPowers, value, from);
   if (row != wlan_detail::kPowers.end()) out = (*row).*to;
-  return 0;
 }
 
 }  // namespace
 
 int switch_tx_power_to_percent(const char* band, int tx_power_dbm, int& out) {
   const PowerColumn column = power_column(band);
-  if (column != nullptr) return convert_power(column, &wlan_detail::Power::percent, tx_power_dbm, out);
-  log_error("Unknow frequency band passwd in :%s", band);
-  return 1;
+  if (column == nullptr) {
+    log_error("Unknow frequency band passwd in :%s", band);
+    return 1;
+  }
+  convert_power(column, &wlan_detail::Power::percent, tx_power_dbm, out);
+  return 0;
 }
 
 int switch_percent_to_tx_power(const char* band, int percent, int& out) {
   const PowerColumn column = power_column(band);
-  if (column != nullptr) return convert_power(&wlan_detail::Power::percent, column, percent, out);
-  log_error("Unknow frequency band passwd in :%s", band);
-  return 1;
+  if (column == nullptr) {
+    log_error("Unknow frequency band passwd in :%s", band);
+    return 1;
+  }
+  convert_power(&wlan_detail::Power::percent, column, percent, out);
+  return 0;
 }

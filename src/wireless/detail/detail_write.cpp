@@ -147,7 +147,7 @@ struct Step {
 using Info = WlanDetailInfo;
 // clang-format off
 constexpr std::array<Step, 9> kSteps{{
-    {[](const Info& info, const Unit&) { return check_wps_enable(info.wps_enable) == 0; }, "wpsEnable"},
+    {[](const Info& info, const Unit&) { return can_set_wps_enable(info.wps_enable); }, "wpsEnable"},
     {[](const Info& info, const Unit& unit) {
        return set_wlan_beacon_interval(info.beacon_interval, unit.role, unit.is_repeater);
      }, "beacon interval"},

@@ -36,31 +36,32 @@ struct BackhaulPlace {
 constexpr BackhaulPlace kAgentBackhaul{"wireless", "@wifi-iface[1]", "ssid", "key"};
 constexpr BackhaulPlace kBackhaul{"repacd", "MAPConfig", "BackhaulSSID", "BackhaulKey"};
 
-int read_backhaul(WirelessIfaceInfo& info, int role) {
+// False (logged) when one of them cannot be read.
+bool read_backhaul(WirelessIfaceInfo& info, int role) {
   const BackhaulPlace& place = role == kMeshRoleAgent ? kAgentBackhaul : kBackhaul;
   const uci::Section section(place.package, place.section);
   const auto ssid = section.read(place.ssid, kSsidSize);
   if (!ssid) {
     log_error_as(kMeshInfo, "Failed to get BackhaulSSID");
-    return 1;
+    return false;
   }
   const auto key = section.read(place.key, kPasswordSize);
   if (!key) {
     log_error_as(kMeshInfo, "Failed to get BackhaulKey");
-    return 1;
+    return false;
   }
   info.ssid = *ssid;
   info.password = *key;
-  return 0;
+  return true;
 }
 
-int read_backhaul_state(WirelessIfaceInfo& info, int mesh_enabled) {
+bool read_backhaul_state(WirelessIfaceInfo& info, int mesh_enabled) {
   info.bssid = kZeroBssid;
-  if (mesh_enabled != 1) return 0;
+  if (mesh_enabled != 1) return true;
   const std::optional<int> status = uci::Section("repacd", "repacd").read_number("Enable", kNumberSize);
   if (!status) {
     log_error_as(kMeshInfo, "Failed to get ssidStatusValue");
-    return 1;
+    return false;
   }
   info.ssid_status = *status;
   if (const auto bssid = uci::Section("repacd", "MAPConfig").read("mld_mac_addr", kBssidSize)) {
@@ -68,7 +69,7 @@ int read_backhaul_state(WirelessIfaceInfo& info, int mesh_enabled) {
   } else {
     log_error_as(kMeshInfo, "Failed to get bssid, return default value");
   }
-  return 0;
+  return true;
 }
 
 }  // namespace
@@ -116,7 +117,7 @@ int get_mesh_info(SsidSlot& slot, WirelessIfaceInfo& info, int mesh_enabled) {
     log_error("Failed to get meshRole");
     return 1;
   }
-  if (read_backhaul(info, role) != 0 || read_backhaul_state(info, mesh_enabled) != 0) return 1;
+  if (!read_backhaul(info, role) || !read_backhaul_state(info, mesh_enabled)) return 1;
   const auto mode = unit::easymesh().read("mode", kNumberSize);
   if (!mode) {
     log_error("Failed to get meshMode");

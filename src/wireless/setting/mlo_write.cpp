@@ -72,13 +72,13 @@ WirelessIfaceInfo fronthaul_info(const WirelessIfaceInfo& info, std::string_view
   return link_info;
 }
 
-int set_fronthaul(const WirelessIfaceInfo& info) {
+bool set_fronthaul(const WirelessIfaceInfo& info) {
   for (const char* link : kMloLinks) {
     if (set_repacd_info(fronthaul_info(info, link), link) == 0) continue;
     log_error_as(kWriter, "set_repacd_info failed");
-    return 1;
+    return false;
   }
-  return 0;
+  return true;
 }
 
 // The client chooses between open and not open alone.
@@ -108,13 +108,13 @@ std::optional<std::string> escape_key(const WirelessIfaceInfo& info, const Unit&
   return std::nullopt;
 }
 
-int set_security(int wifi_security, const std::string& escaped, int role) {
+bool set_security(int wifi_security, const std::string& escaped, int role) {
   for (const char* link : kMloLinks) {
     if (set_mlo_encryption(link, link_security(wifi_security, link), escaped.c_str(), role) == 0) continue;
     log_error_as(kWriter, "set_mlo_encryption failed");
-    return 1;
+    return false;
   }
-  return 0;
+  return true;
 }
 
 // What a request for the MLO network comes to.
@@ -138,7 +138,7 @@ MloAction plan_mlo(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled
   }
   plan.unit.is_mirrored = plan.unit.brand->mlo_in_mesh == MloInMesh::kMirrored && mesh_enabled == 1;
   for (const char* link : kMloLinks) {
-    if (!plan.unit.is_mirrored || check_repacd_info(fronthaul_info(info, link), link) == 0) continue;
+    if (!plan.unit.is_mirrored || can_set_repacd_info(fronthaul_info(info, link), link)) continue;
     log_error_as(kWriter, "set_repacd_info failed");
     return MloAction::kRefuse;
   }
@@ -148,19 +148,19 @@ MloAction plan_mlo(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled
   return MloAction::kWrite;
 }
 
-int write_mlo(const MloPlan& plan, const WirelessIfaceInfo& info) {
+bool write_mlo(const MloPlan& plan, const WirelessIfaceInfo& info) {
   if (set_links(*plan.mode, info, plan.unit.is_mirrored)) set_mld_ssid(info.ssid, plan.unit);
-  if (plan.unit.is_mirrored && set_fronthaul(info) != 0) return 1;
-  if (set_security(info.wifi_security, plan.escaped_key, plan.unit.role) != 0) return 1;
+  if (plan.unit.is_mirrored && !set_fronthaul(info)) return false;
+  if (!set_security(info.wifi_security, plan.escaped_key, plan.unit.role)) return false;
   os_system("uci commit wireless");
-  return 0;
+  return true;
 }
 
 }  // namespace
 
-int check_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) {
+bool can_set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) {
   MloPlan plan;
-  return plan_mlo(mlo_mode, info, mesh_enabled, plan) == MloAction::kRefuse ? 1 : 0;
+  return plan_mlo(mlo_mode, info, mesh_enabled, plan) != MloAction::kRefuse;
 }
 
 int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) {
@@ -178,7 +178,7 @@ int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled) 
     case MloAction::kWrite:
       break;
   }
-  return write_mlo(plan, info);
+  return write_mlo(plan, info) ? 0 : 1;
 }
 
 int set_mlo_encryption(const char* ifname, int wifi_security, const char* escaped_password, int mesh_role) {

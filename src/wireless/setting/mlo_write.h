@@ -9,8 +9,9 @@
 // All int results: 0 on success, 1 on failure (logged). A mesh controller keeps a copy of its wireless options in
 // wireless_for_easymesh, which the writers keep in step. They refuse before they write.
 
-// Whether set_mlo_info would write: 1 for a security that the fronthaul does not know, or a key that would be cut.
-int check_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled);
+// False (logged) where set_mlo_info would fail: for a security that the fronthaul does not know, or a key that would be
+// cut.
+bool can_set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled);
 // The MLO SSID on the links of an MLO mode. Modes that cannot be written clear MLO; a mesh without MLO has none to
 // write.
 int set_mlo_info(int mlo_mode, const WirelessIfaceInfo& info, int mesh_enabled);

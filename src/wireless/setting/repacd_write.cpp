@@ -20,12 +20,12 @@ void set_map_option(const char* option, const std::string& value) {
 
 }  // namespace
 
-int check_repacd_info(const WirelessIfaceInfo& info, const char* ifname) {
-  if (find_repacd_override(ifname) == nullptr || info.wifi_security == kSecurityOpen) return 0;
+bool can_set_repacd_info(const WirelessIfaceInfo& info, const char* ifname) {
+  if (find_repacd_override(ifname) == nullptr || info.wifi_security == kSecurityOpen) return true;
   const auto* auth = std::ranges::find(fronthaul::kAuths, info.wifi_security, &fronthaul::Auth::code);
-  if (auth != fronthaul::kAuths.end()) return 0;
+  if (auth != fronthaul::kAuths.end()) return true;
   log_error_as(kWriter, "set_repacd_info: unknown wifiSecurity %d", info.wifi_security);
-  return 1;
+  return false;
 }
 
 int set_repacd_info(const WirelessIfaceInfo& info, const char* ifname) {
@@ -38,7 +38,7 @@ int set_repacd_info(const WirelessIfaceInfo& info, const char* ifname) {
     log_debug("set_repacd_info: repacd_config_sync is NULL, no need to set");
     return 0;
   }
-  if (check_repacd_info(info, ifname) != 0) return 1;
+  if (!can_set_repacd_info(info, ifname)) return 1;
   if (!info.ssid.empty()) set_map_option(row->ssid, info.ssid);
   if (!info.password.empty()) set_map_option(row->key, info.password);
   const auto* auth = std::ranges::find(fronthaul::kAuths, info.wifi_security, &fronthaul::Auth::code);

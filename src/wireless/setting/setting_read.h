@@ -1,7 +1,5 @@
-// Parts of GET and POST /api/v1/wireless/setting that are tested by themselves.
+// The channels of GET /api/v1/wireless/setting.
 #pragma once
-
-#include <string>
 
 #include "answer/json_text.h"
 #include "unit/operating_mode.h"

@@ -74,7 +74,7 @@ bool read_channels(const json::Object& asked, Channels& channels) {
   int role = kMeshRoleNone;
   if (get_mesh_role_value(role) != 0) {
     log_error_as("set_channel_Value", "get_mesh_role_value failed");
-  } else if (check_channels(channels) == 0) {
+  } else if (are_permitted(channels)) {
     return true;
   }
   log_error_as(kHandler, "Failed to set channel2G, channel5G, channel6G");
@@ -125,24 +125,22 @@ bool is_backhaul_sent_back(const WirelessIfaceInfo& info, const brands::Brand& b
   return get_mesh_info(slot, shown, mesh) == 0 && shown.ssid == info.ssid && shown.password == info.password;
 }
 
-int check_mlo_slot(const SettingRequest& request, const SlotRequest& slot) {
+bool can_set_mlo(const SettingRequest& request, const SlotRequest& slot) {
   int mesh = 0;
   if (!request.is_repeater && get_mesh_value(mesh) != 0) {
     log_error_as(kHandler, "Failed to get meshRole");
-    return 1;
+    return false;
   }
-  if (check_mlo_info(request.mlo, slot.info, mesh) == 0) return 0;
+  if (can_set_mlo_info(request.mlo, slot.info, mesh)) return true;
   log_error_as(kHandler, "Failed to set Wifimlo");
-  return 1;
+  return false;
 }
 
-int check_access_point(const SettingRequest& request, const SlotRequest& slot, BandSteeringTemplate& model) {
-  if (check_wireless_info(request.is_repeater ? 1 : 0, slot.name ? slot.name->c_str() : nullptr, slot.info, model) ==
-      0) {
-    return 0;
-  }
+bool can_set_access_point(const SettingRequest& request, const SlotRequest& slot, BandSteeringTemplate& model) {
+  const char* name = slot.name ? slot.name->c_str() : nullptr;
+  if (can_set_wireless_info(request.is_repeater ? 1 : 0, name, slot.info, model)) return true;
   if (!request.is_repeater) log_error_as(kHandler, "Failed to set wireless info");
-  return 1;
+  return false;
 }
 
 // Whether the change of the mesh that the slot asks for ends the request.
@@ -174,21 +172,21 @@ SlotKind kind_of_slot(const SettingRequest& request, const SlotRequest& slot, co
   return SlotKind::kMlo;
 }
 
-int check_slots(const SettingRequest& request, const brands::Brand& brand) {
+bool can_set_slots(const SettingRequest& request, const brands::Brand& brand) {
   BandSteeringTemplate model = band_steering_template();
   int mesh_mode = 0;
   for (const SlotRequest& slot : request.slots) {
     switch (kind_of_slot(request, slot, brand)) {
       case SlotKind::kMesh:
-        if (ends_request(request, slot, mesh_mode)) return 0;
+        if (ends_request(request, slot, mesh_mode)) return true;
         break;
       case SlotKind::kMlo:
-        if (check_mlo_slot(request, slot) != 0) return 1;
+        if (!can_set_mlo(request, slot)) return false;
         break;
       case SlotKind::kAccessPoint:
-        if (check_access_point(request, slot, model) != 0) return 1;
+        if (!can_set_access_point(request, slot, model)) return false;
         break;
     }
   }
-  return 0;
+  return true;
 }

@@ -33,5 +33,5 @@ std::optional<SettingRequest> read_setting_request(const char* body);
 enum class SlotKind { kAccessPoint, kMlo, kMesh };
 SlotKind kind_of_slot(const SettingRequest& request, const SlotRequest& slot, const brands::Brand& brand);
 
-// Whether every slot can be written, up to a mesh change that ends the request: 0, or 1 (logged).
-int check_slots(const SettingRequest& request, const brands::Brand& brand);
+// Whether every slot can be written, up to a mesh change that ends the request. A no is logged.
+bool can_set_slots(const SettingRequest& request, const brands::Brand& brand);

@@ -89,7 +89,7 @@ Verdict set_slot(const SettingRequest& request, const SlotRequest& slot, Change&
 
 // Everything that is written before the answer is chosen.
 Verdict apply_setting(const SettingRequest& request, Change& change) {
-  if (check_slots(request, *change.brand) != 0) return Verdict::kFailed;
+  if (!can_set_slots(request, *change.brand)) return Verdict::kFailed;
   const uci::Section easymesh = unit::easymesh();
   if (!request.is_repeater) {
     change.mesh_before = easymesh.read_number("enable", kNumberSize).value_or(0);

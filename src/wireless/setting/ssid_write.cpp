@@ -60,15 +60,15 @@ void set_ssid(const SsidSlot& slot, const std::string& ssid, bool is_controller)
   set_mld_ssid("wireless", slot, mld, ssid);
 }
 
-int set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
+bool set_fronthaul(const SsidSlot& slot, const WirelessIfaceInfo& info) {
   if (unit::brand().fronthaul_slot == slot.ssid_name) {
     const uci::Section mesh("repacd", "MAPConfig");
     mesh.set("FronthaulSSID", info.ssid);
     mesh.set("FronthaulKey", info.password);
   }
-  if (set_repacd_info(info, slot.ifname) == 0) return 0;
+  if (set_repacd_info(info, slot.ifname) == 0) return true;
   log_error_as(kInfo, "set_repacd_info failed");
-  return 1;
+  return false;
 }
 
 bool is_password_usable(const WirelessIfaceInfo& info) {
@@ -78,18 +78,18 @@ bool is_password_usable(const WirelessIfaceInfo& info) {
 }
 
 // What a slot can be refused for, before the first of its options is written.
-int check_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
+bool can_set_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
   if (!is_password_usable(info)) {
     log_error_as(kInfo, "set_wireless_encryption failed");
-    return 1;
+    return false;
   }
-  if (!is_controller || check_repacd_info(info, slot.ifname) == 0) return 0;
+  if (!is_controller || can_set_repacd_info(info, slot.ifname)) return true;
   log_error_as(kInfo, "set_repacd_info failed");
-  return 1;
+  return false;
 }
 
 // The whole slot, once it is known to have an access point and to be written.
-int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
+bool set_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_controller) {
   set_wireless_option(is_controller, slot.ifname, "disabled", info.ssid_status == 0 ? "1" : "0");
   set_ssid(slot, info.ssid, is_controller);
 
@@ -97,13 +97,13 @@ int set_slot(const SsidSlot& slot, const WirelessIfaceInfo& info, bool is_contro
   const int role = is_controller ? kMeshRoleController : kMeshRoleNone;
   if (set_wireless_encryption(info, slot.ifname, role, wps_state) != 0) {
     log_error_as(kInfo, "set_wireless_encryption failed");
-    return 1;
+    return false;
   }
-  if (is_controller && set_fronthaul(slot, info) != 0) return 1;
+  if (is_controller && !set_fronthaul(slot, info)) return false;
   if (info.wifi_stealth == 1) change_wpsStatus(0, slot.ifname);
   set_wireless_option(is_controller, slot.ifname, "hidden", std::to_string(info.wifi_stealth));
   set_wireless_option(is_controller, slot.ifname, "wpa_group_rekey", std::to_string(info.wpa_rekey_interval));
-  return 0;
+  return true;
 }
 
 // The slot of a request and this unit's part in the mesh.
@@ -129,12 +129,12 @@ bool find_target(int repeater_flag, const char* ssid_name, Target& target) {
 
 const BandSteeringTemplate& band_steering_template() { return process_template; }
 
-int check_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info,
-                        BandSteeringTemplate& model) {
+bool can_set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info,
+                           BandSteeringTemplate& model) {
   Target target;
-  if (!find_target(repeater_flag, ssid_name, target)) return 1;
-  if (target.slot->ifname == nullptr) return 0;
-  return check_slot(*target.slot, follow_band_steering(ssid_name, info, model), target.is_controller);
+  if (!find_target(repeater_flag, ssid_name, target)) return false;
+  if (target.slot->ifname == nullptr) return true;
+  return can_set_slot(*target.slot, follow_band_steering(ssid_name, info, model), target.is_controller);
 }
 
 int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info) {
@@ -142,8 +142,9 @@ int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIf
   if (!find_target(repeater_flag, ssid_name, target)) return 1;
   if (target.slot->ifname == nullptr) return 0;
   const WirelessIfaceInfo followed = follow_band_steering(ssid_name, info, process_template);
-  if (check_slot(*target.slot, followed, target.is_controller) != 0) return 1;
-  return set_slot(*target.slot, followed, target.is_controller);
+  const bool is_set = can_set_slot(*target.slot, followed, target.is_controller) &&
+                      set_slot(*target.slot, followed, target.is_controller);
+  return is_set ? 0 : 1;
 }
 
 int set_wireless_encryption(const WirelessIfaceInfo& info, const char* ifname, int mesh_role, int& wps_state) {

@@ -15,10 +15,10 @@ struct BandSteeringTemplate {
 // What the requests before have left: it belongs to the process. The request loop has one thread.
 const BandSteeringTemplate& band_steering_template();
 
-// Whether set_wireless_info would write the slot, after slots that left `model`: 0, or 1 for one that does not exist, a
+// False (logged) where set_wireless_info would fail after slots that left `model`: for a slot that does not exist, a
 // password that is none, or a security that the fronthaul does not know. `model` becomes what this slot leaves.
-int check_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info,
-                        BandSteeringTemplate& model);
+bool can_set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info,
+                           BandSteeringTemplate& model);
 // One SSID slot of the repeater's (flag 1) or router's table. Nothing is written for slots without an access point.
 int set_wireless_info(int repeater_flag, const char* ssid_name, const WirelessIfaceInfo& info);
 // Encryption options and key. `wps_state` becomes 0 when the security rules WPS out, else stays.

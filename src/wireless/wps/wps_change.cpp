@@ -2,6 +2,7 @@
 #include "wireless/wps/wps_change.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "access.h"
@@ -19,9 +20,9 @@ void change_wpsStatus(int wps_state, const char* ifname) {
     log_error("get mesh value error");
     return;
   }
-  int mac_filter = 0;
-  if (get_mac_filter_enable(mac_filter) != 0) log_error("Failed to get mac filter status return default value");
-  if (mac_filter == 1) {
+  const std::optional<bool> is_filter_on = get_mac_filter_enable();
+  if (!is_filter_on) log_error("Failed to get mac filter status return default value");
+  if (is_filter_on == true) {
     log_debug("Enable macfilter func, no wps func");
     return;
   }

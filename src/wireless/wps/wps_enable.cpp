@@ -102,19 +102,19 @@ bool switch_on(const Bands& bands, bool is_mirrored) {
 
 }  // namespace
 
-int check_wps_enable(int status) {
-  if (status != 1) return 0;
-  if (has_enabled_band() == false) return 1;
+bool can_set_wps_enable(int status) {
+  if (status != 1) return true;
+  if (has_enabled_band() == false) return false;
   const std::optional<Bands> bands = read_bands();
-  return !bands || permit_wps(*bands) ? 0 : 1;
+  return !bands || permit_wps(*bands);
 }
 
 int set_wps_enable(int status, int mesh_role) {
   const bool is_mirrored = mesh_role == kMeshRoleController;
   if (status == 1 && !has_enabled_band().value_or(false)) return 1;
-  int mac_filter = 0;
-  if (get_mac_filter_enable(mac_filter) != 0) log_error("Failed to get mac filter status return default value");
-  if (mac_filter == 1 && status == 0) {
+  const std::optional<bool> is_filter_on = get_mac_filter_enable();
+  if (!is_filter_on) log_error("Failed to get mac filter status return default value");
+  if (is_filter_on == true && status == 0) {
     log_debug("Enable macfilter func, no wps func");
     return switch_off(is_mirrored) ? 0 : 1;
   }

@@ -63,11 +63,11 @@ TEST(ApplySwitch, TellsAWrongSwitchFromOneThatCannotBeStored) {
   EXPECT_EQ(apply(R"({"on":2})", on), Result::kUnusable);
 }
 
-TEST(CountLines, ReadsANumberOfAnyLength) {
-  EXPECT_EQ(count_lines("echo 3"), 3);
-  EXPECT_EQ(count_lines("echo 0"), 0);
-  EXPECT_EQ(count_lines("echo 12345678"), 12345678);
-  EXPECT_EQ(count_lines("true"), 0);
+TEST(ReadCount, ReadsANumberOfAnyLength) {
+  EXPECT_EQ(read_count("echo 3"), 3);
+  EXPECT_EQ(read_count("echo 0"), 0);
+  EXPECT_EQ(read_count("echo 12345678"), 12345678);
+  EXPECT_EQ(read_count("true"), 0);
 }
 
 }  // namespace

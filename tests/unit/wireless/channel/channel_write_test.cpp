@@ -28,12 +28,12 @@ std::string radio_of(const char* package, std::size_t band) {
   return stored(package, radio, "disabled") + " " + stored(package, radio, "channel");
 }
 
-TEST(CheckChannels, EachBandHasItsOwn) {
-  EXPECT_EQ(check_channels({13, 144, 93}), 0);
-  EXPECT_EQ(check_channels({-1, 0, -1}), 0);
-  EXPECT_EQ(check_channels({14, 36, 1}), 1);
-  EXPECT_EQ(check_channels({1, 68, 1}), 1);
-  EXPECT_EQ(check_channels({1, 36, 2}), 1);
+TEST(ArePermitted, EachBandHasItsOwn) {
+  EXPECT_TRUE(are_permitted({13, 144, 93}));
+  EXPECT_TRUE(are_permitted({-1, 0, -1}));
+  EXPECT_FALSE(are_permitted({14, 36, 1}));
+  EXPECT_FALSE(are_permitted({1, 68, 1}));
+  EXPECT_FALSE(are_permitted({1, 36, 2}));
 }
 
 TEST(SetChannelValue, WritesTheRadiosAndACopyForTheMesh) {
