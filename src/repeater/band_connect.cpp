@@ -51,15 +51,15 @@ void attach_interfaces(const BandConfig& config) {
   uci_command(std::string("set repeater.repeater_band.repeater_select_band=") + band.name);
 }
 
-int set_band_config(const BandConfig& config, const RepeaterConnectInfo& info, const FollowFlags& flags) {
+bool set_band_config(const BandConfig& config, const RepeaterConnectInfo& info, const FollowFlags& flags) {
   const char* station = config.band.station;
   set_radio(config);
-  if (set_security_of_following_aps(info.encrypt_type, flags, config.function) != 0) return 1;
-  if (set_security(station, info.encrypt_type, config.function) != 0) return 1;
-  if (set_ssid_and_key_of_aps(info, flags, config.function) != 0) return 1;
-  if (set_ssid_and_key(station, info, flags, config.function) != 0) return 1;
+  if (!set_security_of_following_aps(info.encrypt_type, flags, config.function)) return false;
+  if (!set_security(station, info.encrypt_type, config.function)) return false;
+  if (!set_ssid_and_key_of_aps(info, flags, config.function)) return false;
+  if (!set_ssid_and_key(station, info, flags, config.function)) return false;
   attach_interfaces(config);
-  return 0;
+  return true;
 }
 
 void record_select_band(int frequency) {
@@ -67,42 +67,44 @@ void record_select_band(int frequency) {
   uci_commit("bandsteering");
 }
 
-// 0, or 1 for a failure or an unknown frequency.
-int set_bands_of_frequency(const RepeaterConnectInfo& info, const FollowFlags& flags) {
-  if (info.frequency == kFrequencyAllBands) {
-    record_select_band(info.frequency);
-    int result = 0;
-    for (const BandStep& step : kBandSteps) result |= step.set_config(info, flags);
-    if (result != 0) log_error_as(kConnect, "set wifi param error\n");
-    return result;
-  }
-  if (info.frequency < 0 || info.frequency > static_cast<int>(kBandCount)) {
+// A band that fails does not keep the others from being written.
+bool set_all_bands(const RepeaterConnectInfo& info, const FollowFlags& flags) {
+  bool are_all_set = true;
+  for (const BandStep& step : kBandSteps) are_all_set = step.set_config(info, flags) == 0 && are_all_set;
+  if (!are_all_set) log_error_as(kConnect, "set wifi param error\n");
+  return are_all_set;
+}
+
+// False for a failure or an unknown frequency.
+bool set_bands_of_frequency(const RepeaterConnectInfo& info, const FollowFlags& flags) {
+  if (info.frequency < kFrequencyAllBands || info.frequency > static_cast<int>(kBandCount)) {
     log_error_as(kConnect, "set  wifi frequency param error\n");
-    return 1;
+    return false;
   }
   record_select_band(info.frequency);
+  if (info.frequency == kFrequencyAllBands) return set_all_bands(info, flags);
   const BandStep& step = kBandSteps[static_cast<std::size_t>(info.frequency - 1)];
-  if (step.set_config(info, flags) == 0) return 0;
+  if (step.set_config(info, flags) == 0) return true;
   log_error_as(kConnect, "set %s wifi param error\n", step.name_in_log);
-  return 1;
+  return false;
 }
 
 }  // namespace
 
 int SetConfig24G(const RepeaterConnectInfo& info, const FollowFlags& flags) {
-  return set_band_config({.band = kBands[k24g], .function = __func__}, info, flags);
+  return set_band_config({.band = kBands[k24g], .function = __func__}, info, flags) ? 0 : 1;
 }
 
 int SetConfig5G(const RepeaterConnectInfo& info, const FollowFlags& flags) {
-  return set_band_config(
-      {.band = kBands[k5g], .function = __func__, .extra_radio_command = "set wireless.ath1.cactimeout=0"}, info,
-      flags);
+  const BandConfig config{
+      .band = kBands[k5g], .function = __func__, .extra_radio_command = "set wireless.ath1.cactimeout=0"};
+  return set_band_config(config, info, flags) ? 0 : 1;
 }
 
 int SetConfig6G(const RepeaterConnectInfo& info, const FollowFlags& flags) {
-  return set_band_config(
-      {.band = kBands[k6g], .function = __func__, .extra_station_command = "set wireless.ath23.en_6g_sec_comp=0"}, info,
-      flags);
+  const BandConfig config{
+      .band = kBands[k6g], .function = __func__, .extra_station_command = "set wireless.ath23.en_6g_sec_comp=0"};
+  return set_band_config(config, info, flags) ? 0 : 1;
 }
 
 void ClearLastConnect() {
@@ -115,7 +117,7 @@ int SetWifiConnectInfoByBand(const RepeaterConnectInfo& info) {
   uci_command("set repeater.repeater_band.mlo=0");
   const std::optional<FollowFlags> flags = read_follow_flags(__func__);
   if (!flags) return 1;
-  if (set_bands_of_frequency(info, *flags) != 0) return 1;
+  if (!set_bands_of_frequency(info, *flags)) return 1;
   if (SetNetworkParamInfoToConnect() != 0) {
     log_error("SetNetworkParamInfoToConnect error\n");
     return 1;

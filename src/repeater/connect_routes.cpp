@@ -1,5 +1,6 @@
 // POST /api/v1/repeater/connect.
-#include <string_view>
+#include <optional>
+#include <string>
 
 #include "answer/answer.h"
 #include "answer/read_object.h"
@@ -21,31 +22,32 @@ namespace {
 // The messages of this file are known by the name of their route's handler.
 constexpr const char* kHandler = "handle_repeater_connect";
 
-// All int results: 0, or 1 for a failure, which is logged.
+// False and nullopt: a failure, which is logged.
 
-int parse_request(const char* body, RepeaterConnectInfo& info) {
+std::optional<RepeaterConnectInfo> parse_request(const char* body) {
   constexpr BodyMessages kMessages{.no_json = "parse rootJson error\n", .no_object = "parse rootJson error\n"};
   const json::Document document = parse_object(body, kMessages, platform::LogPlace::here(kHandler));
-  if (!document) return 1;
+  if (!document) return std::nullopt;
+  RepeaterConnectInfo info;
   if (ParseRepeaterJsonData(document.root(), info) != 0) {
     log_error_as(kHandler, "parse json data error\n");
-    return 1;
+    return std::nullopt;
   }
   log_debug_as(kHandler, "ssid=%s,bssid=%s\n", info.ssid.c_str(), info.bssid.c_str());
   log_debug_as(kHandler, "frequency=%d,encryptType=%d\n", info.frequency, info.encrypt_type);
   log_debug_as(kHandler, "encryptKey=%s,multiRuEnable=%d\n", info.encrypt_key.c_str(), info.multi_ru_enable);
   log_debug_as(kHandler, "multiLinkOperationEnable=%d,tryConnectOrSettingRepeater=%d\n",
                info.multi_link_operation_enable, info.try_connect_or_setting_repeater);
-  return 0;
+  return info;
 }
 
-int set_multi_ru(int enable) {
+bool set_multi_ru(int enable) {
   if (enable != 0 && enable != 1) {
     log_error_as(kHandler, "multiRuEnable error\n");
-    return 1;
+    return false;
   }
   uci_command(enable == 1 ? "set wireless.wifi1.dfs_puncture_en=1" : "set wireless.wifi1.dfs_puncture_en=0");
-  return 0;
+  return true;
 }
 
 void set_aps_disabled(const char* disabled) {
@@ -56,22 +58,22 @@ void set_extra_aps_disabled(const char* disabled) {
   for (const Band& band : kBands) uci_command(std::string("set wireless.") + band.extra_ap + ".disabled=" + disabled);
 }
 
-int try_connect(const RepeaterConnectInfo& info) {
+bool try_connect(const RepeaterConnectInfo& info) {
   if (info.multi_link_operation_enable == kMloOff) {
     if (SetWifiConnectInfoByBand(info) != 0) {
       log_error_as(kHandler, "SetWifiConnectInfoByBand error\n");
-      return 1;
+      return false;
     }
   } else if (SetWifiConnectInfoByMlo(info) != 0) {
     log_error_as(kHandler, "SetWifiConnectInfoByMlo error\n");
-    return 1;
+    return false;
   }
   set_aps_disabled("1");
   set_extra_aps_disabled("1");
   uci_command("set wireless.ath1.cactimeout=0");
   uci_commit("wireless");
   os_system("/sbin/wifi down && /etc/init.d/network restart && /sbin/wifi up &");
-  return 0;
+  return true;
 }
 
 // The try-connect call never completed, or its last poll told that the station is not connected.
@@ -97,44 +99,43 @@ void reload_network(int multi_link) {
   }
 }
 
-int apply_setting(const RepeaterConnectInfo& info) {
+bool apply_setting(const RepeaterConnectInfo& info) {
   constexpr std::size_t kStatusSize = 8;
   const std::optional<std::string> status = uci::Section("repeater", "repeater_band").read("status", kStatusSize);
   if (!status) {
     log_error_as(kHandler, "get repeater result error\n");
-    return 1;
+    return false;
   }
   if (*status != "success") {
     undo_try_connect();
-    return 0;
+    return true;
   }
   if (StartDhcpServerAfterConnectedSucc() != 0) {
     log_error_as(kHandler, "StartDhcpServerAfterConnect error\n");
-    return 1;
+    return false;
   }
   enable_aps();
   reload_network(info.multi_link_operation_enable);
   if (CheckWifiConnectStatus() != 0) log_error_as(kHandler, "Wifi monitoring init failed");
-  return 0;
+  return true;
 }
 
-int connect_repeater(const char* body) {
+bool connect_repeater(const char* body) {
   if (body == nullptr) {
     log_error_as(kHandler, "request_body is null\n");
-    return 1;
+    return false;
   }
   if (stop_uplink_monitor()) platform::sleep_seconds(1);
-  RepeaterConnectInfo info;
-  if (parse_request(body, info) != 0) return 1;
-  if (set_multi_ru(info.multi_ru_enable) != 0) return 1;
+  const std::optional<RepeaterConnectInfo> info = parse_request(body);
+  if (!info || !set_multi_ru(info->multi_ru_enable)) return false;
   read_compati_mode(kHandler);  // only told in the log: every mode gets the same answer
-  if (info.try_connect_or_setting_repeater == kTryConnect) return try_connect(info);
-  if (info.try_connect_or_setting_repeater == kApplySetting) return apply_setting(info);
-  return 0;
+  if (info->try_connect_or_setting_repeater == kTryConnect) return try_connect(*info);
+  if (info->try_connect_or_setting_repeater == kApplySetting) return apply_setting(*info);
+  return true;
 }
 
 }  // namespace
 
 int handle_repeater_connect(FCGX_Request* request, const char* body) {
-  return answer(request, connect_repeater(body) == 0 ? answers::kConnecting : answers::kNotConnected);
+  return answer(request, connect_repeater(body) ? answers::kConnecting : answers::kNotConnected);
 }

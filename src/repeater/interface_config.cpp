@@ -139,29 +139,26 @@ int SetWifiBasicPara(const char* ifname, const char* ssid, const char* key, cons
   return 1;
 }
 
-int set_security(const char* ifname, int encrypt_type, const char* caller) {
-  if (SetWifiParaByEncrypt(ifname, encrypt_type) == 0) return 0;
+bool set_security(const char* ifname, int encrypt_type, const char* caller) {
+  if (SetWifiParaByEncrypt(ifname, encrypt_type) == 0) return true;
   log_error_as(caller, "%s set enc error\n", ifname);
-  return 1;
+  return false;
 }
 
-int set_security_of_following_aps(int encrypt_type, const FollowFlags& flags, const char* caller) {
+bool set_security_of_following_aps(int encrypt_type, const FollowFlags& flags, const char* caller) {
   for (std::size_t band = 0; band < kBandCount; ++band) {
-    if (flags[band] != 0 && set_security(kBands[band].ap, encrypt_type, caller) != 0) return 1;
+    if (flags[band] != 0 && !set_security(kBands[band].ap, encrypt_type, caller)) return false;
   }
-  return 0;
+  return true;
 }
 
-int set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags,
-                     const char* caller) {
-  if (SetWifiBasicPara(ifname, info.ssid.c_str(), info.encrypt_key.c_str(), flags) == 0) return 0;
+bool set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags,
+                      const char* caller) {
+  if (SetWifiBasicPara(ifname, info.ssid.c_str(), info.encrypt_key.c_str(), flags) == 0) return true;
   log_error_as(caller, "set %s ssid key error\n", ifname);
-  return 1;
+  return false;
 }
 
-int set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller) {
-  for (const Band& band : kBands) {
-    if (set_ssid_and_key(band.ap, info, flags, caller) != 0) return 1;
-  }
-  return 0;
+bool set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller) {
+  return std::ranges::all_of(kBands, [&](const Band& band) { return set_ssid_and_key(band.ap, info, flags, caller); });
 }

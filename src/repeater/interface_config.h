@@ -17,15 +17,16 @@ int SetWifiParaByEncrypt(const char* ifname, int encrypt_type);
 // `key` may be nullptr. 0, or 1 for a missing or unknown interface, or a missing SSID.
 int SetWifiBasicPara(const char* ifname, const char* ssid, const char* key, const FollowFlags& flags);
 
-// What follows logs under `caller`, the function that the messages are known by.
+// What follows logs a failure under `caller`, the function that the messages are known by.
 
 // Reads the three flags from wireless.<ap>.ssid_change; nullopt when one cannot be read.
 std::optional<FollowFlags> read_follow_flags(const char* caller);
 
-// SetWifiParaByEncrypt of every access point that follows. 0 or 1, logged.
-int set_security_of_following_aps(int encrypt_type, const FollowFlags& flags, const char* caller);
-// SetWifiParaByEncrypt and SetWifiBasicPara of one interface. 0 or 1, logged.
-int set_security(const char* ifname, int encrypt_type, const char* caller);
-int set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller);
-// set_ssid_and_key of the three access points.
-int set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller);
+// SetWifiParaByEncrypt of every access point that follows, up to one that fails.
+bool set_security_of_following_aps(int encrypt_type, const FollowFlags& flags, const char* caller);
+// SetWifiParaByEncrypt and SetWifiBasicPara of one interface.
+bool set_security(const char* ifname, int encrypt_type, const char* caller);
+bool set_ssid_and_key(const char* ifname, const RepeaterConnectInfo& info, const FollowFlags& flags,
+                      const char* caller);
+// set_ssid_and_key of the three access points, up to one that fails.
+bool set_ssid_and_key_of_aps(const RepeaterConnectInfo& info, const FollowFlags& flags, const char* caller);

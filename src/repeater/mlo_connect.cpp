@@ -42,16 +42,15 @@ constexpr std::array<const char*, 2> kKeys56{"ath13.key", "ath23.key"};
 constexpr std::array<const char*, 6> kKeys256{"ath13.key",          "ath13.sae_password", "ath23.key",
                                               "ath23.sae_password", "ath03.sae_password", "ath03.key"};
 
-int set_security_and_ssids(const MloSteps& steps, const RepeaterConnectInfo& info) {
+bool set_security_and_ssids(const MloSteps& steps, const RepeaterConnectInfo& info) {
   const char* caller = steps.function;
   const std::optional<FollowFlags> flags = read_follow_flags(caller);
-  if (!flags) return 1;
-  if (set_security_of_following_aps(info.encrypt_type, *flags, caller) != 0) return 1;
-  if (set_ssid_and_key_of_aps(info, *flags, caller) != 0) return 1;
-  for (const std::size_t station : steps.variant.bands) {
-    if (set_security(kBands[station].station, info.encrypt_type, caller) != 0) return 1;
-  }
-  return 0;
+  if (!flags) return false;
+  if (!set_security_of_following_aps(info.encrypt_type, *flags, caller)) return false;
+  if (!set_ssid_and_key_of_aps(info, *flags, caller)) return false;
+  return std::ranges::all_of(steps.variant.bands, [&](std::size_t band) {
+    return set_security(kBands[band].station, info.encrypt_type, caller);
+  });
 }
 
 void unlink_stale_stations(const MloSteps& steps) {
@@ -71,9 +70,9 @@ void set_station_mld(const MloSteps& steps, const RepeaterConnectInfo& info, con
   for (const char* option : steps.key_options) uci_set_value(std::string("wireless.") + option, info.encrypt_key);
 }
 
-// A write that fails stops nothing: it is told in the log.
 uci::Section station_of(std::size_t band) { return {"wireless", kBands[band].station}; }
 
+// A write that fails stops nothing: it is told in the log.
 void set_station_option(const MloSteps& steps, const char* option, const char* value) {
   for (const std::size_t station : steps.variant.bands) station_of(station).set(option, value);
 }
@@ -108,16 +107,16 @@ void attach_stations(const MloSteps& steps) {
   if (steps.security_check_off == SecurityCheckOff::kLast) accept_any_security_on_6g();
 }
 
-int set_mlo_info(const MloSteps& steps, const RepeaterConnectInfo& info, std::string_view previous_mlo,
-                 const std::string& mld_mac) {
+bool set_mlo_uplink(const MloSteps& steps, const RepeaterConnectInfo& info, std::string_view previous_mlo,
+                    const std::string& mld_mac) {
   if (steps.unused_station != nullptr) uci_command(std::string("delete wireless.") + steps.unused_station);
-  if (set_security_and_ssids(steps, info) != 0) return 1;
+  if (!set_security_and_ssids(steps, info)) return false;
   if (previous_mlo == "0") unlink_stale_stations(steps);
   set_station_mld(steps, info, mld_mac);
   set_bridging(steps);
   attach_stations(steps);
   uci_commit("wireless", "repeater");
-  return 0;
+  return true;
 }
 
 // The address of br-lan; nullopt (logged) when it has none.
@@ -147,12 +146,12 @@ constexpr std::array<MloConnect, kMloVariants.size()> kMloConnects{{
 }};
 
 // Nothing happens for a variant that does not exist.
-int set_variant(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
+bool set_variant(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
   if (info.multi_link_operation_enable == kMloOff) ClearRepeaterMlo();
   const auto* connect = std::ranges::find(kMloConnects, info.multi_link_operation_enable, &MloConnect::code);
-  if (connect == kMloConnects.end() || connect->set_info(info, previous_mlo, mld_mac) == 0) return 0;
+  if (connect == kMloConnects.end() || connect->set_info(info, previous_mlo, mld_mac) == 0) return true;
   log_error_as(kConnect, "%s error\n", connect->name);
-  return 1;
+  return false;
 }
 
 }  // namespace
@@ -166,7 +165,7 @@ int SetMlo25GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo
                        .ap_disabled = {"0", "0", "1"},
                        .security_check_off = SecurityCheckOff::kNever,
                        .ifname_before_enabling = false};
-  return set_mlo_info(steps, info, previous_mlo, mld_mac);
+  return set_mlo_uplink(steps, info, previous_mlo, mld_mac) ? 0 : 1;
 }
 
 int SetMlo56GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
@@ -178,7 +177,7 @@ int SetMlo56GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo
                        .ap_disabled = {"1", "0", "0"},
                        .security_check_off = SecurityCheckOff::kLast,
                        .ifname_before_enabling = false};
-  return set_mlo_info(steps, info, previous_mlo, mld_mac);
+  return set_mlo_uplink(steps, info, previous_mlo, mld_mac) ? 0 : 1;
 }
 
 int SetMlo256GInfo(const RepeaterConnectInfo& info, std::string_view previous_mlo, const std::string& mld_mac) {
@@ -190,7 +189,7 @@ int SetMlo256GInfo(const RepeaterConnectInfo& info, std::string_view previous_ml
                        .ap_disabled = {"0", "0", "0"},
                        .security_check_off = SecurityCheckOff::kAfterAccessPoints,
                        .ifname_before_enabling = true};
-  return set_mlo_info(steps, info, previous_mlo, mld_mac);
+  return set_mlo_uplink(steps, info, previous_mlo, mld_mac) ? 0 : 1;
 }
 
 void ClearRepeaterMlo() {
@@ -231,7 +230,7 @@ int SetWifiConnectInfoByMlo(const RepeaterConnectInfo& info) {
   }
   const std::optional<std::string> bridge_mac = read_bridge_mac();
   if (!bridge_mac) return 1;
-  if (set_variant(info, *previous_mlo, derive_mld_mac(*bridge_mac)) != 0) return 1;
+  if (!set_variant(info, *previous_mlo, derive_mld_mac(*bridge_mac))) return 1;
   if (info.multi_link_operation_enable != kMloOff && SetNetworkParamInfoToConnect() != 0) {
     log_error("SetNetworkParamInfoToConnect error\n");
     return 1;

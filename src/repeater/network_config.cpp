@@ -41,23 +41,23 @@ std::span<const std::size_t> find_stations(std::string_view mlo, std::string_vie
   return std::span(kEveryBand).subspan(static_cast<std::size_t>(band - kBands.begin()), 1);
 }
 
-int attach_stations() {
+bool attach_stations() {
   const uci::Section stored("repeater", "repeater_band");
   const std::optional<std::string> band = stored.read("repeater_select_band", kBandNameSize);
   if (!band) {
     log_error_as(kStart, "get repeater band error\n");
-    return 1;
+    return false;
   }
   const std::optional<std::string> mlo = stored.read("mlo", kMloSize);
   if (!mlo) {
     log_error_as(kStart, "get mlo band error\n");
-    return 1;
+    return false;
   }
   const std::span<const std::size_t> stations = find_stations(*mlo, *band);
   for (const std::size_t station : stations) {
     uci_command(std::string("set wireless.") + kBands[station].station + ".network=lan");
   }
-  return stations.empty() ? 1 : 0;
+  return !stations.empty();
 }
 
 }  // namespace
@@ -111,7 +111,7 @@ int SetNetworkParamInfoToConnect() {
 
 int StartDhcpServerAfterConnectedSucc() {
   uci_command("set dhcp.lan.ignore=1");  // the upstream network serves DHCP from now on
-  if (attach_stations() != 0) return 1;
+  if (!attach_stations()) return 1;
   if (!uci::Section("network", "lan").read("dns", kDnsSize)) {
     uci_command("delete network.lan.ipaddr");
     uci_command("delete network.lan.netmask");

@@ -69,20 +69,19 @@ int GetStaInterfaceMask() {
   return mask;
 }
 
-int read_uplink_down(int previous) {
+bool is_uplink_down(bool previous) {
   constexpr std::size_t kMloSize = 4;
-  if (uci::Section("repeater", "repeater_band").read_or("mlo", kMloSize, "") != "0") {
-    return GetStaInterfaceConnectStatus(kStationMld);
-  }
+  const auto is_lost = [](const char* station) { return GetStaInterfaceConnectStatus(station) != 0; };
+  if (uci::Section("repeater", "repeater_band").read_or("mlo", kMloSize, "") != "0") return is_lost(kStationMld);
   switch (GetStaInterfaceMask()) {
     case 0:
-      return 1;
+      return true;
     case kMask24g:
-      return GetStaInterfaceConnectStatus(kBands[k24g].station);
+      return is_lost(kBands[k24g].station);
     case kMask5g:
-      return GetStaInterfaceConnectStatus(kBands[k5g].station);
+      return is_lost(kBands[k5g].station);
     case kMask6g:
-      return GetStaInterfaceConnectStatus(kBands[k6g].station);
+      return is_lost(kBands[k6g].station);
     default:
       return previous;
   }
@@ -106,10 +105,10 @@ void CheckWifiConnection() {
   log_debug("check wifi connect status");
   read_compati_mode(__func__);  // only told in the log: every mode waits the same time
   monitor().wait_seconds(kSettleSeconds);
-  int down = 1;
+  bool is_down = true;
   while (monitor().wait_seconds(kRoundSeconds)) {
-    down = read_uplink_down(down);
-    SetRepeaterApState(down);
+    is_down = is_uplink_down(is_down);
+    SetRepeaterApState(is_down ? 1 : 0);
   }
 }
 

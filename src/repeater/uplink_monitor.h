@@ -27,8 +27,8 @@ std::optional<bool> read_station_connected(const char* ifname);
 // Which station interfaces exist.
 int GetStaInterfaceMask();
 
-// Whether the uplink is down (1) or up (0); `previous` where several stations exist without a multi-link one.
-int read_uplink_down(int previous);
+// Whether the uplink is down; `previous` where several stations exist without a multi-link one.
+bool is_uplink_down(bool previous);
 
 // Takes the local access points down (1) or up (0), unless they were put into that state last time.
 void SetRepeaterApState(int down);

@@ -70,25 +70,25 @@ TEST_F(UplinkMonitor, KnowsTheStationsThatExist) {
 TEST_F(UplinkMonitor, AsksTheOnlyStation) {
   for (const char* name : {"ath03", "ath13", "ath23"}) {
     stations({name});
-    EXPECT_EQ(read_uplink_down(1), 0);
+    EXPECT_FALSE(is_uplink_down(true));
     EXPECT_THAT(tools_.calls(), ElementsAre(::testing::StartsWith(std::string("wpa_cli -i ") + name + " ")));
   }
   joined(false);
-  EXPECT_EQ(read_uplink_down(0), 1);
+  EXPECT_TRUE(is_uplink_down(false));
 }
 
 TEST_F(UplinkMonitor, IsDownWithoutAStationAndUndecidedWithSeveral) {
-  EXPECT_EQ(read_uplink_down(0), 1);
+  EXPECT_TRUE(is_uplink_down(false));
   stations({"ath03", "ath13"});
-  EXPECT_EQ(read_uplink_down(0), 0);
-  EXPECT_EQ(read_uplink_down(1), 1);
+  EXPECT_FALSE(is_uplink_down(false));
+  EXPECT_TRUE(is_uplink_down(true));
   EXPECT_THAT(tools_.calls(), IsEmpty());
 }
 
 TEST_F(UplinkMonitor, AsksTheMultiLinkStationWhereThereIsOne) {
   for (const char* value : {"1", "3", ""}) {
     mlo(value);
-    EXPECT_EQ(read_uplink_down(1), 0);
+    EXPECT_FALSE(is_uplink_down(true));
     EXPECT_THAT(tools_.calls(), ElementsAre("wpa_cli -i mld7 -p /var/run/wpa_supplicant-mld7 status")) << value;
   }
 }
