@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <ranges>
 #include <utility>
 
 #include "domain/mesh_codes.h"
@@ -84,8 +85,7 @@ unsigned char media_from(std::string_view line, unsigned char behind) {
 constexpr std::string_view kWordEnds = " \t\r";
 
 std::string_view first_word(std::string_view line) {
-  line = platform::trim_start(line, kWordEnds);
-  return line.substr(0, line.find_first_of(kWordEnds)).substr(0, kMacLength);
+  return platform::take_word(line, kWordEnds).substr(0, kMacLength);
 }
 
 // The index of a row of bridged addresses; nullopt for a line that is none.
@@ -153,8 +153,16 @@ BackhaulReader::BridgeTable BackhaulReader::read_bridge_table(std::size_t headin
       if (rows.size() < kMostIndices) rows.push_back({number, *index});
     }
   }
-  std::ranges::stable_sort(table.lines, {}, [&lines](std::uint32_t line) { return first_word(lines[line]); });
+  sort_by_first_word(table.lines);
   return table;
+}
+
+void BackhaulReader::sort_by_first_word(std::vector<std::uint32_t>& numbers) const {
+  std::vector<std::pair<std::string_view, std::uint32_t>> rows;
+  rows.reserve(numbers.size());
+  for (const std::uint32_t number : numbers) rows.emplace_back(first_word(index_.lines()[number]), number);
+  std::ranges::sort(rows);  // numbers of the same word stay in their order
+  std::ranges::copy(rows | std::views::values, numbers.begin());
 }
 
 std::vector<int> BackhaulReader::indices_of(const BridgeTable& table, std::string_view text) const {

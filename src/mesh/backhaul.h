@@ -1,6 +1,7 @@
 // How devices and stations are connected, told from the tables of a dump.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -38,6 +39,7 @@ class BackhaulReader {
   unsigned int remote_media(std::size_t line);
   const BridgeTable& bridge_table(std::size_t heading);
   BridgeTable read_bridge_table(std::size_t heading) const;
+  void sort_by_first_word(std::vector<std::uint32_t>& numbers) const;
   // The first indices that stand beside the text in the table.
   [[nodiscard]] std::vector<int> indices_of(const BridgeTable& table, std::string_view text) const;
   const char* type_of_mesh_mode();

@@ -8,23 +8,15 @@
 
 namespace {
 
-// The word that `line` begins with, taken off together with the blanks before it.
-std::string_view take_word(std::string_view& line) {
-  line = platform::trim_start(line);
-  const std::string_view word = line.substr(0, line.find_first_of(platform::kBlanks));
-  line.remove_prefix(word.size());
-  return word;
-}
-
 bool is_hex_or_colon(unsigned char byte) { return std::isxdigit(byte) != 0 || byte == ':'; }
 bool is_digit(unsigned char byte) { return std::isdigit(byte) != 0; }
 
 // "MAC INDEX Remote" of a row of bridged addresses; empty for every other line.
 std::string bridged_row(std::string_view line) {
-  const std::string_view mac = take_word(line);
+  const std::string_view mac = platform::take_word(line);
   if (mac.size() != kMacLength || !std::ranges::all_of(mac, is_hex_or_colon)) return {};
-  const std::string_view index = take_word(line);
-  const std::string_view type = take_word(line);
+  const std::string_view index = platform::take_word(line);
+  const std::string_view type = platform::take_word(line);
   if (index.empty() || !std::ranges::all_of(index, is_digit) || type != "Remote" || !line.empty()) return {};
   return std::string(mac).append(" ").append(index).append(" ").append(type);
 }

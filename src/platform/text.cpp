@@ -47,6 +47,14 @@ Sequence first_sequence(std::string_view text) {
   return {matching, length > 1 && matching == length};
 }
 
+// Of `text`, where the first byte stands that is one of `bytes`, or is none; its end where there is no such byte. What
+// is looked for is a few bytes at short distances, for which the library's search costs several times as much.
+std::string_view from_first(std::string_view text, std::string_view bytes, bool wanted) {
+  const auto* first =
+      std::ranges::find_if(text, [&](char byte) { return (std::ranges::find(bytes, byte) != bytes.end()) == wanted; });
+  return {first, text.end()};
+}
+
 bool is_control(unsigned char byte) { return byte < 0x20 || byte == 0x7F; }
 
 }  // namespace
@@ -59,14 +67,21 @@ std::optional<std::string_view> behind(std::string_view text, std::string_view m
 }
 
 std::string_view trim_start(std::string_view text, std::string_view dropped) {
-  return text.substr(std::min(text.find_first_not_of(dropped), text.size()));
+  return from_first(text, dropped, false);
+}
+
+std::string_view take_word(std::string_view& rest, std::string_view blanks) {
+  rest = trim_start(rest, blanks);
+  const std::string_view behind_it = from_first(rest, blanks, true);
+  const std::string_view word = rest.substr(0, rest.size() - behind_it.size());
+  rest = behind_it;
+  return word;
 }
 
 std::vector<std::string_view> pieces(std::string_view text, std::string_view separators) {
   std::vector<std::string_view> found;
-  for (text = trim_start(text, separators); !text.empty(); text = trim_start(text, separators)) {
-    found.push_back(text.substr(0, text.find_first_of(separators)));
-    text.remove_prefix(found.back().size());
+  for (std::string_view piece = take_word(text, separators); !piece.empty(); piece = take_word(text, separators)) {
+    found.push_back(piece);
   }
   return found;
 }

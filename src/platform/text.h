@@ -19,6 +19,9 @@ bool holds(std::string_view text, std::string_view part);
 std::optional<std::string_view> behind(std::string_view text, std::string_view mark);
 // `text` without the `dropped` bytes that it begins with.
 std::string_view trim_start(std::string_view text, std::string_view dropped = kBlanks);
+// Takes the first word off `rest`, together with the blanks before it: what begins with none of `blanks` and ends
+// before the next one. Empty when there is none, and nothing is left then.
+std::string_view take_word(std::string_view& rest, std::string_view blanks = kBlanks);
 // What stands between the `separators`, each a byte; empty pieces are left out.
 std::vector<std::string_view> pieces(std::string_view text, std::string_view separators = kBlanks);
 // Takes a line off the beginning of `rest`, with its line feed: of a longer one the first `max_bytes` (1 or more), as

@@ -128,6 +128,17 @@ TEST(TrimStart, DropsWhatTheTextBeginsWith) {
   EXPECT_EQ(platform::trim_start(""), "");
 }
 
+TEST(TakeWord, LeavesWhatFollowsTheWord) {
+  std::string_view rest = " \tone two:\tthree ";
+  EXPECT_EQ(platform::take_word(rest), "one");
+  EXPECT_EQ(rest, " two:\tthree ");
+  EXPECT_EQ(platform::take_word(rest, ": "), "two");
+  EXPECT_EQ(platform::take_word(rest, ": "), "\tthree");
+  EXPECT_EQ(platform::take_word(rest), "");
+  EXPECT_EQ(rest, "");
+  EXPECT_EQ(platform::take_word(rest), "");
+}
+
 TEST(Pieces, AreWhatStandsBetweenTheSeparators) {
   const auto list = [](std::string_view text, std::string_view separators) {
     const auto found = platform::pieces(text, separators);
