@@ -1,10 +1,11 @@
 #!/usr/bin/python3
-"""guard.py BUILD [--renew]
+"""guard.py BUILD [--counts] [--renew]
 
 Counts the instructions that the program needs for five fixed requests, with valgrind, and fails when one needs more than
 its budget and a tenth. What it waits for, and what its tools do, does not count, so a busy machine counts the same.
 Then looks at what long lists take of memory: less than three times the answer, and afterwards less than 1 MB.
 
+  --counts   nothing of memory: how many pages a process has is also the machine's business
   --renew    makes what was counted the budget (bench/routes/guard.budget)
 """
 
@@ -104,6 +105,7 @@ def read_budget() -> dict[str, int]:
 def main() -> int:
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("build", type=Path)
+    parser.add_argument("--counts", action="store_true")
     parser.add_argument("--renew", action="store_true")
     options = parser.parse_args()
     kit = use(options.build.resolve())
@@ -122,7 +124,7 @@ def main() -> int:
         over += bool(verdict)
         print(f"{number:>12,} of {allowed:>12,}  {name}{verdict}")
     os.environ.pop("ROUTER_API_EMULATOR")
-    return 0 if is_frugal(kit) and not over else 1
+    return 0 if (options.counts or is_frugal(kit)) and not over else 1
 
 
 if __name__ == "__main__":
