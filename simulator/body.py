@@ -6,7 +6,14 @@ import json
 
 
 class Body:
-    """What answers have in common. They have `body`, as sent, and `encrypted`, whether it is, and `decrypt` it."""
+    """What answers have in common."""
+
+    body: bytes  # as sent
+    encrypted: bool  # whether it is
+
+    @staticmethod
+    def decrypt(text: bytes) -> bytes:
+        raise NotImplementedError
 
     @property
     def data(self) -> bytes:
