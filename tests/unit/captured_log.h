@@ -3,8 +3,10 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdarg>
 #include <cstdio>
+#include <mutex>
 #include <ostream>
 #include <string>
 #include <syslog.h>
@@ -19,13 +21,14 @@ struct LogEntry {
 
 inline void PrintTo(const LogEntry& entry, std::ostream* out) { *out << entry.priority << ' ' << entry.text; }
 
-// Keeps the entries from its making to its end; one at a time. Every entry goes to the system's log all the same.
+// Keeps the entries of all threads from its making to its end; one at a time. Every entry goes to the system's log all
+// the same.
 class CapturedLog {
  public:
-  CapturedLog() { current() = this; }
+  CapturedLog() { set_current(this); }
   CapturedLog(const CapturedLog&) = delete;
   CapturedLog& operator=(const CapturedLog&) = delete;
-  ~CapturedLog() { current() = nullptr; }
+  ~CapturedLog() { set_current(nullptr); }
 
   // The texts since the last call, in their order.
   std::vector<std::string> texts() {
@@ -33,7 +36,10 @@ class CapturedLog {
     for (LogEntry& entry : entries()) taken.push_back(std::move(entry.text));
     return taken;
   }
-  std::vector<LogEntry> entries() { return std::exchange(entries_, {}); }
+  std::vector<LogEntry> entries() {
+    const std::lock_guard lock(mutex());
+    return std::exchange(entries_, {});
+  }
 
   // Keeps the entry and writes it.
   [[gnu::format(printf, 2, 0)]] static void pass_on(int priority, const char* format, va_list arguments) {
@@ -46,15 +52,25 @@ class CapturedLog {
 
  private:
   [[gnu::format(printf, 2, 0)]] static void keep(int priority, const char* format, va_list arguments) {
-    if (current() == nullptr) return;
+    if (current() == nullptr) return;  // without the lock: a daemon may be a copy of a process that held it
     std::array<char, 4096> buffer{};
     std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
     const std::string line = buffer.data();
     const std::size_t head = line.find("] ");
-    current()->entries_.push_back({priority, line.substr(head == std::string::npos ? 0 : head + 2)});
+    const std::lock_guard lock(mutex());
+    CapturedLog* log = current();
+    if (log != nullptr) log->entries_.push_back({priority, line.substr(head == std::string::npos ? 0 : head + 2)});
   }
-  static CapturedLog*& current() {
-    static CapturedLog* log = nullptr;
+  static std::mutex& mutex() {
+    static std::mutex guard;
+    return guard;
+  }
+  static void set_current(CapturedLog* log) {
+    const std::lock_guard lock(mutex());
+    current() = log;
+  }
+  static std::atomic<CapturedLog*>& current() {
+    static std::atomic<CapturedLog*> log = nullptr;
     return log;
   }
   std::vector<LogEntry> entries_;

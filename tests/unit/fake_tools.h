@@ -17,27 +17,27 @@
 
 #include "platform/file.h"
 
-// They are found from provide() to this object's end, before any other of their names. One object at a time.
+// They are found from provide() to this object's end, before any other of their names. One object at a time. A test
+// that lets a tool start in the background waits for its call: it could be another test's otherwise.
 class FakeTools {
  public:
   FakeTools() {
-    std::filesystem::remove(kPipe);
     // Open for writing, too: no tool waits for a reader, and no reader sees an end.
-    if (mkfifo(kPipe, 0600) == 0) pipe_ = open(kPipe, O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    if (mkfifo(path_.c_str(), 0600) == 0) pipe_ = open(path_.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
   }
   FakeTools(const FakeTools&) = delete;
   FakeTools& operator=(const FakeTools&) = delete;
   ~FakeTools() {
     close(pipe_);
     for (const std::string& place : places_) std::filesystem::remove(place);
-    std::filesystem::remove(kPipe);
+    std::filesystem::remove(path_);
   }
 
   // `tool`: a name, or the path that the tool is called by. `script`: of the shell.
   void provide(const std::string& tool, const std::string& script = "") {
     const std::string place = tool.starts_with('/') ? tool : "/router/bin/" + tool;
     std::filesystem::create_directories(std::filesystem::path(place).parent_path());
-    const std::string tell = "printf '%s\\n' \"" + tool + "${*:+ $*}\" >" + kPipe;
+    const std::string tell = "printf '%s\\n' \"" + tool + "${*:+ $*}\" >" + path_;
     ASSERT_TRUE(platform::write_file(place.c_str(), "#!/bin/sh\n" + tell + "\n" + script + "\n"));
     std::filesystem::permissions(place, std::filesystem::perms::owner_all);
     places_.push_back(place);
@@ -60,20 +60,24 @@ class FakeTools {
     return lines;
   }
   // At least as many calls since the last look, of a thread or a daemon that may not have come to them yet. Fewer only
-  // after a minute in which there was none.
+  // after two minutes in which there was none.
   std::vector<std::string> awaited_calls(std::size_t count = 1) {
-    constexpr int kMinuteMs = 60'000;
+    constexpr int kDeadlineMs = 120'000;
     std::vector<std::string> all = calls();
     while (all.size() < count) {
       pollfd readable{.fd = pipe_, .events = POLLIN, .revents = 0};
-      if (poll(&readable, 1, kMinuteMs) <= 0) break;
+      if (poll(&readable, 1, kDeadlineMs) <= 0) break;
       for (std::string& call : calls()) all.push_back(std::move(call));
     }
     return all;
   }
 
  private:
-  static constexpr const char* kPipe = "/tmp/fake_tools.calls";
+  static std::string new_path() {
+    static int made = 0;
+    return "/tmp/fake_tools.calls." + std::to_string(++made);
+  }
+  std::string path_ = new_path();  // of this object alone: what another one's tool tells late does not come here
   int pipe_ = -1;
   std::string unread_;
   std::vector<std::string> places_;
