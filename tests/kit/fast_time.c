@@ -19,6 +19,7 @@
 
 static const long kMomentNs = 1000000;
 static const long long kGrainNs = 50000000;
+static const time_t kForEverS = 1000000;
 
 // The programs that the program under test starts bring their own time. A shell that prepares the root and then becomes
 // the program hands the preload on.
@@ -90,7 +91,7 @@ int clock_nanosleep(clockid_t clock, int flags, const struct timespec* wanted, s
 }
 
 // A wait with a deadline for a condition variable is kept as {"tool": "wait", "args": ["1"]}: a notification ends it as
-// ever, and its time is over after a moment.
+// ever, and its time is over after a moment; where a test says so, its time is never over.
 int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const struct timespec* until) {
   static int (*real)(pthread_cond_t*, pthread_mutex_t*, clockid_t, const struct timespec*);
   if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "pthread_cond_clockwait");
@@ -100,14 +101,18 @@ int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, cl
   const long long seconds = (nanoseconds + 500000000) / 1000000000;
   if (seconds < 1) return real(condition, mutex, clock, until);
   keep("wait", (time_t)seconds, 0);
+  if (access("/router/waits-last", F_OK) == 0) {
+    soon.tv_sec += kForEverS;
+    return real(condition, mutex, clock, &soon);
+  }
   soon.tv_nsec += kMomentNs;
   soon.tv_sec += soon.tv_nsec / 1000000000;
   soon.tv_nsec %= 1000000000;
   return real(condition, mutex, clock, &soon);
 }
 
-// With FAST_TIME_RATE=10 in its environment the program's clock runs ten times as fast, and what it waits for at most (a
-// tool, a client) is over as much sooner.
+// With FAST_TIME_RATE=10 in its environment the program's clock runs ten times as fast, and what it waits for a tool at
+// most is over as much sooner.
 static long rate(void) {
   static long known;
   if (known == 0) {
@@ -176,24 +181,57 @@ int poll(struct pollfd* descriptors, nfds_t count, int timeout_ms) {
   if (timeout_ms <= 0) return real(descriptors, count, timeout_ms);
   for (long left_ms = (timeout_ms + rate() - 1) / rate(); left_ms > 0; left_ms -= kSliceMs) {
     const int ready = real(descriptors, count, (int)(left_ms < kSliceMs ? left_ms : kSliceMs));
-    if (ready != 0) return ready;
-    if (is_hanging()) {
-      leapt_ns += kLeapNs;
-      return 0;
-    }
+    const int leaps = is_hanging();
+    if (leaps) leapt_ns += kLeapNs;
+    if (ready != 0 || leaps) return ready;
   }
   return 0;
 }
 
+// The connection that may be given up: that whose limits were set last.
+static int silent_client = -1;
+static int deaf_client = -1;
+static int is_given_up;
+
 int setsockopt(int descriptor, int level, int option, const void* value, socklen_t length) {
   static int (*real)(int, int, int, const void*, socklen_t);
   if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "setsockopt");
-  if (level != SOL_SOCKET || (option != SO_RCVTIMEO && option != SO_SNDTIMEO)) return real(descriptor, level, option, value, length);
-  struct timeval limit = *(const struct timeval*)value;
-  const long long microseconds = ((long long)limit.tv_sec * 1000000 + limit.tv_usec) / rate();
-  limit.tv_sec = (time_t)(microseconds / 1000000);
-  limit.tv_usec = (suseconds_t)(microseconds % 1000000);
-  return real(descriptor, level, option, &limit, length);
+  if (level == SOL_SOCKET && option == SO_RCVTIMEO) silent_client = descriptor;
+  if (level == SOL_SOCKET && option == SO_SNDTIMEO) deaf_client = descriptor;
+  is_given_up = 0;
+  return real(descriptor, level, option, value, length);
+}
+
+// Waits for a client as the kernel would, but until a test says that the time of this one is over. 0 then.
+static int wait_for_client(int descriptor, short event) {
+  struct pollfd client = {descriptor, event, 0};
+  while (poll(&client, 1, kSliceMs) == 0) {
+    if (is_given_up || unlink("/router/client-is-given-up") == 0) {
+      is_given_up = 1;
+      errno = EAGAIN;
+      return 0;
+    }
+  }
+  return 1;
+}
+
+ssize_t read(int descriptor, void* buffer, size_t size) {
+  static ssize_t (*real)(int, void*, size_t);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "read");
+  if (descriptor == silent_client && !wait_for_client(descriptor, POLLIN)) return -1;
+  return real(descriptor, buffer, size);
+}
+
+ssize_t write(int descriptor, const void* buffer, size_t size) {
+  static ssize_t (*real)(int, const void*, size_t);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "write");
+  if (descriptor != deaf_client) return real(descriptor, buffer, size);
+  while (1) {
+    const ssize_t sent = send(descriptor, buffer, size, MSG_DONTWAIT);
+    if (sent >= 0) return sent;
+    if (errno == ENOTSOCK) return real(descriptor, buffer, size);
+    if ((errno != EAGAIN && errno != EWOULDBLOCK) || !wait_for_client(descriptor, POLLOUT)) return -1;
+  }
 }
 
 // Where a test says so, no thread and no copy of the program can be made, as at the limit of processes.

@@ -29,7 +29,7 @@ from .seen import Answer, Call, LogLine, decrypt, encrypt  # noqa: F401 (the kit
 
 # For an answer, or for a call that is waited for: how long the slowest machine may take. Nobody waits for its end.
 DEADLINE_S = 120.0
-_END_DEADLINE_S = 60.0
+_END_DEADLINE_S = 120.0
 _POLL_S = 0.005
 _PROGRAM = Path("/usr/sbin/router-api")  # in the root, whatever it is called on the machine
 
@@ -62,7 +62,7 @@ class Router:
             raise RuntimeError("STAND_IN_BIN is not set: run the tests through ctest or script/test")
         sandbox.isolation()  # says what the machine lacks, before anything is made
         self.real_time = False  # True: waits take their time and are not kept as calls
-        self.time_rate = 1  # how much sooner the program's limits (of tools, of clients) are over
+        self.time_rate = 1  # how much sooner the program's limits of tools are over
         self.count_uci = False  # True: uci_calls() tells which packages the program loads and commits
         self.count_memory = False  # True: memory() tells what the program holds
         self.preload: list[Path] = []  # further shared objects of the test's own

@@ -18,12 +18,6 @@ UNKNOWN_MODE = 3
 OPERATING = {"wifi0": 6, "wifi1": 36, "wifi2": 37}  # what the simulated iw shows
 
 
-@pytest.fixture(autouse=True)
-def patience(monkeypatch):
-    """The MAC filter runs some fifty commands, which take their time where the machine has other work."""
-    monkeypatch.setattr("kit.router.DEADLINE_S", 120.0)
-
-
 def sent_back(router, uri):
     """The values that changed, and the answer. Options that were not there before are no changed values."""
     document = router.get(uri).json

@@ -22,12 +22,6 @@ CLEANUP = [f"uci delete macfilter.{ifname}.{name}" for ifname in INTERFACES
 RELOAD = ["uci commit wireless", "wifi reload"]
 
 
-@pytest.fixture(autouse=True)
-def patience(monkeypatch):
-    """A request runs up to two hundred commands, which take their time where the machine has other work."""
-    monkeypatch.setattr("kit.router.DEADLINE_S", 120.0)
-
-
 def entry(description, mac="00:11:22:33:44:55"):
     return {"description": description, "macAddress": mac, "enableTime": 0, "remainTime": 0}
 

@@ -9,8 +9,7 @@ SMALL_CHANGE = 64 << 10
 
 
 @pytest.fixture
-def counted(router, monkeypatch):
-    monkeypatch.setattr("kit.router.DEADLINE_S", 120.0)
+def counted(router):
     router.count_memory = True
     return router
 

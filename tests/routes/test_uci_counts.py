@@ -12,8 +12,7 @@ DHCP = "/api/v1/dhcp"
 
 
 @pytest.fixture
-def counted(router, monkeypatch):
-    monkeypatch.setattr("kit.router.DEADLINE_S", 120.0)
+def counted(router):
     router.count_uci = True
     return router
 
