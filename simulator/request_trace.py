@@ -13,7 +13,7 @@ import client
 
 TIMEOUT_S = 10.0
 POLL_S = 0.25
-QUIET_S = 3.0  # a router that did nothing for so long has done what the request asked for
+QUIET_S = 5.0  # a router that did nothing for so long has done what the request asked for
 LONGEST_S = 60.0
 # A line of the router's log that the program wrote: "... [FcgiApp][function]:[line] text".
 _PROGRAM_LINE = re.compile(r"\[FcgiApp\](\[\w+\]):\[\d+\] *(.*)")

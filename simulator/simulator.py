@@ -30,7 +30,7 @@ import uci_text  # noqa: E402
 import web_server  # noqa: E402
 
 PORT = 8080
-READY_DEADLINE_S = 30.0
+READY_DEADLINE_S = 120.0
 END_DEADLINE_S = 5.0
 RESTART_PAUSE_S = 1.0  # how long a restart takes, and the least time between two starts of a program that ends
 WAN_CARRIER = "/sys/class/net/eth1/carrier"
@@ -67,13 +67,14 @@ def simulated_tools() -> list[str]:
 
 
 class Simulator:
-    """One router that runs. `build` is a build directory; `args` come from options_parser()."""
+    """One router that runs. `build` is a build directory; `args` come from options_parser(); `port` 0 is a free one."""
 
-    def __init__(self, build: Path, args: argparse.Namespace, port: int):
+    def __init__(self, build: Path, args: argparse.Namespace, port: int = 0):
         self.build = Path(build)
         self.args = args
-        self.port = port
-        self.base = f"http://127.0.0.1:{port}"
+        self._held_port = None if port else held_port()
+        self.port = port or self._held_port.getsockname()[1]
+        self.base = f"http://127.0.0.1:{self.port}"
         sandbox.isolation()  # says what the machine lacks, before anything is made
         self._stopping = threading.Event()
         self._program: subprocess.Popen | None = None
@@ -201,7 +202,7 @@ class Simulator:
             if self._server.poll() is not None:
                 raise sandbox.SandboxError(f"{self.args.web_server} does not start: {self._text(f'{self.args.web_server}.log')}")
             try:
-                if client.request(self.base, "PUT", "/api/v1/", timeout_s=2.0).body == b"Not Found":
+                if client.request(self.base, "PUT", "/api/v1/", timeout_s=READY_DEADLINE_S).body == b"Not Found":
                     return
             except client.ClientError as error:
                 reason = str(error)
@@ -229,7 +230,7 @@ class Simulator:
                 process.wait()
         if self._console is not None:
             self._console.stop()
-        for held in (self._log_socket, getattr(self, "_listener", None)):
+        for held in (self._log_socket, getattr(self, "_listener", None), self._held_port):
             if held is not None:
                 held.close()
         shutil.rmtree(self.directory, ignore_errors=True)
@@ -274,10 +275,12 @@ class Simulator:
         return [" ".join([call["tool"], *call["args"]]) for call in map(json.loads, lines)]
 
 
-def free_port() -> int:
-    with socket.socket() as probe:
-        probe.bind(("127.0.0.1", 0))
-        return probe.getsockname()[1]
+def held_port() -> socket.socket:
+    """Bound to a free loopback port, which nobody else is given meanwhile; a server that sets SO_REUSEADDR can listen there."""
+    holder = socket.socket()
+    holder.bind(("127.0.0.1", 0))
+    holder.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
+    return holder
 
 
 def show_exchange(simulator: Simulator) -> None:
@@ -299,7 +302,7 @@ def main() -> int:
     args = parser.parse_args()
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(128 + signal.SIGTERM))
     try:
-        simulator = Simulator(args.build, args, args.port or free_port())
+        simulator = Simulator(args.build, args, args.port)
     except sandbox.SandboxError as error:
         print(f"simulator: {error}", file=sys.stderr)
         return 1

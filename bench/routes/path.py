@@ -33,7 +33,8 @@ class Place:
         self.router.tool("jose", missing=True)
         self.router.root.mount(build / "bench/routes/instant_jose", "/router/bin/jose")
         self.router.start()
-        self.port = simulator.free_port()
+        self.held_port = simulator.held_port()
+        self.port = self.held_port.getsockname()[1]
         self.server = web_server.start("lighttpd", self.router.directory, self.port)
         self.router.get("/")  # it runs
         self.pid = sandbox.find_program(self.router._process.pid, "router-api")  # the name of its place
@@ -50,6 +51,7 @@ class Place:
     def stop(self) -> None:
         self.server.terminate()
         self.server.wait()
+        self.held_port.close()
         self.router.discard()
 
 

@@ -8,7 +8,7 @@ import { chromium } from 'playwright-core';
 const FLAGS = ['--headless', '--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
   '--disable-component-update', '--disable-sync'];
 const AXE = readFileSync(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
-export const DEADLINE_MS = 30000;
+export const DEADLINE_MS = 120000;
 
 export function launch() {
   return chromium.launch({ executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium', args: FLAGS });

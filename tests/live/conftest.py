@@ -25,7 +25,7 @@ def live():
             if not hasattr(args, name):
                 raise TypeError(f"simulator.py has no option --{name}")
             setattr(args, name, value)
-        router = simulator.Simulator(Path(os.environ["ROUTER_API_BUILD"]), args, simulator.free_port())
+        router = simulator.Simulator(Path(os.environ["ROUTER_API_BUILD"]), args)
         routers.append(router)
         router.start()
         return router

@@ -39,6 +39,7 @@ def test_it_tells_the_tools_that_ran_and_the_packages_that_changed(live):
 
     assert router.post(PASS_THROUGH, {"pptpEnable": 1, "ipsecEnable": 0}).json["result"] == 0
     wait_until(lambda: any("/etc/init.d/firewall" in call for call in router.calls()), "the firewall")
+    wait_until(lambda: "security reload." in (router.root.read("/var/log/messages.log") or ""), "the last line of the log")
     answer = trace(router, moment["next"])
     assert commands(answer)[0] == "jose jwe dec -i- -p"
     assert any("/etc/init.d/firewall" in command for command in commands(answer))

@@ -14,7 +14,7 @@ import simulator
 
 SOURCES = Path(__file__).resolve().parents[2]
 FILES = SOURCES / "packaging" / "openwrt" / "files"
-DEADLINE_S = 60.0
+DEADLINE_S = 120.0
 
 # As a router's main configuration, but for the address: the router's network is its own.
 LIGHTTPD_CONF = """\
@@ -41,6 +41,16 @@ class _Connection(http.client.HTTPConnection):
         self.sock = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
         self.sock.settimeout(self.timeout)
         self.sock.connect(self._path)
+
+
+def listens(path: Path) -> bool:
+    """A socket's file is there a moment before somebody listens."""
+    with socket.socket(socket.AF_UNIX, socket.SOCK_STREAM) as asking:
+        try:
+            asking.connect(str(path))
+        except (FileNotFoundError, ConnectionRefusedError):
+            return False
+    return True
 
 
 class InstalledRouter:
@@ -75,8 +85,8 @@ class InstalledRouter:
             assert time.monotonic() < end, f"{what}: not in time\n{self.report()}"
             time.sleep(0.05)
 
-    def wait_for_file(self, path: str) -> None:
-        self.wait_until(lambda: self.root.exists(path), path)
+    def wait_for_socket(self, path: str) -> None:
+        self.wait_until(lambda: listens(self.root.path(path)), path)
 
     def request(self, method: str, uri: str, body: bytes | None = None) -> client.Answer:
         connection = _Connection(self.root.path("/tmp/www.sock"))

@@ -9,7 +9,7 @@ import time
 import client
 import pytest
 import sandbox
-from installed import FILES, InstalledRouter, install, procd_instance
+from installed import DEADLINE_S, FILES, InstalledRouter, install, listens, procd_instance
 
 from kit import fastcgi
 
@@ -63,7 +63,7 @@ def read_and_change_the_lan(router):
 
 def test_lighttpd_starts_the_program_and_starts_it_again(router):
     server = router.start_lighttpd()
-    router.wait_for_file("/tmp/www.sock")
+    router.wait_for_socket("/tmp/www.sock")
     read_and_change_the_lan(router)
 
     program = sandbox.find_program(server.pid, "router-api")
@@ -77,12 +77,12 @@ def test_lighttpd_starts_the_program_and_starts_it_again(router):
 def test_a_length_that_libfcgi_cannot_bear_ends_the_program_and_lighttpd_starts_it_again(router):
     """Only who holds the socket can send it: a web server makes the lengths itself. docs/reliability.md says more."""
     server = router.start_lighttpd()
-    router.wait_for_file("/tmp/www.sock")
+    router.wait_for_socket("/tmp/www.sock")
     assert router.request("GET", LAN).status == 200
     program = sandbox.find_program(server.pid, "router-api")
     path, = router.root.path("/tmp/run").glob("router-api.socket*")
     lengths = bytes([0xFF, 0xFF, 0xFF, 0xFE]) * 2  # of a name and a value; their sum is beyond an int
-    with fastcgi.connect(str(path), 20.0) as connection:
+    with fastcgi.connect(str(path), DEADLINE_S) as connection:
         connection.sendall(fastcgi.begin() + fastcgi.record(fastcgi.PARAMS, lengths + b"x"))
         router.wait_until(lambda: not os.path.exists(f"/proc/{program}"), "the program's end")
     router.wait_until(lambda: router.request("GET", LAN).status == 200, "an answer of the next program")
@@ -91,7 +91,7 @@ def test_a_length_that_libfcgi_cannot_bear_ends_the_program_and_lighttpd_starts_
 
 def test_lighttpd_takes_a_large_image_and_no_large_document(router):
     router.start_lighttpd()
-    router.wait_for_file("/tmp/www.sock")
+    router.wait_for_socket("/tmp/www.sock")
     image = b"\x7fimage\0" * 1_000_000
     assert router.request("POST", "/api/v1/system/firmware", image).status == 200
     assert router.request("POST", LAN, image).status == 413
@@ -99,7 +99,7 @@ def test_lighttpd_takes_a_large_image_and_no_large_document(router):
 
 def test_a_slow_client_does_not_keep_the_program_from_others(router):
     server = router.start_lighttpd()
-    router.wait_for_file("/tmp/www.sock")
+    router.wait_for_socket("/tmp/www.sock")
     with slow_client(router):
         assert router.request("GET", LAN).json["result"] == 0
     assert server.poll() is None
@@ -123,9 +123,9 @@ def test_the_service_starts_it_for_a_web_server_that_does_not(router):
     router.root.write("/etc/lighttpd/conf.d/50-router-api.conf", (FILES / "lighttpd-socket.conf").read_text())
     command[0] = sandbox.machine_programs("spawn-fcgi")["spawn-fcgi"]
     router.start(*command)
-    router.wait_for_file("/var/run/router-api.socket")
+    router.wait_for_socket("/var/run/router-api.socket")
     router.start_lighttpd()
-    router.wait_for_file("/tmp/www.sock")
+    router.wait_for_socket("/tmp/www.sock")
     read_and_change_the_lan(router)
     assert router.root.path("/tmp/run/router-api.socket").stat().st_mode & 0o777 == 0o660
 
@@ -137,13 +137,13 @@ def test_a_signal_ends_it_as_the_manual_says(tmp_path, number):
                           stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as program:
         ask(path)
         program.send_signal(number)
-        assert program.wait(20) == 0
+        assert program.wait(DEADLINE_S) == 0
 
 
 def ask(path):
     """One request, so that the program is known to be in its loop."""
-    end = time.monotonic() + 20
-    while not path.exists():
+    end = time.monotonic() + DEADLINE_S
+    while not listens(path):
         assert time.monotonic() < end
         time.sleep(0.01)
     with fastcgi.connect(str(path), 20.0) as connection:

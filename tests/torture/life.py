@@ -132,7 +132,7 @@ def many_clients(server: str, each: int, bounds: Bounds) -> Figures:
 
     figures = Figures()
     router = simulator.Simulator(Path(os.environ["ROUTER_API_BUILD"]), simulator.options_parser().parse_args(
-        ["--web-server", server]), simulator.free_port())
+        ["--web-server", server]))
     document = client.encrypt(json.dumps({"pptpEnable": 1, "ipsecEnable": 1}).encode())
     fast = ("ntp", "lan", "security/protect", "port-open", "wireless/wps-status", "dhcp")
 
