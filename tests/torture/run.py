@@ -8,6 +8,7 @@ import importlib
 import multiprocessing
 import os
 import platform
+import signal
 import sys
 import time
 import traceback
@@ -46,6 +47,8 @@ def _module(name: str):
 def _run_part(work: tuple) -> Figures:
     function, arguments = work
     begin = time.monotonic()
+    if any(isinstance(argument, Bounds) and argument.over() for argument in arguments):
+        return Figures()
     try:
         return function(*arguments)
     except BaseException as error:  # a part that breaks is a loss, not the end of the others
@@ -56,6 +59,11 @@ def _run_part(work: tuple) -> Figures:
     finally:
         if "TORTURE_TIMES" in os.environ:
             print(f"{time.monotonic() - begin:6.1f} s {name_of(work)}", file=sys.stderr, flush=True)
+
+
+def _leave_the_end_to_the_parent() -> None:
+    signal.signal(signal.SIGINT, signal.SIG_IGN)
+    signal.signal(signal.SIGTERM, signal.SIG_DFL)
 
 
 def name_of(work: tuple) -> str:
@@ -72,11 +80,15 @@ def _run_section(module, options: argparse.Namespace) -> tuple[Figures, float]:
     parts = [work for work in module.parts(bounds) if options.only in name_of(work)]
     figures = Figures()
     # A process for each part: what a part leaves in memory, or breaks, is its own.
-    with multiprocessing.get_context("fork").Pool(options.jobs, maxtasksperchild=1) as pool:
-        for done in pool.imap_unordered(_run_part, parts):
-            figures.add(done)
-            for loss in done.losses:
-                print(f"LOST {module.NAME}: {loss}", flush=True)
+    # One that is told to end says what it has done so far.
+    with multiprocessing.get_context("fork").Pool(options.jobs, _leave_the_end_to_the_parent, maxtasksperchild=1) as pool:
+        try:
+            for done in pool.imap_unordered(_run_part, parts):
+                figures.add(done)
+                for loss in done.losses:
+                    print(f"LOST {module.NAME}: {loss}", flush=True)
+        except KeyboardInterrupt:
+            figures.notes.add("ended before its end")
     return figures, time.monotonic() - begin
 
 
@@ -86,6 +98,7 @@ def main() -> int:
     chosen = options.section or SECTIONS
     if unknown := [name for name in chosen if name not in SECTIONS]:
         known.error(f"there is no section {' '.join(unknown)}; there are: {' '.join(SECTIONS)}")
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     print(f"seed {options.seed}, preset {options.preset}, {options.jobs} at once, {platform.machine()}, "
           f"{os.cpu_count()} processors", flush=True)
     figures, seconds = {}, {}
