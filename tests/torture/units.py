@@ -3,7 +3,6 @@
 from __future__ import annotations
 
 import os
-from pathlib import Path
 
 import kit
 import repeater_setup
@@ -100,18 +99,16 @@ class Unit:
         return below(os.getpid()), len(os.listdir(f"/proc/{program[0]}/task"))
 
     def files(self) -> dict[str, bytes]:
+        """Every regular file of the router's, by its path there."""
+        root = str(self.router.root.fs)
+        folders = [entry.path for entry in os.scandir(root) if entry.name not in OUTSIDE]
         found = {}
-        for top in self.router.root.fs.iterdir():
-            if top.name in OUTSIDE:
-                continue
-            for folder, _, names in os.walk(top):
-                for name in names:
-                    place = Path(folder, name)
-                    if place.is_file() and not place.is_symlink():
-                        try:
-                            found["/" + str(place.relative_to(self.router.root.fs))] = place.read_bytes()
-                        except FileNotFoundError:
-                            continue
+        while folders:
+            for entry in _entries(folders.pop()):
+                if entry.is_dir(follow_symlinks=False):
+                    folders.append(entry.path)
+                elif entry.is_file(follow_symlinks=False) and (content := _content(entry.path)) is not None:
+                    found[entry.path.removeprefix(root)] = content
         return found
 
     def restore(self, after: dict[str, bytes]) -> None:
@@ -125,6 +122,21 @@ class Unit:
 
     def finish(self) -> None:
         self.router.finish()
+
+
+def _entries(folder: str) -> list[os.DirEntry]:
+    try:
+        return list(os.scandir(folder))
+    except (FileNotFoundError, NotADirectoryError):
+        return []  # gone meanwhile, or a file of the root itself
+
+
+def _content(path: str) -> bytes | None:
+    try:
+        with open(path, "rb", buffering=0) as file:
+            return file.readall()
+    except FileNotFoundError:
+        return None
 
 
 def _router(route: str) -> kit.Router:
