@@ -195,6 +195,11 @@ void* malloc(size_t size) {
   return fails(kMemory, ENOMEM) ? nullptr : real(size);
 }
 
+void* calloc(size_t count, size_t size) {
+  REAL(calloc);
+  return fails(kMemory, ENOMEM) ? nullptr : real(count, size);
+}
+
 void* realloc(void* old, size_t size) {
   REAL(realloc);
   return fails(kMemory, ENOMEM) ? nullptr : real(old, size);
