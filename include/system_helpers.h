@@ -13,9 +13,9 @@
 // Runs `command` with /bin/sh. 1 when it exited with status 0, else 0 (logged at debug priority).
 int os_system(const std::string& command);
 
-// os_system without a shell: argv[0] is looked up in PATH. Same results and messages; a missing tool counts as exit
-// status 127, as a shell would tell.
-int os_exec(const std::vector<std::string>& argv);
+// os_system without a shell: argv[0] is looked up in PATH. True when it exited with status 0. Same messages; a missing
+// tool counts as exit status 127, as a shell would tell.
+bool os_exec(const std::vector<std::string>& argv);
 
 // Runs `command` with /bin/sh and copies the first line of its output (at most 255 bytes, cut at CR or LF), padded
 // with NULs to `out_size`. A line longer than `out_size` leaves `out` as it was, a line of exactly `out_size` bytes is

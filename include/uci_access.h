@@ -16,8 +16,7 @@
 // - The result is 0 for success and 1 for any failure, which is logged once. "Success" of a change means that it was
 //   made: a commit that fails later is logged, the result stays 0.
 // - Where memory ends, std::bad_alloc is thrown once that is logged: a package that could not be read or changed for
-// want
-//   of it is no package without the option. What the session has not committed is then dropped.
+//   want of it is no package without the option. What the session has not committed is then dropped.
 // - Safe from any thread; calls are not serialised against each other.
 inline constexpr std::size_t kUciAddressMax = 254;
 
@@ -55,8 +54,8 @@ unsigned int UciDelList(const char* confdir, const char* package, const char* se
 unsigned int UciGetlist(const char* confdir, const char* package, const char* section, const char* option, char* out,
                         std::size_t element_size, std::size_t max_count, std::size_t* count);
 
-// The number of sections of that type, named and unnamed; -1 when the package cannot be loaded.
-int uci_count_sections(const char* package, const char* type);
+// The number of sections of that type, named and unnamed; nullopt when the package cannot be loaded.
+std::optional<int> uci_count_sections(const char* package, const char* type);
 
 // UciGetOption into an owning text of at most size - 1 bytes (size as the buffer of the C call), never cut inside a
 // UTF-8 character; nullopt on failure.

@@ -26,12 +26,12 @@ int answer(FCGX_Request* request, json::ObjectText document);
 int answer(FCGX_Request* request, const answers::Outcome& outcome);
 // Headers and the text as it is.
 int answer_plain(FCGX_Request* request, std::string_view text);
+int answer_plain(FCGX_Request* request, json::ObjectText document);
 
 // For work that may come only once the client has its answer, because it takes long or ends the program: answer(), then
 // the request is ended (a web server holds what was only flushed), then `work` runs. What it throws is logged. The
 // request must not be used afterwards; that the loop ends it again does nothing. Returns 0.
 int answer_then(FCGX_Request* request, std::string_view text, const std::function<void()>& work);
-int answer_plain(FCGX_Request* request, json::ObjectText document);
 
 // A download under this name: what the file holds from its position on.
 int answer_file(FCGX_Request* request, std::string_view name, std::FILE* file);

@@ -64,7 +64,7 @@ class ListText {
   std::size_t begin_ = 0;  // what stands before it is an object's
 };
 
-// {"result": N} and what every document of a failed reading is.
+// {"result": N}: what most answers begin with, and all that one tells of a reading that failed.
 inline ObjectText result_text(int result) {
   ObjectText document;
   document.add("result", result);

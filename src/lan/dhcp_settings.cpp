@@ -38,13 +38,13 @@ void apply_dhcp() {
   os_system("/etc/init.d/dnsmasq  restart");
 }
 
-int disable_dhcp() {
+bool disable_dhcp() {
   for (const char* option : {"leasetime", "start", "limit"}) {
-    if (!delete_lan_option(option)) return 1;
+    if (!delete_lan_option(option)) return false;
   }
-  if (!set_lan_option("ignore", "1", " to 1")) return 1;
+  if (!set_lan_option("ignore", "1", " to 1")) return false;
   apply_dhcp();
-  return 0;
+  return true;
 }
 
 void delete_hosts(int count) {
@@ -101,36 +101,36 @@ void read_hosts(DhcpSettings& settings) {
   }
 }
 
-// The pool, of a server that is on. 0, or 1 on failure.
-int read_pool(DhcpSettings& settings) {
+// The pool, of a server that is on. False on failure.
+bool read_pool(DhcpSettings& settings) {
   const std::optional<std::string> lease = lan_pool().read("leasetime", kOptionSize);
   if (!lease) {
     log_error("Fail to get dhcp.lan.leasetime by uci api\n");
-    return 1;
+    return false;
   }
   settings.lease_time = lease_hours(*lease);
   const std::optional<std::string> start = lan_pool().read("start", kTextMax + 1);
   if (!start) {
     log_error("Fail to get dhcp.lan.start value by uci api\n");
-    return 1;
+    return false;
   }
   settings.start_address = *start;
   const std::optional<std::string> limit = lan_pool().read("limit", kOptionSize);
   if (!limit) {
     log_error("Fail to get dhcp.lan.limit value by uci api\n");
-    return 1;
+    return false;
   }
   std::string head;
   const int first = GetLastDigitOfIP(settings.start_address, &head);
   if (first <= 0) {
     log_error("Fail to get last digit from dhcp start ip\n");
-    return 1;
+    return false;
   }
   // Bounded before the addition: the option may hold any number.
   const long addresses = std::clamp(std::strtol(limit->c_str(), nullptr, 10), -kMostAddresses, kMostAddresses);
   const long last = first + addresses - 1;
   settings.end_address = platform::cut_utf8(head + "." + std::to_string(last), kTextMax);
-  return 0;
+  return true;
 }
 
 }  // namespace
@@ -187,13 +187,13 @@ int cmd_get_dhcp(DhcpSettings& settings) {
   const int is_ignored = std::atoi(ignore.c_str());
   log_debug("atoi(getVal) is [%d]", is_ignored);
   settings.enable = is_ignored == 1 ? 0 : 1;
-  if (settings.enable == 1 && read_pool(settings) != 0) return 1;
+  if (settings.enable == 1 && !read_pool(settings)) return 1;
   read_hosts(settings);
   return 0;
 }
 
 int cmd_set_dhcp(const DhcpSettings& settings) {
-  if (settings.enable == 0) return disable_dhcp();
+  if (settings.enable == 0) return disable_dhcp() ? 0 : 1;
   const std::string lease = lease_text(settings.lease_time);
   const int limit =
       GetLastDigitOfIP(settings.end_address, nullptr) - GetLastDigitOfIP(settings.start_address, nullptr) + 1;

@@ -1,4 +1,4 @@
-// IPv4 addresses as texts and numbers: the checks that LAN, DHCP and WAN settings share.
+// IPv4 addresses as texts and numbers: what the LAN's settings are checked by.
 #pragma once
 
 #include <cstdint>

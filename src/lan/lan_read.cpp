@@ -44,16 +44,16 @@ void read_ipv6(LanSettings& settings, bool is_client) {
   settings.ipv6_dns2 = element_or_none(servers, 1);
 }
 
-// 0 on success, 1 for a protocol that the LAN never has.
-int read_dhcp_client(LanSettings& settings, const unit::OperatingMode& mode, bool is_dhcp_server_on) {
+// False (logged) for a protocol that the LAN never has.
+bool read_dhcp_client(LanSettings& settings, const unit::OperatingMode& mode, bool is_dhcp_server_on) {
   const std::string proto = lan().read_or("proto", kNumberSize, "static");
   if (proto != "dhcp" && proto != "static") {
     log_error("Unkown value of\tnetwork.lan.proto by uci get api \n");
-    return 1;
+    return false;
   }
   settings.dhcp_client = proto == "dhcp" ? 1 : 0;
   if (mode.is_repeater() && is_dhcp_server_on) settings.dhcp_client = 2;
-  return 0;
+  return true;
 }
 
 }  // namespace
@@ -86,7 +86,7 @@ int cmd_get_lan_netowrk(LanSettings& settings) {
   }
   settings.global_ip_protection = std::atoi(protection->c_str()) != 0 ? 1 : 0;
 
-  if (read_dhcp_client(settings, mode, is_dhcp_server_on) != 0) return 1;
+  if (!read_dhcp_client(settings, mode, is_dhcp_server_on)) return 1;
 
   const std::optional<LanAddress> live = read_lan_address();
   if (!live) {

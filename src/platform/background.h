@@ -1,5 +1,5 @@
-// Work that outlives a request: a detached thread or a daemonised child. Nothing else starts one. The commands
-// of such work may take as long as they do.
+// Work that outlives a request: a detached thread or a daemonised child. Nothing else starts one. The commands of such
+// work may take as long as they do.
 #pragma once
 
 #include <functional>

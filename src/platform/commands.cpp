@@ -17,16 +17,16 @@ std::string joined(const std::vector<std::string>& words) {
   return text;
 }
 
-// What os_system and os_exec answer for a command that was run, with their message at the place of the two.
-int system_result(const platform::ProcessResult& result, const std::string& shown,
-                  platform::LogPlace place = platform::LogPlace::here()) {
+// Whether a command that was run succeeded, with the message of os_system and os_exec at the place of the two.
+bool has_succeeded(const platform::ProcessResult& result, const std::string& shown,
+                   platform::LogPlace place = platform::LogPlace::here()) {
   if (!result.started) {
     log_debug_at(place, "exec syscmd error!");
-    return 0;
+    return false;
   }
-  if (result.succeeded()) return 1;
+  if (result.succeeded()) return true;
   log_debug_at(place, "exec cmd '%s' errno=%d!", shown.c_str(), (result.wait_status >> 8) & 0xff);
-  return 0;
+  return false;
 }
 
 }  // namespace
@@ -36,15 +36,15 @@ int os_system(const std::string& command) {
     log_debug("shell cmd is null!");
     return 0;
   }
-  return system_result(platform::run_shell(command, {.capture_output = false}), command);
+  return has_succeeded(platform::run_shell(command, {.capture_output = false}), command) ? 1 : 0;
 }
 
-int os_exec(const std::vector<std::string>& argv) {
+bool os_exec(const std::vector<std::string>& argv) {
   if (argv.empty() || argv[0].empty()) {
     log_debug("shell cmd is null!");
-    return 0;
+    return false;
   }
-  return system_result(platform::run(argv, {.capture_output = false}), joined(argv));
+  return has_succeeded(platform::run(argv, {.capture_output = false}), joined(argv));
 }
 
 int execute_cmd(const char* command, char* out, std::size_t out_size) {

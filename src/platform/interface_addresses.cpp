@@ -12,25 +12,25 @@ namespace {
 
 constexpr std::size_t kMacTextLength = 17;
 
-// The MAC address text that the kernel keeps in `path`.
-int read_mac_file(const std::string& path, char* out) {
+// The MAC address text that the kernel keeps in `path`. False, and a message on standard error, when there is none.
+bool read_mac_file(const std::string& path, char* out) {
   const platform::ProcessResult result =
       platform::run({"cat", path}, {.max_output = platform::kFirstLineBuffer + platform::kBeyondBound});
   if (!result.started) {
     std::perror("popen failed");
-    return -1;
+    return false;
   }
   if (result.output.empty()) {
     std::perror("fgets failed");
-    return -1;
+    return false;
   }
   const std::optional<std::string> line = platform::first_line(result.output, kMacTextLength + 1);
   if (!line || line->size() != kMacTextLength) {
     std::fputs("Invalid MAC address format\n", stderr);
-    return -1;
+    return false;
   }
   std::memcpy(out, line->c_str(), kMacTextLength + 1);
-  return 0;
+  return true;
 }
 
 }  // namespace
@@ -57,9 +57,9 @@ std::string get_link_bssid(const char* ifname) {
 }
 
 int get_interface_macaddr(const char* ifname, char* out) {
-  return read_mac_file(std::string("/sys/class/net/") + ifname + "/address", out);
+  return read_mac_file(std::string("/sys/class/net/") + ifname + "/address", out) ? 0 : -1;
 }
 
 int get_mld_link_macaddr(const char* link, char* out, const char* mld_ifname) {
-  return read_mac_file(std::string("/sys/class/net/") + mld_ifname + '/' + link + "/address_" + link, out);
+  return read_mac_file(std::string("/sys/class/net/") + mld_ifname + '/' + link + "/address_" + link, out) ? 0 : -1;
 }

@@ -254,11 +254,11 @@ unsigned int UciGetlist(const char* confdir, const char* package, const char* se
   return kSuccess;
 }
 
-int uci_count_sections(const char* package, const char* type) {
+std::optional<int> uci_count_sections(const char* package, const char* type) {
   const CallSession session;
   uci_context* const context = session->context_for(nullptr, package);
   const uci_package* loaded = context == nullptr ? nullptr : load(context, package);
-  if (loaded == nullptr && failure_of(context) == kFailure) return -1;
+  if (loaded == nullptr && failure_of(context) == kFailure) return std::nullopt;
   int count = 0;
   uci_element* element = nullptr;
   uci_foreach_element(&loaded->sections, element) {

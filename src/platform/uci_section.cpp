@@ -52,10 +52,7 @@ bool Section::remove_from_list(const char* option, const std::string& value) con
 
 bool append(const char* package, const char* type) { return UciCreateAnonymousSection(nullptr, package, type) == 0; }
 
-std::optional<int> count(const char* package, const char* type) {
-  const int found = uci_count_sections(package, type);
-  return found < 0 ? std::nullopt : std::optional(found);
-}
+std::optional<int> count(const char* package, const char* type) { return uci_count_sections(package, type); }
 
 void release() { platform::release_uci(); }
 

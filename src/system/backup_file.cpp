@@ -14,26 +14,27 @@
 
 namespace {
 
-int append_text(const char* path, std::string_view text) {
+bool append_text(const char* path, std::string_view text) {
   platform::FilePtr file = platform::open_file(path, "a");
-  if (!file) return -1;
+  if (!file) return false;
   const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-  return std::fclose(file.release()) == 0 && written ? 0 : -1;
+  return std::fclose(file.release()) == 0 && written;
 }
 
-// `size` bytes that begin `from_end` bytes before the end of the file.
-int read_trailer(const char* path, long from_end, std::size_t size, std::string& text) {
+// `size` bytes that begin `from_end` bytes before the end of the file. False, and a message on standard error, when
+// there are none.
+bool read_trailer(const char* path, long from_end, std::size_t size, std::string& text) {
   const platform::FilePtr file = platform::open_file(path, "r");
   if (!file) {
     std::perror("Failed to open file");
-    return -1;
+    return false;
   }
   text.resize(size);
   if (std::fseek(file.get(), -from_end, SEEK_END) != 0 || std::fread(text.data(), 1, size, file.get()) != size) {
     std::fputs("Failed to read file", stderr);
-    return -1;
+    return false;
   }
-  return 0;
+  return true;
 }
 
 // The bytes of the file before its trailer; nullopt when there are none.
@@ -73,16 +74,21 @@ int get_file_md5(const char* path, std::string& md5) {
 
 int append_md5_to_file(const char* path) {
   std::string md5;
-  return get_file_md5(path, md5) == 0 ? append_text(path, md5) : -1;
+  return get_file_md5(path, md5) == 0 && append_text(path, md5) ? 0 : -1;
 }
 
 int append_device_id_to_file(const char* path) {
   const std::string_view id = unit::brand().device_id;
-  return id.empty() ? 0 : append_text(path, id);
+  return id.empty() || append_text(path, id) ? 0 : -1;
 }
 
-int read_trailer_md5(const char* path, std::string& md5) { return read_trailer(path, kTrailer, kTrailerMd5, md5); }
-int read_trailer_id(const char* path, std::string& id) { return read_trailer(path, kTrailerId, kTrailerId, id); }
+int read_trailer_md5(const char* path, std::string& md5) {
+  return read_trailer(path, kTrailer, kTrailerMd5, md5) ? 0 : -1;
+}
+
+int read_trailer_id(const char* path, std::string& id) {
+  return read_trailer(path, kTrailerId, kTrailerId, id) ? 0 : -1;
+}
 
 bool split_backup_file(const char* upload, const char* archive) {
   if (copy_archive(upload, archive)) return true;

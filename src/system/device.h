@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 
 // The first line of a file without its line end, at most size - 1 bytes. 0, or -1 on failure (logged).

@@ -1,5 +1,5 @@
 // POST /api/v1/system/firmware (an uploaded image) and POST /api/v1/fwupdatechkandrun (one from the update server).
-#include <cstdlib>
+#include <optional>
 #include <string>
 
 #include "answer/answer.h"
@@ -42,9 +42,9 @@ bool verify_upload(const brands::Brand& brand) {
 
 // Nobody else is updating.
 Result check_running_tools() {
-  std::string running;
-  if (count_running_tools(running) != 0) return Result::kUnusable;
-  return std::atoi(running.c_str()) == 0 ? Result::kOk : Result::kFailed;
+  const std::optional<int> running = count_running_tools();
+  if (!running) return Result::kUnusable;
+  return *running == 0 ? Result::kOk : Result::kFailed;
 }
 
 // An upload that is refused leaves nothing behind.

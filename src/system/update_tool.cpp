@@ -18,8 +18,10 @@ constexpr const char* kVerifyResultPath = "/tmp/Download_Verify_Result";
 
 }  // namespace
 
-int count_running_tools(std::string& count) {
-  return run_cmd_first_line("ps | grep 'hota -' | grep -v 'grep' | wc -l", count);
+std::optional<int> count_running_tools() {
+  std::string count;
+  if (run_cmd_first_line("ps | grep 'hota -' | grep -v 'grep' | wc -l", count) != 0) return std::nullopt;
+  return std::atoi(count.c_str());
 }
 
 int check_update_status(int& status) {

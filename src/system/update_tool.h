@@ -7,8 +7,8 @@
 
 inline constexpr const char* kFirmwarePath = "/tmp/firmware.bin";
 
-// Number of tool runs under way, as text ("0"). 0, or -1 when it cannot be told.
-int count_running_tools(std::string& count);
+// Number of tool runs under way; nullopt when it cannot be told.
+std::optional<int> count_running_tools();
 
 // 0 and the last check's status (1: a newer version is available), or 1 when there is none.
 int check_update_status(int& status);

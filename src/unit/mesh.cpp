@@ -12,25 +12,27 @@ namespace {
 constexpr std::size_t kNumberSize = 4;
 constexpr std::size_t kRoleSize = 16;
 
-// An option as a number; 1, with `out` untouched, when it cannot be read.
-int read_number(const uci::Section& section, const char* option, int& out) {
+// An option as a number; false, with `out` untouched, when it cannot be read.
+bool read_number(const uci::Section& section, const char* option, int& out) {
   const std::optional<int> number = section.read_number(option, kNumberSize);
   out = number.value_or(out);
-  return number ? 0 : 1;
+  return number.has_value();
 }
 
 }  // namespace
 
 int get_mesh_value(int& out) {
   int enable = 0;
-  if (read_number(unit::easymesh(), "enable", enable) != 0) return 1;
+  if (!read_number(unit::easymesh(), "enable", enable)) return 1;
   out = enable == 1 ? 1 : 0;
   return 0;
 }
 
-int get_mesh_mode_value(int& out) { return read_number(unit::easymesh(), "mode", out); }
+int get_mesh_mode_value(int& out) { return read_number(unit::easymesh(), "mode", out) ? 0 : 1; }
 
-int get_agent_onboarding_status(int& out) { return read_number({"repacd", "MAPConfig"}, "OnboardingDone", out); }
+int get_agent_onboarding_status(int& out) {
+  return read_number({"repacd", "MAPConfig"}, "OnboardingDone", out) ? 0 : 1;
+}
 
 int get_mesh_role_value(int& out) {
   const std::optional<std::string> enable = unit::easymesh().read("enable", kNumberSize);

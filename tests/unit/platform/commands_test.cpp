@@ -16,10 +16,10 @@ TEST(OsSystem, AnswersOneForStatusZero) {
 }
 
 TEST(OsExec, AnswersOneForStatusZeroAndParsesNothing) {
-  EXPECT_EQ(os_exec({"test", "$(echo a)", "=", "$(echo a)"}), 1);
-  EXPECT_EQ(os_exec({"false"}), 0);
-  EXPECT_EQ(os_exec({}), 0);
-  EXPECT_EQ(os_exec({"no-such-tool-anywhere"}), 0);
+  EXPECT_TRUE(os_exec({"test", "$(echo a)", "=", "$(echo a)"}));
+  EXPECT_FALSE(os_exec({"false"}));
+  EXPECT_FALSE(os_exec({}));
+  EXPECT_FALSE(os_exec({"no-such-tool-anywhere"}));
 }
 
 TEST(ExecuteCmd, CopiesTheFirstLineAndPads) {
