@@ -1,8 +1,9 @@
 // The mesh as an agent sees it.
+#include "mesh/agent_topology.h"
+
 #include <algorithm>
 #include <unordered_set>
 
-#include "mesh/client_sources.h"
 #include "mesh/dump_index.h"
 #include "mesh/topology_log.h"
 #include "platform/text.h"

@@ -23,3 +23,6 @@ class ArpTable {
   std::string lower_case_;
   std::unordered_map<std::string_view, std::size_t> positions_;  // where texts of a MAC's form first stand in it
 };
+
+// ArpTable::ip_of, of a table that is asked for one MAC.
+std::optional<std::string> parse_arp_table(std::string_view table, std::string_view mac);

@@ -7,7 +7,9 @@
 
 #include "answer/answer.h"
 #include "handlers.h"
+#include "mesh/agent_topology.h"
 #include "mesh/client_scenarios.h"
+#include "mesh/client_sources.h"
 #include "mesh/topology_log.h"
 #include "platform/log.h"
 #include "platform/memory.h"

@@ -2,6 +2,7 @@
 #include "mesh/client_scenarios.h"
 
 #include "mesh/backhaul.h"
+#include "mesh/client_sources.h"
 
 namespace {
 

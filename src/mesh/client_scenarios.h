@@ -3,7 +3,7 @@
 
 #include <deque>
 
-#include "mesh/client_sources.h"
+#include "mesh/agent_topology.h"
 #include "mesh/client_table.h"
 #include "mesh/topology.h"
 

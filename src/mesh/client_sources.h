@@ -1,14 +1,13 @@
-// Where clients are seen: the ARP table, the Wi-Fi driver, the bridge, the mesh.
+// Where clients are seen: the ARP table, the Wi-Fi driver, the bridge.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "mesh/client_table.h"
-#include "mesh/topology.h"
 
 // "A.B.C.0/24" of an address; "192.168.0.0/24" (and a log line) for a text that is none.
 std::string get_network_subnet(std::string_view ip);
@@ -26,6 +25,7 @@ ClientTable collect_wifi_clients();
 
 // The bridge port of an interface, from its port_no file ("0x2" or "2"); nullopt without one.
 std::optional<int> get_interface_port(const char* ifname);
+
 // The ports that MACs were learned on, out of what `brctl showmacs` printed; of a MAC that stands there twice, the
 // first.
 class BridgePorts {
@@ -53,11 +53,3 @@ class WiredPorts {
   std::optional<int> eth2_;
   BridgePorts ports_;
 };
-
-// The agent's own view of the mesh: the devices it sees, and its legacy wired devices.
-struct AgentTopo {
-  std::vector<std::string> agents;  // MACs, at most 16
-  std::vector<std::string> legacy;  // MACs
-};
-AgentTopo parse_agent_topology(const DumpLines& dump);
-void print_agent_topology(const AgentTopo* topology);

@@ -62,6 +62,3 @@ std::optional<DumpLines> get_topology_dump();
 
 // 0 and the address that `arp` knows for the MAC, or 1.
 int arp_lookup_ip(std::string_view mac, std::string& ip);
-
-// What `arp -a` printed for a MAC: the second field of the first line that holds it in any case, brackets dropped.
-std::optional<std::string> parse_arp_table(std::string_view table, std::string_view mac);

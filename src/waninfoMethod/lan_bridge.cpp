@@ -8,7 +8,6 @@
 #include "uci_section.h"
 #include "unit/brand.h"
 #include "unit/operating_mode.h"
-#include "waninfoMethod/wan_config.h"
 #include "waninfoMethod/wan_modes.h"
 
 namespace {

@@ -12,8 +12,5 @@ unsigned int set_wanInfoConfig(const wanInfo* info);
 // Deletes what only the stored mode `mode` (of `length` bytes) needs. 0, or 1 ("Invalid parameter.") without a text.
 unsigned int delLastModePara(const char* mode, std::size_t length);
 
-// Gives the LAN its own address back when the unit leaves AP mode, and takes the WAN port out of the LAN bridge.
-void SetDhcpMode();
-
 // Runs "ip addr flush dev eth1".
 void flush_wan();

@@ -1,8 +1,8 @@
 // Any bytes as the lists that clients are found in: the driver's, the kernel's ARP table, `arp -a`, `brctl showmacs`.
 #include <algorithm>
 
+#include "mesh/arp_table.h"
 #include "mesh/client_sources.h"
-#include "mesh/topology.h"
 #include "require.h"
 
 namespace {

@@ -11,6 +11,8 @@
 #include <string_view>
 
 #include "mesh/agent_info.h"
+#include "mesh/agent_topology.h"
+#include "mesh/arp_table.h"
 #include "mesh/backhaul.h"
 #include "mesh/client_scenarios.h"
 #include "mesh/client_sources.h"

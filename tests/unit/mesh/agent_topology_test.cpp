@@ -1,4 +1,6 @@
 // The mesh as an agent sees it.
+#include "mesh/agent_topology.h"
+
 #include <array>
 #include <cstdio>
 #include <filesystem>

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "mesh/client_sources.h"
+#include "mesh/agent_topology.h"
 #include "mesh/star.h"
 #include "platform/file.h"
 

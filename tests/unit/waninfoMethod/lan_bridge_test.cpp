@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "uci_access.h"
-#include "waninfoMethod/wan_config.h"
 #include "wireless/package_text.h"
 #include "wireless/router_state.h"
 
