@@ -24,7 +24,6 @@ bool has_service() {
 
 json::ObjectText read_service() {
   constexpr std::size_t kVersionMax = 15;
-  constexpr std::size_t kLongestCharacter = 4;  // the one that the bound may stand in is seen whole
   if (!has_service()) return json::result_text(1);
   // While its script runs, the service is starting or stopping.
   const std::optional<int> scripts = read_count("ps | grep '/opt/sense/bin/sense_init.sh' | grep -v 'grep' | wc -l");
@@ -34,7 +33,8 @@ json::ObjectText read_service() {
   document.add("version", 1);
   if (!platform::file_exists(kVersionPath)) return document.add("enable", kNotInstalled);
   const std::optional<bool> disabled = stored_switch(kDisabled);
-  const std::optional<std::string> version = platform::read_file(kVersionPath, kVersionMax + kLongestCharacter);
+  const std::optional<std::string> version =
+      platform::read_file(kVersionPath, kVersionMax + platform::kLongestCharacter);
   if (!disabled || !version || version->empty()) return json::result_text(1);
   return document.add("enable", *disabled ? 0 : 1)
       .add("sense_ver", without_line_end(platform::cut_utf8(*version, kVersionMax)));

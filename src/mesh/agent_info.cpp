@@ -2,7 +2,6 @@
 #include "mesh/agent_info.h"
 
 #include <array>
-#include <cctype>
 #include <cstdio>
 
 #include "answer/answer.h"
@@ -26,25 +25,22 @@ struct Lease {
   std::string host_name;
 };
 
-std::string lower_case(std::string text) {
-  for (char& character : text) character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-  return text;
-}
-
 std::vector<Lease> parse_leases(std::string_view text) {
   std::vector<Lease> leases;
   for (const std::string& line : platform::split_lines(text, kLineSize)) {
     std::array<char, kMacLength + 1> mac{};
     std::array<char, kLineSize> host_name{};
     if (std::sscanf(line.c_str(), "%*s %17s %*s %1023s", mac.data(), host_name.data()) < 2) continue;
-    leases.push_back({lower_case(mac.data()), std::string(platform::cut_utf8(host_name.data(), kHostNameMax))});
+    leases.push_back(
+        {platform::lower_case(mac.data()), std::string(platform::cut_utf8(host_name.data(), kHostNameMax))});
   }
   return leases;
 }
 
 std::string model_of(const std::vector<Lease>& leases, const std::string& mac) {
+  const std::string wanted = platform::lower_case(mac);
   for (const Lease& lease : leases) {
-    if (lease.mac == lower_case(mac)) return lease.host_name;
+    if (lease.mac == wanted) return lease.host_name;
   }
   log_error("Hostname not found for MAC %s, set to MX-9P300KLD", mac.c_str());
   return kModel;

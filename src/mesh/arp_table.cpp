@@ -1,19 +1,12 @@
 // An index of the texts that have a MAC's form.
 #include "mesh/arp_table.h"
 
-#include <algorithm>
-#include <cctype>
 #include <utility>
 
 #include "mesh/topology.h"
 #include "platform/text.h"
 
 namespace {
-
-std::string lower_case(std::string text) {
-  for (char& character : text) character = static_cast<char>(std::tolower(static_cast<unsigned char>(character)));
-  return text;
-}
 
 // "xx:xx:xx:xx:xx:xx", whatever stands for x.
 bool has_form_of_mac(std::string_view text) {
@@ -32,7 +25,7 @@ std::string_view second_field(std::string_view line) {
 
 }  // namespace
 
-ArpTable::ArpTable(std::string text) : text_(std::move(text)), lower_case_(lower_case(text_)) {
+ArpTable::ArpTable(std::string text) : text_(std::move(text)), lower_case_(platform::lower_case(text_)) {
   const std::string_view whole = lower_case_;
   for (std::size_t colon = whole.find(':'); colon != std::string_view::npos; colon = whole.find(':', colon + 1)) {
     if (colon < 2) continue;
@@ -49,7 +42,7 @@ std::size_t ArpTable::position_of(std::string_view mac) const {
 
 std::optional<std::string> ArpTable::ip_of(std::string_view mac) const {
   if (mac.empty() || mac.find('\n') != std::string_view::npos) return std::nullopt;
-  const std::size_t position = position_of(lower_case(std::string(mac)));
+  const std::size_t position = position_of(platform::lower_case(mac));
   if (position == std::string::npos) return std::nullopt;
   const std::size_t begin = text_.rfind('\n', position) + 1;  // 0 behind npos
   const std::string_view line = std::string_view(text_).substr(begin, text_.find('\n', position) - begin);

@@ -4,6 +4,7 @@
 #include "platform/first_line.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 
 namespace {
@@ -53,7 +54,7 @@ int execute_cmd(const char* command, char* out, std::size_t out_size) {
     return 1;
   }
   const platform::ProcessResult result =
-      platform::run_shell(command, {.max_output = platform::kFirstLineBuffer + platform::kBeyondBound});
+      platform::run_shell(command, {.max_output = platform::kFirstLineBuffer + platform::kLongestCharacter});
   if (!result.started) {
     log_error("Fail to execute CMD\n");
     return 1;

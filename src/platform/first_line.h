@@ -11,7 +11,6 @@
 namespace platform {
 
 inline constexpr std::size_t kFirstLineBuffer = 256;  // longest line that the helpers look at, with its NUL
-inline constexpr std::size_t kBeyondBound = 4;  // what is read behind a bound, to see whether a character ends at it
 
 // As fgets would give it to a buffer of `size` bytes, without its line feed; nullopt for no output.
 inline std::optional<std::string> first_line(const std::string& output, std::size_t size) {

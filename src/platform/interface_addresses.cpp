@@ -1,11 +1,10 @@
 // Hardware addresses of network interfaces, and of what they are joined to.
-#include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <cstring>
 
 #include "platform/first_line.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 
 namespace {
@@ -15,7 +14,7 @@ constexpr std::size_t kMacTextLength = 17;
 // The MAC address text that the kernel keeps in `path`. False, and a message on standard error, when there is none.
 bool read_mac_file(const std::string& path, char* out) {
   const platform::ProcessResult result =
-      platform::run({"cat", path}, {.max_output = platform::kFirstLineBuffer + platform::kBeyondBound});
+      platform::run({"cat", path}, {.max_output = platform::kFirstLineBuffer + platform::kLongestCharacter});
   if (!result.started) {
     std::perror("popen failed");
     return false;
@@ -36,8 +35,8 @@ bool read_mac_file(const std::string& path, char* out) {
 }  // namespace
 
 std::string get_link_bssid(const char* ifname) {
-  const platform::ProcessResult result =
-      platform::run({"iw", "dev", ifname, "link"}, {.max_output = platform::kFirstLineBuffer + platform::kBeyondBound});
+  const platform::ProcessResult result = platform::run(
+      {"iw", "dev", ifname, "link"}, {.max_output = platform::kFirstLineBuffer + platform::kLongestCharacter});
   if (!result.started) {
     std::perror("popen failed");
     return "0000000000";
@@ -50,10 +49,8 @@ std::string get_link_bssid(const char* ifname) {
   const std::size_t blank = rest.find(' ');
   const std::size_t end = blank != std::string_view::npos ? blank : rest.find('(');
   if (end == std::string_view::npos || end < kMacTextLength) return "";
-  std::string bssid(rest.substr(0, kMacTextLength));
-  bssid.resize(std::min(bssid.find_first_of(" ("), bssid.size()));
-  for (char& digit : bssid) digit = static_cast<char>(std::toupper(static_cast<unsigned char>(digit)));
-  return bssid;
+  const std::string_view bssid = rest.substr(0, kMacTextLength);
+  return platform::upper_case(bssid.substr(0, bssid.find_first_of(" (")));
 }
 
 int get_interface_macaddr(const char* ifname, char* out) {

@@ -6,11 +6,10 @@
 namespace platform {
 
 bool LineReader::next(std::string& line) {
-  constexpr std::size_t kBeyond = 4;  // so many bytes of the next piece show whether a character ends before it
   line = std::exchange(rest_, {});
   if (!file_) return false;
   int byte = 0;
-  while (line.size() < max_bytes_ + kBeyond && (byte = getc_unlocked(file_.get())) != EOF && byte != '\n') {
+  while (line.size() < max_bytes_ + kLongestCharacter && (byte = getc_unlocked(file_.get())) != EOF && byte != '\n') {
     line += static_cast<char>(byte);
   }
   if (byte == EOF && line.empty()) return false;

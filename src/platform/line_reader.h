@@ -13,7 +13,7 @@ namespace platform {
 // Gives lines without their line feed. One of more than `max_bytes` bytes comes in pieces of whole characters.
 class LineReader {
  public:
-  // `file` may be null: then there are no lines. `max_bytes` is 4 or more: the longest character.
+  // `file` may be null: then there are no lines. `max_bytes` is kLongestCharacter (platform/text.h) or more.
   LineReader(FilePtr file, std::size_t max_bytes) : file_(std::move(file)), max_bytes_(max_bytes) {}
 
   // Puts the next line, or piece of one, into `line`. False at the end of the file, or when it cannot be read.

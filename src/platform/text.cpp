@@ -108,6 +108,22 @@ std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
   return lines;
 }
 
+std::string lower_case(std::string_view text) {
+  std::string lower(text);
+  for (char& letter : lower) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return lower;
+}
+
+std::string upper_case(std::string_view text) {
+  std::string upper(text);
+  for (char& letter : upper) {
+    if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
+  }
+  return upper;
+}
+
 void append_sparingly(std::string& text, std::string_view more) {
   constexpr std::size_t kLong = std::size_t{128} * 1024;
   const std::size_t needed = text.size() + more.size();
@@ -122,7 +138,6 @@ void append_sparingly(std::string& text, std::string_view more) {
 }
 
 std::string_view cut_utf8(std::string_view text, std::size_t max_bytes) {
-  constexpr std::size_t kLongestCharacter = 4;
   if (text.size() <= max_bytes) return text;
   for (std::size_t back = 1; back < kLongestCharacter && back <= max_bytes; ++back) {
     const std::size_t begin = max_bytes - back;

@@ -33,12 +33,21 @@ std::vector<std::string> split_lines(std::string_view text, std::size_t size = 0
 // The same, one at a time, for texts that may be long.
 void for_each_line(std::string_view text, std::size_t size, const std::function<void(const std::string&)>& visit);
 
+// --- Letters.
+
+// A to Z become a to z, and the other way round. No locale has a say.
+std::string lower_case(std::string_view text);
+std::string upper_case(std::string_view text);
+
 // --- Long texts.
 
 // Appends. A text grows to twice its size at a time, a long one by an eighth: what it might become is memory, too.
 void append_sparingly(std::string& text, std::string_view more);
 
 // --- Bounds and contents.
+
+// Of UTF-8, in bytes. Who reads as many behind a bound sees whether the bound stands inside a character.
+inline constexpr std::size_t kLongestCharacter = 4;
 
 // `text` cut to at most `max_bytes`, never inside a UTF-8 character: one that does not fit whole is left out. Bytes
 // that are no UTF-8 are cut anywhere.

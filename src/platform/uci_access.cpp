@@ -20,8 +20,8 @@ namespace {
 constexpr unsigned int kSuccess = 0;
 constexpr unsigned int kFailure = 1;
 
-// What must be read behind a bound to see whether it stands inside a UTF-8 character.
-constexpr std::size_t kRestOfCharacter = 3;
+// What of a character can stand behind a bound that it begins before.
+constexpr std::size_t kRestOfCharacter = platform::kLongestCharacter - 1;
 
 const char* text_or_empty(const char* text) { return text == nullptr ? "" : text; }
 

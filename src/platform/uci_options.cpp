@@ -2,6 +2,7 @@
 #include "platform/first_line.h"
 #include "platform/log.h"
 #include "platform/process.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 
 namespace {
@@ -21,7 +22,7 @@ int get_uci_option_value(const char* package, const char* section, const char* o
   }
   const std::string address = option_address(package, section, option);
   const platform::ProcessResult result =
-      platform::run({"uci", "get", address}, {.max_output = kValueBuffer + platform::kBeyondBound});
+      platform::run({"uci", "get", address}, {.max_output = kValueBuffer + platform::kLongestCharacter});
   if (!result.started) {
     log_debug("uci get faill!\n");
     return -1;

@@ -121,6 +121,14 @@ TEST(Behind, IsWhatFollowsTheFirstMark) {
   EXPECT_FALSE(platform::holds("ke", "key"));
 }
 
+TEST(LowerCase, TurnsLettersOfAsciiAlone) {
+  EXPECT_EQ(platform::lower_case("AbZz09:@[`{"), "abzz09:@[`{");
+  EXPECT_EQ(platform::upper_case("AbZz09:@[`{"), "ABZZ09:@[`{");
+  EXPECT_EQ(platform::lower_case("\xC3\x84\xFF"), "\xC3\x84\xFF");
+  EXPECT_EQ(platform::upper_case(std::string_view("\0\xE4", 2)), std::string_view("\0\xE4", 2));
+  EXPECT_EQ(platform::lower_case(""), "");
+}
+
 TEST(TrimStart, DropsWhatTheTextBeginsWith) {
   EXPECT_EQ(platform::trim_start(" \t a b "), "a b ");
   EXPECT_EQ(platform::trim_start("\ta", " "), "\ta");
