@@ -1,10 +1,12 @@
-// The interfaces of the repeater, band by band. The names are fixed: other daemons of the platform know them.
+// The interfaces of a repeater, band by band.
 #pragma once
 
 #include <array>
 #include <cstddef>
 #include <span>
 #include <string_view>
+
+#include "domain/interface_plan.h"
 
 struct Band {
   const char* name;     // as repeater.repeater_band.repeater_select_band tells it
@@ -21,9 +23,9 @@ inline constexpr std::size_t k6g = 2;
 inline constexpr std::size_t kBandCount = 3;
 
 inline constexpr std::array<Band, kBandCount> kBands{{
-    {"2.4GHz", "wifi0", "ath02", "ath03", "ath05", "mld4"},
-    {"5GHz", "wifi1", "ath12", "ath13", "ath15", "mld5"},
-    {"6GHz", "wifi2", "ath22", "ath23", "ath25", "mld6"},
+    {"2.4GHz", kRadios[k24g].section, kBackhaulSsids[k24g], kStations[k24g], kMloLinks[k24g], "mld4"},
+    {"5GHz", kRadios[k5g].section, kBackhaulSsids[k5g], kStations[k5g], kMloLinks[k5g], "mld5"},
+    {"6GHz", kRadios[k6g].section, kBackhaulSsids[k6g], kStations[k6g], kMloLinks[k6g], "mld6"},
 }};
 
 inline constexpr std::array<std::size_t, kBandCount> kEveryBand{k24g, k5g, k6g};
