@@ -2,6 +2,8 @@
 #include "answer/json_reading.h"
 
 #include <cmath>
+#include <cstring>
+#include <new>
 
 #include <json-c/json.h>
 
@@ -40,6 +42,14 @@ std::optional<int> number_of(json_object* value) {
 bool is_scalar(json_object* value) {
   const json_type type = json_object_get_type(value);
   return type == json_type_boolean || type == json_type_int || type == json_type_double || type == json_type_string;
+}
+
+// Of two readings of one text. Not a number is not equal to itself: then their texts tell.
+bool is_same(json_object* first, json_object* second) {
+  if (json_object_equal(first, second) != 0) return true;
+  const char* const first_text = json_object_to_json_string(first);
+  const char* const second_text = json_object_to_json_string(second);
+  return first_text != nullptr && second_text != nullptr && std::strcmp(first_text, second_text) == 0;
 }
 
 }  // namespace
@@ -85,6 +95,11 @@ bool List::holds_objects_alone() const {
 void Document::Put::operator()(json_object* value) const noexcept { json_object_put(value); }
 
 Document::Document(const char* text) : value_(text == nullptr ? nullptr : json_tokener_parse(text)) {
+  constexpr std::size_t kReadTwice = 65536;  // the second takes as much memory as the first: more would be much
+  if (value_ && std::strlen(text) <= kReadTwice) {
+    const Value again(json_tokener_parse(text));
+    if (!is_same(value_.get(), again.get())) throw std::bad_alloc();
+  }
   root_ = Object(value_.get());
 }
 

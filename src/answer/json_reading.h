@@ -85,6 +85,8 @@ class List {
 class Document {
  public:
   // The value that `text` begins with, as json_tokener_parse reads it; none when it is no object, or `text` is nullptr.
+  // Throws std::bad_alloc where memory ends: json-c goes on without the members that it finds none for, so that a text
+  // of up to 64 KiB is read twice, and counts only when both readings are the same.
   explicit Document(const char* text);
 
   explicit operator bool() const { return static_cast<bool>(root()); }
@@ -98,7 +100,8 @@ class Document {
   struct Put {
     void operator()(json_object* value) const noexcept;
   };
-  std::unique_ptr<json_object, Put> value_;
+  using Value = std::unique_ptr<json_object, Put>;
+  Value value_;
   Object root_;
 };
 

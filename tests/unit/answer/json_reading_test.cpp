@@ -2,12 +2,46 @@
 #include "answer/json_reading.h"
 
 #include <climits>
+#include <new>
 
 #include <gtest/gtest.h>
+#include <json-c/json.h>
+
+namespace {
+
+int reading_without_room = 0;  // the reading of a text, from 1, that finds no memory for the member "a"
+int readings = 0;
+
+}  // namespace
+
+extern "C" {
+json_object* __real_json_tokener_parse(const char* text);
+json_object* __wrap_json_tokener_parse(const char* text);
+
+json_object* __wrap_json_tokener_parse(const char* text) {
+  json_object* value = __real_json_tokener_parse(text);
+  if (++readings == reading_without_room) json_object_object_del(value, "a");
+  return value;
+}
+}
 
 namespace {
 
 using json::Document;
+
+TEST(Document, OfWhichAMemberFoundNoMemoryIsNone) {
+  for (const int reading : {1, 2}) {
+    reading_without_room = reading;
+    readings = 0;
+    EXPECT_THROW(Document(R"({"a": 1, "b": [2]})"), std::bad_alloc) << reading;
+  }
+  reading_without_room = 0;
+}
+
+TEST(Document, OfWhatIsNotEqualToItselfIsOne) {
+  const Document document(R"({"n": NaN, "b": 2})");
+  EXPECT_EQ(document->number("b"), 2);
+}
 
 TEST(Document, IsAnObjectOrNone) {
   EXPECT_TRUE(Document(R"({"a": 1})"));
