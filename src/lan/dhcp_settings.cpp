@@ -47,8 +47,14 @@ bool disable_dhcp() {
   return true;
 }
 
-void delete_hosts(int count) {
-  for (int index = 0; index < count; ++index) os_system("uci del dhcp.@host[0]");
+// A host that stays would be taken for the first of the new ones.
+bool delete_hosts(int count) {
+  for (int index = 0; index < count; ++index) {
+    if (os_system("uci del dhcp.@host[0]") == 1) continue;
+    log_error("fail to delete dhcp.host by uci\n");
+    return false;
+  }
+  return true;
 }
 
 struct HostOption {
@@ -78,7 +84,7 @@ bool add_host(const FixedHost& host, int index, const std::string& lease) {
 }
 
 bool replace_hosts(const DhcpSettings& settings, const std::string& lease) {
-  delete_hosts(get_num_fix_ip());
+  if (!delete_hosts(get_num_fix_ip())) return false;
   if (settings.hosts.empty()) return true;
   os_system("uci commit dhcp");
   int index = 0;

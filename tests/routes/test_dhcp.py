@@ -324,6 +324,14 @@ def test_with_a_dead_uci_tool_a_new_host_is_result_2(dhcp):
     assert dhcp.logged("fail to set dhcp.host.ip by uci api", priority=3)
 
 
+def test_a_host_that_cannot_be_deleted_ends_the_change(dhcp):
+    dhcp.tool("uci", "show", "dhcp", out="dhcp.@host[0]=host\ndhcp.@host[1]=host\n")
+    dhcp.tool("uci", "del", exit=1)
+    assert dhcp.post(URI, settings(**hosts(1))).json == FAILED
+    assert dhcp.commands() == ["uci show dhcp", "uci del dhcp.@host[0]"]
+    assert dhcp.logged("fail to delete dhcp.host by uci", priority=3)
+
+
 @pytest.mark.parametrize("tool", [{"exit": 1}, {"missing": True}], ids=["fails", "missing"])
 @pytest.mark.parametrize("enable", [0, 1])
 def test_a_dead_dhcp_server_changes_no_answer(dhcp, enable, tool):
