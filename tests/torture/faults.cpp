@@ -49,9 +49,17 @@ Function next(const char* name) {
   static decltype(&::function) real = nullptr; \
   if (real == nullptr) real = next<decltype(&::function)>(#function)
 
+// json-c does not look whether a copy of a name found memory, and would end the program (docs/reliability.md).
+[[gnu::tls_model("initial-exec")]] thread_local bool json_c_copies = false;
+
+bool is_json_c(const void* caller) {
+  Dl_info place{};
+  return dladdr(caller, &place) != 0 && std::strstr(place.dli_fname, "/libjson-c.so") != nullptr;
+}
+
 // Whether this call is to fail. The program may end here instead.
 bool fails(Kind kind, int error) {
-  if (control == nullptr || only_versions || control->armed.load() == 0) return false;
+  if (control == nullptr || only_versions || json_c_copies || control->armed.load() == 0) return false;
   control->counts[kind].fetch_add(1);
   const int wanted = control->kind.load();
   if (wanted != kind && (wanted != kAny || kind == kMemory)) return false;
@@ -193,6 +201,14 @@ void __assert_fail(const char* assertion, const char* file, unsigned int line, c
 void* malloc(size_t size) {
   REAL(malloc);
   return fails(kMemory, ENOMEM) ? nullptr : real(size);
+}
+
+char* strdup(const char* text) {
+  REAL(strdup);
+  json_c_copies = is_json_c(__builtin_return_address(0));
+  char* const copy = real(text);
+  json_c_copies = false;
+  return copy;
 }
 
 void* calloc(size_t count, size_t size) {
