@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <ranges>
 #include <utility>
 
 #include "domain/mesh_codes.h"
@@ -162,7 +161,7 @@ void BackhaulReader::sort_by_first_word(std::vector<std::uint32_t>& numbers) con
   rows.reserve(numbers.size());
   for (const std::uint32_t number : numbers) rows.emplace_back(first_word(index_.lines()[number]), number);
   std::ranges::sort(rows);  // numbers of the same word stay in their order
-  std::ranges::copy(rows | std::views::values, numbers.begin());
+  std::ranges::transform(rows, numbers.begin(), [](const auto& row) { return row.second; });
 }
 
 std::vector<int> BackhaulReader::indices_of(const BridgeTable& table, std::string_view text) const {
