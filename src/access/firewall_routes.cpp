@@ -26,8 +26,8 @@ int answer_switches(FCGX_Request* request, const SwitchOption& first, const Swit
   if (!second_value) return answer(request, answers::kUnusable);
   const std::optional<bool> first_value = stored_switch(first);
   if (!first_value) return answer(request, answers::kUnusable);
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add(first.key, int{*first_value}).add(second.key, int{*second_value});
+  json::ObjectText document = json::success_text();
+  document.add(first.key, int{*first_value}).add(second.key, int{*second_value});
   return answer(request, std::move(document));
 }
 

@@ -127,8 +127,8 @@ int handle_get_mac_filter(FCGX_Request* request) {
     log_error("Failed to parse mac filter table");
     return refuse(request);
   }
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("macFilterStatus", status).add("numOfmacFilterTable", count);
+  json::ObjectText document = json::success_text();
+  document.add("macFilterStatus", status).add("numOfmacFilterTable", count);
   document.add("max", mac_filter::kTableMax).add("macFilterTable", std::move(table));
   return answer(request, std::move(document));
 }

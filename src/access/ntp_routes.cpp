@@ -59,8 +59,8 @@ int handle_get_ntp_server(FCGX_Request* request) {
     log_error("Fail to get system.ntp.server value by uci api");
     return answer(request, answers::kUnusable);
   }
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("enable", std::atoi(enabled->c_str()));
+  json::ObjectText document = json::success_text();
+  document.add("enable", std::atoi(enabled->c_str()));
   document.add("server", servers->empty() ? std::string() : servers->front());
   return answer(request, std::move(document));
 }

@@ -178,8 +178,8 @@ int handle_get_parental_control_info(FCGX_Request* request) {
   const int is_on = std::atoi(enable->c_str());
   std::optional<json::ListText> entries = is_on == 1 ? read_entries() : json::ListText();
   if (!entries) return answer(request, json::result_text(2));
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("enable", is_on).add("parentalControls", *std::move(entries));
+  json::ObjectText document = json::success_text();
+  document.add("enable", is_on).add("parentalControls", *std::move(entries));
   return answer(request, std::move(document));
 }
 

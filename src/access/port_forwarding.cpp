@@ -146,8 +146,8 @@ int handle_get_portopen_json(FCGX_Request* request) {
   uci::release();  // the rules are read through commands
   json::ListText rules;
   for (int index = 0; index < *count; ++index) rules.add(read_rule(index));
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("portOpenSettings", std::move(rules));
+  json::ObjectText document = json::success_text();
+  document.add("portOpenSettings", std::move(rules));
   return answer(request, std::move(document));
 }
 

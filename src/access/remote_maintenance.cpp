@@ -29,8 +29,8 @@ json::ObjectText read_state() {
   if (*running != 0) return json::result_text(2);
   const std::optional<bool> enable = stored_switch(kUpdates);
   if (!enable) return json::result_text(1);
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add(kUpdates.key, int{*enable});
+  json::ObjectText document = json::success_text();
+  document.add(kUpdates.key, int{*enable});
   if (!brand->shows_maintenance_details) return document;
   const auto detail = uci::Section(kDetails.package, kDetails.section).read(kDetails.option, kNumberSize);
   if (!detail) return json::result_text(1);

@@ -29,8 +29,7 @@ json::ObjectText read_service() {
   const std::optional<int> scripts = read_count("ps | grep '/opt/sense/bin/sense_init.sh' | grep -v 'grep' | wc -l");
   if (!scripts) return json::result_text(1);
   if (*scripts != 0) return json::result_text(2);
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1);
+  json::ObjectText document = json::success_text();
   if (!platform::file_exists(kVersionPath)) return document.add("enable", kNotInstalled);
   const std::optional<bool> disabled = stored_switch(kDisabled);
   const std::optional<std::string> version =

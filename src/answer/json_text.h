@@ -64,10 +64,17 @@ class ListText {
   std::size_t begin_ = 0;  // what stands before it is an object's
 };
 
-// {"result": N}: what most answers begin with, and all that one tells of a reading that failed.
+// {"result": N}: all that an answer tells of a reading that failed.
 inline ObjectText result_text(int result) {
   ObjectText document;
   document.add("result", result);
+  return document;
+}
+
+// {"result": 0, "version": 1}: what an answer to a reading begins with.
+inline ObjectText success_text() {
+  ObjectText document = result_text(0);
+  document.add("version", 1);
   return document;
 }
 

@@ -70,7 +70,7 @@ int handle_get_dhcp_client(FCGX_Request* request) {
     list.add(std::move(entry));
     ++count;
   });
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("clientCount", count).add("clientList", std::move(list));
+  json::ObjectText document = json::success_text();
+  document.add("clientCount", count).add("clientList", std::move(list));
   return answer(request, std::move(document));
 }

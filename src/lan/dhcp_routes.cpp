@@ -80,8 +80,8 @@ int handle_get_dhcp_config(FCGX_Request* request) {
     log_error("fun:%s,line:%d, get dhcp param error.\n", __func__, __LINE__);
     return answer(request, json::result_text(2));
   }
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("enable", settings.enable).add("leaseTime", settings.lease_time);
+  json::ObjectText document = json::success_text();
+  document.add("enable", settings.enable).add("leaseTime", settings.lease_time);
   document.add("startAddress", settings.start_address).add("endAddress", settings.end_address);
   document.add("fixedIpCount", static_cast<int>(settings.hosts.size()));
   document.add("fixedIpAllocation", build_hosts(settings));

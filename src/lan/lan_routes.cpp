@@ -80,8 +80,8 @@ std::string_view apply_lan_network(const json::Object& asked, const unit::Operat
 }
 
 json::ObjectText build_lan_document(const LanSettings& settings, bool is_client) {
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("lanMacAddress", settings.mac_address);
+  json::ObjectText document = json::success_text();
+  document.add("lanMacAddress", settings.mac_address);
   document.add("globalIpProtectionEnable", settings.global_ip_protection).add("dhcpv4Enable", settings.dhcp_client);
   document.add("lanIpv4Address", settings.ipv4_address).add("lanIpv4SubMask", settings.ipv4_mask);
   if (is_client) {

@@ -124,8 +124,8 @@ int handle_get_mesh_agent_info(FCGX_Request* request) {
     answer_plain(request, answers::kUnusable);
     return 1;
   }
-  json::ObjectText document = json::result_text(0);
-  const std::string text = document.add("version", 1).add("agentInfo", std::move(agents)).text();
+  json::ObjectText document = json::success_text();
+  const std::string text = document.add("agentInfo", std::move(agents)).text();
   topo_log_document("handle_get_mesh_agent_info", text);
   return answer(request, text);
 }

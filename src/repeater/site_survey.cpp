@@ -63,7 +63,7 @@ int handle_get_sitesurvey(FCGX_Request* request) {
   for (std::size_t band = 0; band < kScanBandCount; ++band) {
     if (scan_single_interface(band, list) != 0) return answer(request, answers::kUnusable);
   }
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("waitTime", 0).add("wifiApList", std::move(list));
+  json::ObjectText document = json::success_text();
+  document.add("waitTime", 0).add("wifiApList", std::move(list));
   return answer(request, std::move(document));
 }

@@ -73,8 +73,7 @@ std::optional<int> read_connect_result() {
 int handle_get_repeaterconnect_json(FCGX_Request* request) { return answer(request, build_connect_report()); }
 
 int handle_get_repeaterwifiresult_json(FCGX_Request* request) {
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1);
+  json::ObjectText document = json::success_text();
   if (const std::optional<int> result = read_connect_result()) document.add("wifiConnectResult", *result);
   uci_commit("wireless");
   return answer(request, std::move(document));

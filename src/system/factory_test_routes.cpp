@@ -32,8 +32,8 @@ int handle_test_switch(FCGX_Request* request, const char* body) {
   get_switch_state(state);
   if (state == -1) return answer(request, answers::kUnusable);
 
-  json::ObjectText result = json::result_text(0);
-  result.add("version", 1).add("position", position);
+  json::ObjectText result = json::success_text();
+  result.add("position", position);
   result.add("switchTestResult", state + kFirstPosition == position ? 1 : 0);
   return answer(request, std::move(result));
 }

@@ -117,7 +117,7 @@ int handle_automatic_upgrade(FCGX_Request* request, const char* body) {
     platform::remove_file(kFirmwarePath);
     return answer(request, answers::refused(result));
   }
-  answer(request, json::result_text(0).add("version", 1).add("waitTime", 300));
+  answer(request, json::success_text().add("waitTime", 300));
   update.begin();
   return 0;
 }

@@ -90,8 +90,8 @@ int handle_get_reboot_schedule(FCGX_Request* request) {
     if (!stored) return answer_plain(request, json::result_text(1));
     schedule = *stored;
   }
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("rebootSchduleStatus", schedule.status);
+  json::ObjectText document = json::success_text();
+  document.add("rebootSchduleStatus", schedule.status);
   document.add("rebootDayOfWeek", schedule.day_of_week).add("rebootTime", schedule.time);
   return answer_plain(request, std::move(document));
 }

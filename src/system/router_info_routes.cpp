@@ -38,18 +38,12 @@ json::ObjectText build_info(const RouterInfo& info) {
   return object;
 }
 
-json::ObjectText success_document() {
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1);
-  return document;
-}
-
 }  // namespace
 
 int handle_routerInfo_get(FCGX_Request* request) {
   RouterInfo info;
   get_routerInfo_list(info);
-  return answer(request, success_document().add("routerInfo", build_info(info)));
+  return answer(request, json::success_text().add("routerInfo", build_info(info)));
 }
 
 // Every key is optional. A router without a host name could not tell its model any more.
@@ -79,5 +73,5 @@ int handle_get_device_info(FCGX_Request* request) {
   const std::string id = unit::device_id_line();
   const brands::Brand& brand = brands::of_whole_id(id);
   if (!brands::is_known(brand) || model != brand.product) return answer_plain(request, json::result_text(1));
-  return answer_plain(request, success_document().add("productId", id).add("model", model));
+  return answer_plain(request, json::success_text().add("productId", id).add("model", model));
 }

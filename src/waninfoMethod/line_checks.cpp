@@ -135,8 +135,8 @@ int handle_get_pppoe_response(FCGX_Request* request) {
     const int verdict = GetPPPoeChkResult();
     response = verdict == 0 || verdict == -1 ? kNoServer : kServerFound;
   }
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("response", response);
+  json::ObjectText document = json::success_text();
+  document.add("response", response);
   return answer(request, std::move(document));
 }
 

@@ -236,7 +236,7 @@ int handle_get_wanInfo_json(FCGX_Request* request) {
   json::ObjectText config;
   add_connection(config, state);
   if (!state.has_wan_addresses() || add_addresses(config, state)) add_switches(config, state.mode);
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1).add("wanConfig", std::move(config));
+  json::ObjectText document = json::success_text();
+  document.add("wanConfig", std::move(config));
   return answer(request, std::move(document));
 }

@@ -64,8 +64,7 @@ std::optional<std::array<Operating, kBands>> read_operating() {
 
 // An agent that has not joined its mesh yet has no operating channels: `bands` is empty then.
 json::ObjectText build_repeater_channels(int connect_band, const std::optional<std::array<Operating, kBands>>& bands) {
-  json::ObjectText root = json::result_text(0);
-  root.add("version", 1);
+  json::ObjectText root = json::success_text();
   root.add("connectBand", connect_band);
   for (std::size_t band = 0; band < kBands; ++band) {
     if (bands) {
@@ -105,8 +104,7 @@ std::optional<json::ObjectText> read_repeater_channels() {
 int handle_get_wireless_channel(FCGX_Request* request) {
   json::ListText bands;
   for (int band = 0; band < kBands; ++band) bands.add(read_band(band));
-  json::ObjectText root = json::result_text(0);
-  root.add("version", 1);
+  json::ObjectText root = json::success_text();
   root.add("wirelessChannel", std::move(bands));
   return answer(request, std::move(root));
 }

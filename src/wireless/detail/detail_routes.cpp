@@ -87,8 +87,7 @@ std::optional<WlanDetailInfo> read_settings(const json::Object& asked) {
 }
 
 json::ObjectText build_document(const WlanDetailInfo& info) {
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1);
+  json::ObjectText document = json::success_text();
   for (const Key& key : kKeys) document.add(key.name, info.*key.field);
   return document;
 }

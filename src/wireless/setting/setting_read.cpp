@@ -121,8 +121,7 @@ bool add_switches(json::ObjectText& root, int& mlo, int& mesh) {
 
 // The whole document, or nullopt after a failure that leaves nothing to show.
 std::optional<json::ObjectText> read_wireless_setting() {
-  json::ObjectText root = json::result_text(0);
-  root.add("version", 1);
+  json::ObjectText root = json::success_text();
   int mlo = 0;
   int mesh = 0;
   if (!add_switches(root, mlo, mesh)) return std::nullopt;

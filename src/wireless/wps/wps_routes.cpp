@@ -31,8 +31,7 @@ int handle_get_wpsstatus(FCGX_Request* request) {
   int status = 0;
   const int read = getWpsStatus(status);
   if (read != 0) log_debug("get wpsStatus fail!");
-  json::ObjectText document = json::result_text(0);
-  document.add("version", 1);
+  json::ObjectText document = json::success_text();
   document.add("status", status);
   answer(request, std::move(document));
   return read == 0 ? 0 : 1;

@@ -90,4 +90,8 @@ TEST(Pretty, IsWhatJsonCWrites) {
 
 TEST(ResultText, HoldsTheResultAlone) { EXPECT_EQ(json::result_text(2).text(), R"({ "result": 2 })"); }
 
+TEST(SuccessText, GoesOnWithWhatIsTold) {
+  EXPECT_EQ(json::success_text().add("enable", 1).text(), R"({ "result": 0, "version": 1, "enable": 1 })");
+}
+
 }  // namespace
