@@ -81,7 +81,7 @@ void add_satellites(json::ObjectText& document, const ClientTable& clients) {
 json::ObjectText build_document(const unit::MeshPart& mesh, const ClientTable& clients) {
   constexpr std::size_t kEntrySize = 96;  // the longest: an own text of 17 bytes in a MAC's place apart
   json::ObjectText document = json::result_text(0);
-  document.reserve((clients.rows().size() + 2 * kMostSatellites) * kEntrySize);
+  document.reserve((clients.rows().size() + std::size_t{2} * kMostSatellites) * kEntrySize);
   document.add("numOfClient", static_cast<int>(clients.rows().size()));
   document.add_list("clientList", [&](json::ListText& list) {
     for (const ClientRecord& row : clients.rows()) {

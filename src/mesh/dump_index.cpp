@@ -88,7 +88,7 @@ void DumpIndex::add_interface_row(std::size_t number, std::string_view line) {
   row.medium = medium.data();
   row.mac = mac.data();
   rows_of_index_[row.index].push_back(interfaces_.size());
-  interfaces_.push_back(std::move(row));
+  interfaces_.push_back(row);
 }
 
 std::optional<std::size_t> DumpIndex::header_of(std::string_view mac) const {
