@@ -31,6 +31,19 @@ def test_the_wait_depends_on_brand_flag_and_button(router, brand, wait, flag, bu
     router.wait_for_call("reboot")
 
 
+def test_the_answer_comes_before_the_reboot(router):
+    gate = router.root.path("/tmp/gate")
+    os.mkfifo(gate)
+    held = os.open(gate, os.O_RDWR)
+    router.remove("/router/bin/reboot")
+    router.write("/router/bin/reboot", "#!/bin/sh\ncat /tmp/gate\n: >/tmp/rebooted\n", 0o755)
+    assert router.post(REBOOT, {"timeTillReboot": 0}).json["result"] == 0
+    assert not router.exists("/tmp/rebooted")
+    gate.unlink()  # who comes late finds no gate
+    os.close(held)
+    router.wait_until(lambda: router.exists("/tmp/rebooted"), "the reboot")
+
+
 @pytest.mark.parametrize("seconds", [1, 60, 3600])
 def test_a_delay_arms_a_timer_and_reboots_once_it_is_over(router, seconds):
     assert router.post(REBOOT, {"timeTillReboot": seconds}).json["result"] == 0
