@@ -94,7 +94,7 @@ bool read_own_values(WlanDetailInfo& info) {
 // A missing power is 100 percent for 6 GHz and a failure for the others: kept as it is.
 bool read_powers(WlanDetailInfo& info) {
   int* const powers[] = {&info.power_2g, &info.power_5g, &info.power_6g};
-  for (std::size_t band = 0; band < kMainSsids.size(); ++band) {
+  for (std::size_t band = 0; band < std::size(kBandNames); ++band) {
     const auto tx_power_dbm = read_number(kMainSsids[band], "txpower");
     if (tx_power_dbm) {
       switch_tx_power_to_percent(kBandNames[band], *tx_power_dbm, *powers[band]);
