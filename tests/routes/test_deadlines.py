@@ -78,14 +78,16 @@ def test_a_jose_that_never_stops_printing_is_a_decrypt_error(router):
 
 
 def test_work_that_outlives_its_request_has_no_limit(router):
-    os.mkfifo(router.root.path("/tmp/gate"))
+    gate = router.root.path("/tmp/gate")
+    os.mkfifo(gate)
+    held = os.open(gate, os.O_RDWR)
     router.remove("/etc/init.d/firewall")
     router.write("/etc/init.d/firewall", "#!/bin/sh\n" + SAY_THAT_IT_HANGS + "cat /tmp/gate\n: >/tmp/restarted\n", 0o755)
     assert router.post("/api/v1/security/protect", {"dosEnable": 1, "spiEnable": 1}).json["result"] == 0
     router.wait_until(lambda: os.listdir(router.root.path("/router/hanging")), "the hanging tool")
     router.get(LAN)
-    with open(router.root.path("/tmp/gate"), "w"):
-        pass
+    gate.unlink()
+    os.close(held)
     router.wait_until(lambda: router.exists("/tmp/restarted"))
 
 
