@@ -6,6 +6,7 @@
 #include <span>
 
 #include "answer/json_text.h"
+#include "platform/log.h"
 
 namespace mac_filter {
 
@@ -28,8 +29,8 @@ inline constexpr std::array<const char*, 3> kWpsInterfaces{"ath0", "ath1", "ath2
 
 // The interfaces that are filtered: all, or in a mesh the first twelve.
 std::span<const char* const> filtered_interfaces(bool is_mesh);
-// button_mesh.easymesh.enable is exactly "1"; an unreadable one counts as off and is logged.
-bool is_mesh_on();
+// button_mesh.easymesh.enable is exactly "1"; an unreadable one counts as off and is logged for the caller.
+bool is_mesh_on(platform::LogPlace place = platform::LogPlace::here());
 
 }  // namespace mac_filter
 

@@ -22,12 +22,15 @@ constexpr int kDecimal = 10;
 constexpr std::size_t kDescriptionMax = 255;  // bytes; each one is stored fifteen times
 
 // The stored push-button flags of the two main SSIDs with WPS.
+constexpr const char* kSetHandler = "handle_set_mac_filter";
+
 struct Pbc {
   unsigned long ath0 = 0;
   unsigned long ath1 = 0;
 };
 
-unsigned long read_pbc(const char* ifname, const char* failure, platform::LogPlace place = platform::LogPlace::here()) {
+unsigned long read_pbc(const char* ifname, const char* failure,
+                       platform::LogPlace place = platform::LogPlace::here(kSetHandler)) {
   const auto pbc = uci::Section("wireless", ifname).read("wps_pbc", kPbcSize);
   if (!pbc) log_error_at(place, "%s", failure);
   return pbc ? std::strtoul(pbc->c_str(), nullptr, kDecimal) : 0;
@@ -40,14 +43,14 @@ int refuse(FCGX_Request* request) {
 }
 
 // Logs, and is false.
-bool fail(const char* message, platform::LogPlace place = platform::LogPlace::here()) {
+bool fail(const char* message, platform::LogPlace place = platform::LogPlace::here(kSetHandler)) {
   log_error_at(place, "%s", message);
   return false;
 }
 
 void set_enable(const char* value) {
   if (!uci::Section("macfilter", "macfilter").set("enable", value)) {
-    log_error("Failed to set macfilter enable %s", value);
+    log_error_as(kSetHandler, "Failed to set macfilter enable %s", value);
   }
 }
 

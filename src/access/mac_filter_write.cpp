@@ -16,10 +16,10 @@ constexpr const char* kCommit = "uci commit macfilter";
 
 // One `uci` command with a value in it. False when it could not be started; its exit status counts for nothing: what
 // is to be deleted may not be there.
-bool run_uci(const char* action, const std::string& address, int* exit_status = nullptr) {
+bool run_uci(const char* action, const std::string& address, platform::LogPlace place, int* exit_status = nullptr) {
   const platform::ProcessResult result = platform::run({"uci", action, address}, {.capture_output = false});
   if (exit_status != nullptr) *exit_status = result.exit_status();
-  if (!result.started) log_error("system error");
+  if (!result.started) log_error_at(place, "system error");
   return result.started;
 }
 
@@ -27,15 +27,16 @@ std::string list_address(const char* ifname, const char* list) {
   return std::string("macfilter.") + (ifname == nullptr ? "(null)" : ifname) + "." + list;
 }
 
-bool delete_list(const char* ifname, const char* list) {
-  if (ifname == nullptr) log_error("interface or list_type or value is NULL");
-  return run_uci("delete", list_address(ifname, list));
+bool delete_list(const char* ifname, const char* list, platform::LogPlace place = platform::LogPlace::here()) {
+  if (ifname == nullptr) log_error_at(place, "interface or list_type or value is NULL");
+  return run_uci("delete", list_address(ifname, list), place);
 }
 
 // Whether the interface took the description.
-bool add_name(const char* ifname, const std::string& description) {
+bool add_name(const char* ifname, const std::string& description,
+              platform::LogPlace place = platform::LogPlace::here()) {
   int exit_status = -1;
-  run_uci("add_list", list_address(ifname, "namelist=") + description, &exit_status);
+  run_uci("add_list", list_address(ifname, "namelist=") + description, place, &exit_status);
   return exit_status == 0;
 }
 
@@ -46,13 +47,13 @@ bool set_wps(const char* ifname, wps::Change change, platform::LogPlace place = 
 }
 
 // Whether any interface took the address.
-bool add_to_lists(const char* list, const char* mac) {
+bool add_to_lists(const char* list, const char* mac, platform::LogPlace place = platform::LogPlace::here()) {
   bool is_taken = false;
-  for (const char* ifname : mac_filter::filtered_interfaces(mac_filter::is_mesh_on())) {
+  for (const char* ifname : mac_filter::filtered_interfaces(mac_filter::is_mesh_on(place))) {
     if (uci::Section("macfilter", ifname).add_to_list(list, mac)) {
       is_taken = true;
     } else {
-      log_error("UciAddList wireless error");
+      log_error_at(place, "UciAddList wireless error");
     }
   }
   return is_taken;
@@ -66,9 +67,9 @@ std::span<const char* const> filtered_interfaces(bool is_mesh) {
   return std::span(kInterfaces).first(is_mesh ? kMeshInterfaceCount : kInterfaces.size());
 }
 
-bool is_mesh_on() {
+bool is_mesh_on(platform::LogPlace place) {
   const auto enable = unit::easymesh().read("enable", 4);
-  if (!enable) log_error("get repacd enable failed.");
+  if (!enable) log_error_at(place, "get repacd enable failed.");
   return enable == "1";
 }
 

@@ -18,6 +18,7 @@ namespace {
 using answers::Result;
 
 constexpr std::size_t kTextSize = 256;
+constexpr const char* kSetHandler = "handle_set_ntp_config";
 constexpr BodyMessages kBodyMessages{.no_content = "empty request_body is passed on seting dhcp config",
                                      .no_json = "can't parse request_body to json format.",
                                      .no_object = "can't parse request_body to json format."};
@@ -28,7 +29,7 @@ Result apply_enable(const std::optional<int>& enable) {
   if (!enable) return Result::kUnusable;
   const std::string text = std::to_string(static_cast<unsigned int>(*enable));
   if (ntp().set("enabled", text)) return Result::kOk;
-  log_error("fail to set system.ntp.enabled by uci api");
+  log_error_as(kSetHandler, "fail to set system.ntp.enabled by uci api");
   return Result::kFailed;
 }
 
@@ -36,11 +37,11 @@ Result apply_server(const std::string& server) {
   if (server.empty()) return Result::kUnusable;
   Result result = Result::kOk;
   if (!ntp().remove("server")) {
-    log_error("fail to del system.ntp.server by uci api");
+    log_error_as(kSetHandler, "fail to del system.ntp.server by uci api");
     result = Result::kFailed;
   }
   if (!ntp().add_to_list("server", server)) {
-    log_error("fail to set system.ntp.server by uci api");
+    log_error_as(kSetHandler, "fail to set system.ntp.server by uci api");
     result = Result::kFailed;
   }
   return result;

@@ -18,6 +18,9 @@
 
 namespace {
 
+// What the log knows them by.
+constexpr const char* kGetHandler = "handle_get_parental_control_info";
+constexpr const char* kReplace = "parental_control_set_from_json";
 constexpr const char* kPackage = "mia";
 constexpr const char* kType = "macbind";
 constexpr std::size_t kMostIds = 2048;
@@ -63,11 +66,11 @@ std::optional<json::ObjectText> read_entry(int index) {
 int count_entries() {
   const std::optional<int> count = uci::count(kPackage, kType);
   if (!count) {
-    log_debug("get mia.macbind count error \n");
+    log_debug_as(kGetHandler, "get mia.macbind count error \n");
     return 0;
   }
   if (uci::Section(kPackage, uci::position(kType, -1)).read("macaddr", kValueSize)) return *count;
-  log_debug("get mia.macbind macaddr error \n");
+  log_debug_as(kGetHandler, "get mia.macbind macaddr error \n");
   return 0;
 }
 
@@ -86,9 +89,9 @@ std::optional<json::ListText> read_entries() {
   return entries;
 }
 
-json::List list_of(const json::Document& document) {
+json::List list_of(const json::Document& document, platform::LogPlace place = platform::LogPlace::here()) {
   const json::List list = document->list("parentalControls");
-  if (document && !list) log_error("parentalControls is NULL\n");
+  if (document && !list) log_error_at(place, "parentalControls is NULL\n");
   return list;
 }
 
@@ -117,17 +120,17 @@ bool add_entry(const json::Object& element) {
     texts[index] = *text;
   }
   for (std::size_t index = 0; index < kFields.size(); ++index) {
-    log_debug("%s: %s", kFields[index].key, texts[index].c_str());
+    log_debug_as(kReplace, "%s: %s", kFields[index].key, texts[index].c_str());
   }
   if (!uci::append(kPackage, kType)) {
-    log_error("Failed to create section %s.%s\n", kPackage, kType);
+    log_error_as(kReplace, "Failed to create section %s.%s\n", kPackage, kType);
     return false;
   }
   const uci::Section section(kPackage, uci::position(kType, -1));
   for (std::size_t index = 0; index < kFields.size(); ++index) {
     const char* option = kFields[index].option;
     if (!section.set(option, texts[index])) {
-      log_error("Failed to set %s\n", option);
+      log_error_as(kReplace, "Failed to set %s\n", option);
       return false;
     }
   }

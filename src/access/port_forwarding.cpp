@@ -19,6 +19,7 @@
 
 namespace {
 
+constexpr const char* kGetHandler = "handle_get_portopen_json";
 constexpr const char* kPackage = "portmapping";
 constexpr const char* kType = "redirect";
 constexpr std::size_t kMostIds = 256;
@@ -47,7 +48,7 @@ void add_protocol(json::ObjectText& rule, const std::string& protocol) {
 void add_port(json::ObjectText& rule, const char* key, const char* option, const std::string& port) {
   if (port.empty()) return;
   const int number = std::atoi(port.c_str());
-  log_debug("%s: %d\n", option, number);
+  log_debug_as(kGetHandler, "%s: %d\n", option, number);
   rule.add(key, number);
 }
 
@@ -55,7 +56,7 @@ json::ObjectText read_rule(int index) {
   json::ObjectText rule;
   rule.add("id", index).add("settingName", get_rule_option(index, "name", kNameSize));
   const std::string address = get_rule_option(index, "dest_ip", kAddressSize);
-  log_debug("dest_ip: %s\n", address.c_str());
+  log_debug_as(kGetHandler, "dest_ip: %s\n", address.c_str());
   rule.add("ipAddress", address);
   add_protocol(rule, get_rule_option(index, "proto", kProtocolSize));
   add_port(rule, "lanPortNum", "dest_port", get_rule_option(index, "dest_port", kPortSize));
@@ -105,20 +106,21 @@ bool add_rule(const json::Object& element) {
   return set_rule(settings);
 }
 
-json::List list_of(const json::Document& document) {
+json::List list_of(const json::Document& document, platform::LogPlace place = platform::LogPlace::here()) {
   const json::List list = document->list("portOpenSettings");
-  if (!list) log_error("portOpenSettings is NULL\n");
+  if (!list) log_error_at(place, "portOpenSettings is NULL\n");
   return list;
 }
 
 // False on failure. The old rules are gone even when the request names no list: kept as it is.
 bool set_rules(const char* body) {
-  const json::Document document = parse_object(body, kNoRules);
+  constexpr const char* kHandler = "handle_set_portopen";
+  const json::Document document = parse_object(body, kNoRules, platform::LogPlace::here(kHandler));
   if (!document) return false;
   const json::List list = document->list("portOpenSettings");
   if (!list && document->has_any("portOpenSettings")) return false;
-  if (!is_storable(list) || !delete_all(kPackage, kType)) return false;
-  if (!list_of(document)) return false;
+  if (!is_storable(list) || !delete_all(kPackage, kType, platform::LogPlace::here(kHandler))) return false;
+  if (!list_of(document, platform::LogPlace::here(kHandler))) return false;
   for (const json::Object rule : list) {
     if (!add_rule(rule)) return false;
   }

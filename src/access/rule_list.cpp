@@ -12,7 +12,7 @@
 
 namespace {
 
-bool delete_section(const uci::Section& section, platform::LogPlace place = platform::LogPlace::here()) {
+bool delete_section(const uci::Section& section, platform::LogPlace place) {
   if (section.remove()) return true;
   log_error_at(place, "Failed to delete section: %s.%s\n", section.package(), section.name().c_str());
   return false;
@@ -45,18 +45,17 @@ std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t
   return ids;
 }
 
-bool delete_positions(const char* package, const char* type, std::vector<int> ids) {
+bool delete_positions(const char* package, const char* type, std::vector<int> ids, platform::LogPlace place) {
   std::ranges::sort(ids, std::greater<>());
   const auto repeated = std::unique(ids.begin(), ids.end());
   ids.erase(repeated, ids.end());
-  const platform::LogPlace place = platform::LogPlace::here();
   return std::ranges::all_of(ids, [&](int id) { return delete_section({package, uci::position(type, id)}, place); });
 }
 
-bool delete_all(const char* package, const char* type) {
+bool delete_all(const char* package, const char* type, platform::LogPlace place) {
   const std::optional<int> count = uci::count(package, type);
   for (int index = 0; index < count.value_or(0); ++index) {
-    if (!delete_section({package, uci::position(type, 0)})) return false;
+    if (!delete_section({package, uci::position(type, 0)}, place)) return false;
   }
   return count.has_value();
 }

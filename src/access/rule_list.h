@@ -20,9 +20,10 @@ std::optional<std::vector<int>> read_ids(const json::List& elements, std::size_t
                                          platform::LogPlace place = platform::LogPlace::here());
 
 // Deletes the sections of these positions, each once and the last one first, so that no deletion moves one that is
-// still to come. False at the first failure (logged).
-bool delete_positions(const char* package, const char* type, std::vector<int> ids);
+// still to come. False at the first failure (logged for the caller).
+bool delete_positions(const char* package, const char* type, std::vector<int> ids,
+                      platform::LogPlace place = platform::LogPlace::here());
 
-// Deletes the first section of that type, as often as there are some. False at the first failure (logged), or when the
-// package cannot be read.
-bool delete_all(const char* package, const char* type);
+// Deletes the first section of that type, as often as there are some. False at the first failure (logged for the
+// caller), or when the package cannot be read.
+bool delete_all(const char* package, const char* type, platform::LogPlace place = platform::LogPlace::here());

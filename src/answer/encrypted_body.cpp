@@ -42,14 +42,15 @@ std::optional<std::string> encrypt_content_api(const char* plaintext) {
 }
 
 std::optional<std::string> encrypt_text(std::string_view plaintext) {
+  constexpr const char* kEncrypt = "encrypt_content_api";  // what the log knows it by
   platform::ProcessResult result =
       run_jose({"jose", "jwe", "enc", "-i", "/etc/lighttpd/jwe-protected.json", "-I-", "-p", "-c"}, plaintext);
   if (!result.started) {
-    log_error("popen failed\n");
+    log_error_as(kEncrypt, "popen failed\n");
     return std::nullopt;
   }
   if (result.output.empty()) {
-    log_error("Failed to allocate memory for jwe_str.\n");
+    log_error_as(kEncrypt, "Failed to allocate memory for jwe_str.\n");
     return std::nullopt;
   }
   return std::move(result.output);

@@ -30,7 +30,7 @@ std::optional<std::string> read_lease_lines() {
   const platform::ProcessResult result =
       platform::run_shell(R"(cat /tmp/dhcp.leases | awk 'BEGIN{OFS=","} {print $1,$2,$3}')");
   if (result.started) return result.output;
-  log_error("Fail to execute CMD\n");
+  log_error_as("handle_get_dhcp_client", "Fail to execute CMD\n");
   return std::nullopt;
 }
 

@@ -14,20 +14,22 @@
 
 namespace {
 
+constexpr const char* kSetHandler = "handle_set_dhcp_config";
 constexpr std::size_t kTextMax = 31;
 constexpr BodyMessages kBodyMessages{.no_content = "empty request_body is passed on seting dhcp config\n",
                                      .no_json = "can't parse request_body to json format.\n",
                                      .no_object = "can't parse request_body to json format.\n"};
 
 // A missing key is told in the log and leaves 0, or an empty text.
-int read_number(const json::Object& object, const char* key, platform::LogPlace place = platform::LogPlace::here()) {
+int read_number(const json::Object& object, const char* key,
+                platform::LogPlace place = platform::LogPlace::here(kSetHandler)) {
   const std::optional<int> value = object.number(key);
   if (!value) log_error_at(place, "%s is not found.\n", key);
   return value.value_or(0);
 }
 
 std::string read_text(const json::Object& object, const char* key,
-                      platform::LogPlace place = platform::LogPlace::here()) {
+                      platform::LogPlace place = platform::LogPlace::here(kSetHandler)) {
   const std::optional<std::string> value = object.text(key);
   if (!value) log_error_at(place, "%s is not found.\n", key);
   return std::string(platform::cut_utf8(value.value_or(""), kTextMax));

@@ -13,6 +13,9 @@
 
 namespace {
 
+// What the log knows the two by.
+constexpr const char* kSetter = "cmd_set_dhcp";
+constexpr const char* kGetter = "cmd_get_dhcp";
 constexpr std::size_t kOptionSize = 128;
 constexpr std::size_t kTextMax = 31;
 constexpr int kHoursOfDay = 24;
@@ -21,13 +24,13 @@ constexpr long kMostAddresses = 99999;
 uci::Section lan_pool() { return {"dhcp", "lan"}; }
 
 bool set_lan_option(const char* option, const std::string& value, const char* message_tail,
-                    platform::LogPlace place = platform::LogPlace::here()) {
+                    platform::LogPlace place = platform::LogPlace::here(kSetter)) {
   if (lan_pool().set(option, value)) return true;
   log_error_at(place, "fail to set dhcp.lan.%s%s by uci api\n", option, message_tail);
   return false;
 }
 
-bool delete_lan_option(const char* option, platform::LogPlace place = platform::LogPlace::here()) {
+bool delete_lan_option(const char* option, platform::LogPlace place = platform::LogPlace::here(kSetter)) {
   if (lan_pool().remove(option)) return true;
   log_error_at(place, "fail to delete dhcp.lan.%s  by uci api\n", option);
   return false;
@@ -51,7 +54,7 @@ bool disable_dhcp() {
 bool delete_hosts(int count) {
   for (int index = 0; index < count; ++index) {
     if (os_system("uci del dhcp.@host[0]") == 1) continue;
-    log_error("fail to delete dhcp.host by uci\n");
+    log_error_as(kSetter, "fail to delete dhcp.host by uci\n");
     return false;
   }
   return true;
@@ -77,7 +80,7 @@ bool add_host(const FixedHost& host, int index, const std::string& lease) {
   }};
   for (const HostOption& option : options) {
     if (section.set(option.option, option.value)) continue;
-    log_error("fail to set dhcp.host.%s by uci api\n", option.message_name);
+    log_error_as(kSetter, "fail to set dhcp.host.%s by uci api\n", option.message_name);
     return false;
   }
   return true;
@@ -111,25 +114,25 @@ void read_hosts(DhcpSettings& settings) {
 bool read_pool(DhcpSettings& settings) {
   const std::optional<std::string> lease = lan_pool().read("leasetime", kOptionSize);
   if (!lease) {
-    log_error("Fail to get dhcp.lan.leasetime by uci api\n");
+    log_error_as(kGetter, "Fail to get dhcp.lan.leasetime by uci api\n");
     return false;
   }
   settings.lease_time = lease_hours(*lease);
   const std::optional<std::string> start = lan_pool().read("start", kTextMax + 1);
   if (!start) {
-    log_error("Fail to get dhcp.lan.start value by uci api\n");
+    log_error_as(kGetter, "Fail to get dhcp.lan.start value by uci api\n");
     return false;
   }
   settings.start_address = *start;
   const std::optional<std::string> limit = lan_pool().read("limit", kOptionSize);
   if (!limit) {
-    log_error("Fail to get dhcp.lan.limit value by uci api\n");
+    log_error_as(kGetter, "Fail to get dhcp.lan.limit value by uci api\n");
     return false;
   }
   std::string head;
   const int first = GetLastDigitOfIP(settings.start_address, &head);
   if (first <= 0) {
-    log_error("Fail to get last digit from dhcp start ip\n");
+    log_error_as(kGetter, "Fail to get last digit from dhcp start ip\n");
     return false;
   }
   // Bounded before the addition: the option may hold any number.

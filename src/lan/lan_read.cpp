@@ -48,7 +48,7 @@ void read_ipv6(LanSettings& settings, bool is_client) {
 bool read_dhcp_client(LanSettings& settings, const unit::OperatingMode& mode, bool is_dhcp_server_on) {
   const std::string proto = lan().read_or("proto", kNumberSize, "static");
   if (proto != "dhcp" && proto != "static") {
-    log_error("Unkown value of\tnetwork.lan.proto by uci get api \n");
+    log_error_as("cmd_get_lan_netowrk", "Unkown value of\tnetwork.lan.proto by uci get api \n");
     return false;
   }
   settings.dhcp_client = proto == "dhcp" ? 1 : 0;

@@ -14,13 +14,14 @@
 
 namespace {
 
+constexpr const char* kSetHandler = "handle_set_lan_network";
 constexpr BodyMessages kBodyMessages{.no_content = "empty data is passed on seting lan network config\n",
                                      .no_json = "can't parse data to json format.\n",
                                      .no_object = "can't parse data to json format.\n"};
 
 // An optional member; a missing one is told in the log and leaves the field as it is.
 void read_member(const json::Object& asked, const char* key, int& field,
-                 platform::LogPlace place = platform::LogPlace::here()) {
+                 platform::LogPlace place = platform::LogPlace::here(kSetHandler)) {
   if (const auto value = asked.number(key)) {
     field = *value;
   } else {
@@ -29,7 +30,7 @@ void read_member(const json::Object& asked, const char* key, int& field,
 }
 
 void read_member(const json::Object& asked, const char* key, std::string& field,
-                 platform::LogPlace place = platform::LogPlace::here()) {
+                 platform::LogPlace place = platform::LogPlace::here(kSetHandler)) {
   if (const auto value = asked.text(key)) {
     field = platform::cut_utf8(*value, kIpv4TextSize - 1);
   } else {
@@ -38,7 +39,7 @@ void read_member(const json::Object& asked, const char* key, std::string& field,
 }
 
 void read_address(const json::Object& asked, const char* key, std::string& field,
-                  platform::LogPlace place = platform::LogPlace::here()) {
+                  platform::LogPlace place = platform::LogPlace::here(kSetHandler)) {
   read_member(asked, key, field, place);
   if (is_valid_ip(field) != 0) field.clear();
 }

@@ -10,10 +10,12 @@
 
 namespace {
 
+constexpr const char* kSetter = "cmd_set_lan_network";
+
 uci::Section lan() { return {"network", "lan"}; }
 
 bool set_lan_option(const char* option, const std::string& value,
-                    platform::LogPlace place = platform::LogPlace::here()) {
+                    platform::LogPlace place = platform::LogPlace::here(kSetter)) {
   if (lan().set(option, value)) return true;
   log_error_at(place, "fail to set network.lan.%s by uci api\n", option);
   return false;
@@ -28,12 +30,12 @@ bool is_lan_dhcp_server_off() {
 // reported as success: kept as it is.
 bool apply_gateway_and_dns(const LanSettings& settings) {
   if (!is_lan_dhcp_server_off()) {
-    log_error("fail to set network.lan.gateway by uci api\n");
+    log_error_as(kSetter, "fail to set network.lan.gateway by uci api\n");
     return false;
   }
   if (!set_lan_option("gateway", settings.ipv4_gateway)) return false;
   if (set_lan_dns(settings.ipv4_dns1, settings.ipv4_dns2) == 0) return true;
-  log_error("fail to set network.lan.dns by uci api\n");
+  log_error_as(kSetter, "fail to set network.lan.dns by uci api\n");
   return false;
 }
 

@@ -42,7 +42,7 @@ std::string model_of(const std::vector<Lease>& leases, const std::string& mac) {
   for (const Lease& lease : leases) {
     if (lease.mac == wanted) return lease.host_name;
   }
-  log_error("Hostname not found for MAC %s, set to MX-9P300KLD", mac.c_str());
+  log_error_as("get_agent_model_info", "Hostname not found for MAC %s, set to MX-9P300KLD", mac.c_str());
   return kModel;
 }
 
@@ -52,18 +52,19 @@ void set_led_status(std::vector<AgentInfo>& agents) {
 
 // False on failure, which is logged.
 bool add_agents(json::ListText& array) {
+  constexpr const char* kHandler = "handle_get_mesh_agent_info";
   std::optional<DumpLines> dump = get_topology_dump();
   if (!dump) {
-    log_error("Failed to get topology data");
+    log_error_as(kHandler, "Failed to get topology data");
     return false;
   }
   std::vector<AgentInfo> agents = topology_to_agents(parse_topology(*std::move(dump)));
   if (agents.empty()) {
-    log_error("Failed to convert topology to agents");
+    log_error_as(kHandler, "Failed to convert topology to agents");
     return false;
   }
   if (get_agent_model_info(agents) != 0) {
-    log_error("Failed to get agent model info");
+    log_error_as(kHandler, "Failed to get agent model info");
     return false;
   }
   set_led_status(agents);

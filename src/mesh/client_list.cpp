@@ -27,7 +27,7 @@ void copy_addresses(const ClientTable& arp, ClientTable& clients) {
 std::optional<ClientTable> collect_mesh_clients(const unit::MeshPart& mesh, const ClientTable& arp) {
   std::optional<DumpLines> dump = get_topology_dump();
   if (!dump) {
-    if (mesh.is_agent()) log_error("Failed to get agent topology data");
+    if (mesh.is_agent()) log_error_as("handle_get_client_list", "Failed to get agent topology data");
     return std::nullopt;
   }
   if (mesh.is_agent()) {

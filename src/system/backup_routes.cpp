@@ -32,10 +32,12 @@ bool make_backup() {
   return append_md5_to_file(kBackupPath) == 0 && append_device_id_to_file(kBackupPath) == 0;
 }
 
+constexpr const char* kRestoreHandler = "handle_config_restore";
+
 bool store_backup(const RawBody& body) {
   const Upload upload = store_upload(body, kUploadPath);
-  if (upload == Upload::kCannotOpen) log_error("open file failed\n");
-  if (upload == Upload::kCannotWrite) log_error("write to file failed\n");
+  if (upload == Upload::kCannotOpen) log_error_as(kRestoreHandler, "open file failed\n");
+  if (upload == Upload::kCannotWrite) log_error_as(kRestoreHandler, "write to file failed\n");
   return upload == Upload::kStored;
 }
 
@@ -60,7 +62,7 @@ platform::ReadyWork prepare_restore() {
     platform::remove_file(kArchivePath);
     os_system("/sbin/reboot");
   });
-  if (!restore) log_error("create pthread fail\n");
+  if (!restore) log_error_as(kRestoreHandler, "create pthread fail\n");
   return restore;
 }
 

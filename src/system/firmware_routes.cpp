@@ -18,11 +18,13 @@ namespace {
 
 using answers::Result;
 
+constexpr const char* kUploadHandler = "handle_system_firmware";
+
 // False when not all of the upload arrived, or it cannot be stored.
 bool store_image(const RawBody& body) {
   const Upload upload = store_upload(body, kFirmwarePath);
-  if (upload == Upload::kCannotOpen) log_error("Failed to open: %s\n", kFirmwarePath);
-  if (upload == Upload::kCannotWrite) log_error("Failed to write to: %s\n", kFirmwarePath);
+  if (upload == Upload::kCannotOpen) log_error_as(kUploadHandler, "Failed to open: %s\n", kFirmwarePath);
+  if (upload == Upload::kCannotWrite) log_error_as(kUploadHandler, "Failed to write to: %s\n", kFirmwarePath);
   return upload == Upload::kStored;
 }
 
@@ -31,12 +33,12 @@ bool verify_upload(const brands::Brand& brand) {
   os_system("/usr/sbin/tesmirupg.sh");
   os_system(brand.update_tool.verify);
   if (!brands::is_known(brand)) {
-    log_error("unknown device id\n");
+    log_error_as(kUploadHandler, "unknown device id\n");
     return false;
   }
   const std::string verdict = read_verdict().value_or("");
   if (without_line_end(verdict.substr(0, verdict.find('\n'))) == "Verify Success") return true;
-  log_error("verification failed\n");
+  log_error_as(kUploadHandler, "verification failed\n");
   return false;
 }
 
@@ -67,7 +69,7 @@ Result check_for_update(const json::Document& document, int brand_index) {
   if (const Result result = check_running_tools(); result != Result::kOk) return result;
   const brands::Brand& brand = brands::of_index(brand_index);
   if (!brands::is_known(brand)) {
-    log_error("unknown device id\n");
+    log_error_as("handle_automatic_upgrade", "unknown device id\n");
     return Result::kUnusable;
   }
   if (*check_and_update != 0 && *check_and_update != 1) return Result::kUnusable;

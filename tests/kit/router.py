@@ -360,9 +360,10 @@ class Router:
         """What went to syslog so far."""
         return self._log.lines()
 
-    def logged(self, text: str, priority: int | None = None) -> bool:
-        """Whether a message holds `text` (at this priority: 3 error, 7 debug)."""
-        return any(text in line.text and priority in (None, line.priority) for line in self.log())
+    def logged(self, text: str, priority: int | None = None, by: str | None = None) -> bool:
+        """Whether a message holds `text` (at this priority: 3 error, 7 debug; under this function's name)."""
+        return any(text in line.text and priority in (None, line.priority) and by in (None, line.function)
+                   for line in self.log())
 
     def console(self) -> str:
         """What was written to /dev/console."""

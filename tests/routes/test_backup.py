@@ -115,7 +115,7 @@ def test_after_a_restore_there_can_be_another(router):
 def test_a_restore_that_cannot_be_begun_is_refused(router):
     router.write("/router/no-threads", "")
     assert_refused(router, restore(router, GOOD))
-    assert router.logged("create pthread fail", priority=3)
+    assert router.logged("create pthread fail", priority=3, by="handle_config_restore")
     router.remove("/router/no-threads")
     assert restore(router, GOOD).json["result"] == 0
 
@@ -158,7 +158,7 @@ def test_a_backup_with_more_behind_it_is_refused(router):
 @pytest.mark.parametrize("claim", [len(GOOD) + 1, 2147483647])
 def test_an_upload_that_breaks_off_is_refused(router, claim):
     assert_refused(router, restore(router, GOOD, claim))
-    assert router.logged("write to file failed", priority=3)
+    assert router.logged("write to file failed", priority=3, by="handle_config_restore")
 
 
 @pytest.mark.parametrize("length", [1, 3])

@@ -284,7 +284,7 @@ def test_without_a_dump_nothing_is_answered(router, role, kind):
     set_mesh(router, 1, role)
     router.tool("emt", missing=kind == "missing", out="")
     assert router.get(URI).empty
-    assert router.logged("Failed to get agent topology data", priority=3) == (role == "agent")
+    assert router.logged("Failed to get agent topology data", priority=3, by="handle_get_client_list") == (role == "agent")
 
 
 # Agent.

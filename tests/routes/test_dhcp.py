@@ -61,14 +61,14 @@ def test_a_missing_option_is_result_2(dhcp, option, message):
     dhcp.set(f"dhcp.lan.{option}", None)
     a = dhcp.get(URI)
     assert a.encrypted and a.json == FAILED
-    assert dhcp.logged(message, priority=3) and dhcp.logged("get dhcp param error.", priority=3)
+    assert dhcp.logged(message, priority=3, by="cmd_get_dhcp") and dhcp.logged("get dhcp param error.", priority=3)
 
 
 @pytest.mark.parametrize("start", ["100", "192.168.0.0", "192.168.0.", "x"])
 def test_a_start_without_a_last_number_is_result_2(dhcp, start):
     dhcp.set("dhcp.lan.start", start)
     assert dhcp.get(URI).json == FAILED
-    assert dhcp.logged("Fail to get last digit from dhcp start ip", priority=3)
+    assert dhcp.logged("Fail to get last digit from dhcp start ip", priority=3, by="cmd_get_dhcp")
 
 
 @pytest.mark.parametrize("limit, end", [("0", "99"), ("-5", "94"), ("x", "99"), ("9223372036854775807", "100098"),
@@ -176,14 +176,14 @@ def test_switching_off_keeps_the_hosts(dhcp):
 def test_switching_off_twice_is_result_2(dhcp, option):
     dhcp.set(f"dhcp.lan.{option}", None)
     assert dhcp.post(URI, settings(enable=0)).json == FAILED
-    assert dhcp.logged(f"fail to delete dhcp.lan.{option}  by uci api", priority=3)
+    assert dhcp.logged(f"fail to delete dhcp.lan.{option}  by uci api", priority=3, by="cmd_set_dhcp")
     assert dhcp.calls("/etc/init.d/dnsmasq") == []
 
 
 def test_without_the_package_a_change_is_result_2(router):
     router.no_config("dhcp")
     assert router.post(URI, settings()).json == FAILED
-    assert router.logged("fail to set dhcp.lan.ignore to 0 by uci api", priority=3)
+    assert router.logged("fail to set dhcp.lan.ignore to 0 by uci api", priority=3, by="cmd_set_dhcp")
 
 
 @pytest.mark.parametrize("changes", [{"fixedIpCount": 2, **{"fixedIpAllocation": hosts(3)["fixedIpAllocation"]}},
@@ -222,7 +222,7 @@ def test_a_missing_key_is_told_in_the_log_and_counts_as_0_or_empty(dhcp, key):
     body = settings()
     del body[key]
     assert dhcp.post(URI, body).json == OK
-    assert dhcp.logged(f"{key} is not found.", priority=3)
+    assert dhcp.logged(f"{key} is not found.", priority=3, by="handle_set_dhcp_config")
     stored = {"enable": ("ignore", "1"), "leaseTime": ("leasetime", "0h"), "startAddress": ("start", None),
               "endAddress": ("limit", str(-1 - 100 + 1)), "fixedIpCount": ("ignore", "0")}
     option, value = stored[key]
@@ -248,7 +248,7 @@ def test_a_host_that_lacks_a_key_is_stored_without_it(dhcp, key, option):
     host = {"ipAddress": "192.168.0.9", "macAddress": "0011AABBCCDD"}
     del host[key]
     assert dhcp.post(URI, settings(fixedIpCount=1, fixedIpAllocation=[host])).json == OK
-    assert dhcp.logged(f"{key} is not found.", priority=3)
+    assert dhcp.logged(f"{key} is not found.", priority=3, by="handle_set_dhcp_config")
     assert dhcp.option(f"dhcp.@host[0].{option}") is None and dhcp.option("dhcp.@host[0].name") == "0"
 
 
@@ -321,7 +321,7 @@ def test_with_a_dead_uci_tool_there_are_no_hosts(dhcp, tool):
 def test_with_a_dead_uci_tool_a_new_host_is_result_2(dhcp):
     dhcp.tool("uci", missing=True)
     assert dhcp.post(URI, settings(**hosts(1))).json == FAILED
-    assert dhcp.logged("fail to set dhcp.host.ip by uci api", priority=3)
+    assert dhcp.logged("fail to set dhcp.host.ip by uci api", priority=3, by="cmd_set_dhcp")
 
 
 def test_a_host_that_cannot_be_deleted_ends_the_change(dhcp):
@@ -329,7 +329,7 @@ def test_a_host_that_cannot_be_deleted_ends_the_change(dhcp):
     dhcp.tool("uci", "del", exit=1)
     assert dhcp.post(URI, settings(**hosts(1))).json == FAILED
     assert dhcp.commands() == ["uci show dhcp", "uci del dhcp.@host[0]"]
-    assert dhcp.logged("fail to delete dhcp.host by uci", priority=3)
+    assert dhcp.logged("fail to delete dhcp.host by uci", priority=3, by="cmd_set_dhcp")
 
 
 @pytest.mark.parametrize("tool", [{"exit": 1}, {"missing": True}], ids=["fails", "missing"])

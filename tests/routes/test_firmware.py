@@ -49,7 +49,7 @@ def test_an_image_that_does_not_verify_is_refused(router, verdict):
     assert a.body == b'{"result": 3}'
     assert hota_commands(router) == ["/usr/sbin/tesmirupg.sh", "/usr/sbin/orvanehota -v"]
     assert not router.exists(FILE)
-    assert router.logged("verification failed", priority=3)
+    assert router.logged("verification failed", priority=3, by="handle_system_firmware")
 
 
 def test_an_earlier_verdict_does_not_count(router):
@@ -71,7 +71,7 @@ def test_an_unknown_brand_installs_nothing(router):
     router.brand("0999")
     verifies(router, "tesmir")
     assert upload(router).body == b'{"result": 3}'
-    assert router.logged("unknown device id", priority=3)
+    assert router.logged("unknown device id", priority=3, by="handle_system_firmware")
     assert not router.exists(FILE) and not any("-u" in c for c in router.commands())
 
 

@@ -99,7 +99,7 @@ def test_without_the_package(bare_router):
     assert bare_router.logged("Failed to open file: /etc/config/macfilter", priority=3)
     assert bare_router.logged("Failed to parse mac filter table", priority=3)
     refused(bare_router, {"macFilterStatus": 1})
-    assert bare_router.logged("Failed to get opmode", priority=3)
+    assert bare_router.logged("Failed to get opmode", priority=3, by="handle_set_mac_filter")
 
 
 # POST: what is refused.
@@ -136,7 +136,8 @@ def test_an_entry_without_its_members(router):
     before = packages(router)
     for i, member in enumerate(bad):
         refused(router, {"macFilterStatus": 1, "macFilterTable": [entry("first"), member, entry("third")]})
-        assert router.logged("Failed to get macAddress" if i in (0, 4) else "Failed to get description", priority=3)
+        message = "Failed to get macAddress" if i in (0, 4) else "Failed to get description"
+        assert router.logged(message, priority=3, by="handle_set_mac_filter")
     assert packages(router) == before
 
 
@@ -150,14 +151,14 @@ def test_an_entry_that_cannot_be_kept_is_refused_before_anything_is_written(rout
     fill(router, ("One", "mac"))
     before = packages(router)
     refused(router, {"macFilterStatus": 1, "macFilterTable": [entry("good"), bad]})
-    assert router.logged(message, priority=3)
+    assert router.logged(message, priority=3, by="handle_set_mac_filter")
     assert packages(router) == before
 
 
 def test_the_operation_mode_is_needed_first(router):
     router.set("system.@system[0].op_mode", None)
     refused(router, {"macFilterTable": []})
-    assert router.logged("Failed to get opmode", priority=3)
+    assert router.logged("Failed to get opmode", priority=3, by="handle_set_mac_filter")
 
 
 # POST: the switch.
@@ -211,8 +212,8 @@ def test_on_leaves_wps_alone_that_is_off(router, pbc, touched):
     accepted(router, {"macFilterStatus": 1}, COMMIT, *CLEANUP)
     for band in (0, 1):
         assert router.option(f"wireless.ath{band}.wps_state") == ("0" if touched else "old")
-    assert router.logged("Failed to get wps_pbc", priority=3) == (pbc[0] is None)
-    assert router.logged("Failed to get wps_state", priority=3) == (pbc[1] in (None, ""))
+    assert router.logged("Failed to get wps_pbc", priority=3, by="handle_set_mac_filter") == (pbc[0] is None)
+    assert router.logged("Failed to get wps_state", priority=3, by="handle_set_mac_filter") == (pbc[1] in (None, ""))
 
 
 @pytest.mark.parametrize("status", [2, -1, 2**40, "5", None, [], {}, "", "x", "0x", "1 ", 0.5])
@@ -226,11 +227,11 @@ def test_wps_that_cannot_be_switched_fails(router):
     router.set("wireless.ath0.wps_pbc", 1)
     router.set("wireless.ath1", None)
     refused(router, {"macFilterStatus": 1})
-    assert router.logged("Failed to set wps disable for ath1", priority=3)
-    assert router.logged("set_wps_disable error", priority=3)
+    assert router.logged("Failed to set wps disable for ath1", priority=3, by="set_wps_disable")
+    assert router.logged("set_wps_disable error", priority=3, by="handle_set_mac_filter")
     assert router.option("macfilter.macfilter.enable") == "1"  # what was written before stays
     refused(router, {"macFilterStatus": 0}, COMMIT)
-    assert router.logged("set_wps_enable error", priority=3)
+    assert router.logged("set_wps_enable error", priority=3, by="handle_set_mac_filter")
     assert router.option("macfilter.macfilter.enable") == "0"
 
 
@@ -316,7 +317,7 @@ def test_hostile_texts_arrive_whole(router, name):
     body = b'{"macFilterTable": [{"description": %s, "macAddress": "00:00:00:00:00:01"}]}' % encoded(text)
     if name == "control" or len(text) > 255:  # UCI holds no such characters, the lists no such lengths
         refused(router, body)
-        assert router.logged("Failed to set namelist policy", priority=3)
+        assert router.logged("Failed to set namelist policy", priority=3, by="handle_set_mac_filter")
     else:
         accepted(router, body, *CLEANUP, *adding(text))
         for ifname in ("ath0", "ath22"):
@@ -331,7 +332,7 @@ def test_hostile_addresses_arrive_as_far_as_uci_holds_them(router, name):
     body = b'{"macFilterTable": [{"description": "One", "macAddress": %s}]}' % encoded(text)
     a = router.post(FILTER, body)
     if not is_one_line(text):
-        assert a.text == RESULT_1 and router.logged("Failed to set maclist policy", priority=3)
+        assert a.text == RESULT_1 and router.logged("Failed to set maclist policy", priority=3, by="handle_set_mac_filter")
         assert lists(router, "ath0") == [[], [], []]
     else:
         assert a.text == OK_100
@@ -356,7 +357,7 @@ def test_without_uci_the_table_is_refused_and_the_switch_works(router, how):
     router.tool("uci", **how)
     a = router.post(FILTER, {"macFilterStatus": 1, "macFilterTable": [entry("One")]})
     assert not a.encrypted and a.text == RESULT_1
-    assert router.logged("Failed to set namelist policy", priority=3)
+    assert router.logged("Failed to set namelist policy", priority=3, by="handle_set_mac_filter")
     assert router.post(FILTER, {"macFilterStatus": 1, "macFilterTable": []}).text == OK_100
     assert router.option("macfilter.macfilter.enable") == "1"
 

@@ -56,7 +56,7 @@ def test_an_agent_without_a_lease_has_the_products_model(router):
     devices = chain(2)
     prepare(router, devices)
     assert router.get(URI).json["agentInfo"][0]["model"] == MODEL
-    assert router.logged(f"Hostname not found for MAC {devices[1].mac}, set to {MODEL}", priority=3)
+    assert router.logged(f"Hostname not found for MAC {devices[1].mac}, set to {MODEL}", priority=3, by="get_agent_model_info")
 
 
 def test_an_agent_two_hops_away_names_the_agent_between(router):

@@ -58,15 +58,15 @@ def test_a_list_that_cannot_be_deleted_is_a_plain_result_2(ntp):
     ntp.set("system.ntp.server", None)
     a = ntp.post(URI, {"enable": 1, "server": "x"})
     assert not a.encrypted and a.body == b'{"result": 2}'
-    assert ntp.logged("fail to del system.ntp.server by uci api", priority=3)
+    assert ntp.logged("fail to del system.ntp.server by uci api", priority=3, by="handle_set_ntp_config")
 
 
 def test_without_the_section_every_write_fails(router):
     router.config("system", "config system\n")
     a = router.post(URI, {"enable": 1, "server": "x"})
     assert not a.encrypted and a.body == b'{"result": 2}'
-    assert router.logged("fail to set system.ntp.enabled by uci api", priority=3)
-    assert router.logged("fail to set system.ntp.server by uci api", priority=3)
+    assert router.logged("fail to set system.ntp.enabled by uci api", priority=3, by="handle_set_ntp_config")
+    assert router.logged("fail to set system.ntp.server by uci api", priority=3, by="handle_set_ntp_config")
 
 
 @pytest.mark.parametrize("body, message", [(None, "empty request_body is passed on seting dhcp config"),

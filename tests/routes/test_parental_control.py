@@ -179,7 +179,7 @@ def test_a_last_address_that_cannot_be_read_leaves_the_list_empty(mia):
     add(mia, 1, 2)
     mia.set("mia.@macbind[1].macaddr", ["a", "b"])
     assert mia.get(URI).json == {"result": 0, "version": 1, "enable": 1, "parentalControls": []}
-    assert mia.logged("get mia.macbind macaddr error", priority=7)
+    assert mia.logged("get mia.macbind macaddr error", priority=7, by="handle_get_parental_control_info")
 
 
 def test_an_absent_switch_is_result_1_alone(mia):
@@ -226,7 +226,7 @@ def test_without_the_package_a_change_is_result_1(router):
 def test_what_is_stored_is_traced(mia):
     mia.post(URI, {"enable": 1, "parentalControls": [entry(1)]})
     for text in ("explain: child 1", "macAddress: AA:BB:CC:DD:EE:01", "startTime: 07:00", "endTime: 20:00"):
-        assert mia.logged(text, priority=7)
+        assert mia.logged(text, priority=7, by="parental_control_set_from_json")
 
 
 @pytest.mark.parametrize("tool", [{"exit": 1}, {"missing": True}, {"hang": True}], ids=["fails", "missing", "hangs"])
@@ -259,7 +259,7 @@ def test_an_unknown_position_is_met_before_the_lower_ones(mia):
     add(mia, 1, 2)
     assert mia.post(DELETE, {"parentalControls": [{"id": 0}, {"id": 9}, {"id": 1}]}).json == UNUSABLE
     assert explanations(mia) == ["child 1", "child 2"]
-    assert mia.logged("Failed to delete section: mia.@macbind[9]", priority=3)
+    assert mia.logged("Failed to delete section: mia.@macbind[9]", priority=3, by="parental_control_delete_from_json")
     for number in (0, 9, 1):
         assert mia.logged(f"id: {number}")
 

@@ -143,7 +143,7 @@ def test_without_a_list_the_old_rules_are_gone_all_the_same(ports):
     add(ports, name="a")
     assert ports.post(URI, {}).json == UNUSABLE
     assert stored(ports) == []
-    assert ports.logged("portOpenSettings is NULL", priority=3)
+    assert ports.logged("portOpenSettings is NULL", priority=3, by="handle_set_portopen")
 
 
 @pytest.mark.parametrize("body", [{"portOpenSettings": {}}, {"portOpenSettings": "x"}, {"portOpenSettings": 1}, b"[]", b"null", None, b"not json", b"[1"])
@@ -189,7 +189,7 @@ def test_an_unknown_position_is_met_before_the_lower_ones(ports):
     add(ports, name="b")
     assert ports.post(DELETE, {"portOpenSettings": [{"id": 0}, {"id": 9}, {"id": 1}]}).json == UNUSABLE
     assert names(ports) == ["a", "b"]
-    assert ports.logged("Failed to delete section: portmapping.@redirect[9]", priority=3)
+    assert ports.logged("Failed to delete section: portmapping.@redirect[9]", priority=3, by="port_mapping_delete_from_json")
     ports.wait_for_call("/etc/init.d/firewall", "restart")
 
 
@@ -213,7 +213,7 @@ def test_an_unusable_change_is_told_in_the_log(ports, uri, body, message):
 def test_without_a_package_a_delete_is_result_1(router):
     router.no_config("portmapping")
     assert router.post(DELETE, {"portOpenSettings": [{"id": 0}]}).json == UNUSABLE
-    assert router.logged("Failed to delete section: portmapping.@redirect[0]", priority=3)
+    assert router.logged("Failed to delete section: portmapping.@redirect[0]", priority=3, by="port_mapping_delete_from_json")
 
 
 def test_a_package_that_cannot_be_read_is_result_1(router):
@@ -238,7 +238,7 @@ def test_what_is_read_is_traced(ports):
     ports.post(URI, {"portOpenSettings": [rule(1)]})
     ports.get(URI)
     for text in ("dest_ip: 192.168.0.1", "dest_port: 81", "src_dport: 8081"):
-        assert ports.logged(text, priority=7)
+        assert ports.logged(text, priority=7, by="handle_get_portopen_json")
 
 
 def test_reading_absent_options_leaves_no_pipe_open(ports):

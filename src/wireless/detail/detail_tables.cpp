@@ -10,7 +10,7 @@ namespace wlan_detail {
 const char* htmode_of_width(std::size_t band, int code) {
   const auto row = std::ranges::find(kWidths, code, &Width::code);
   const char* htmode = row == kWidths.end() || band >= row->htmodes.size() ? nullptr : row->htmodes[band];
-  if (htmode == nullptr) log_error("Invalid grade passed in on getting frequency band");
+  if (htmode == nullptr) log_error_as("set_wlan_detail_info", "Invalid grade passed in on getting frequency band");
   return htmode;
 }
 
