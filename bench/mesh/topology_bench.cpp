@@ -6,6 +6,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include "mesh/agent_topology.h"
 #include "mesh/client_sources.h"
 #include "mesh/topology.h"
 
