@@ -8,7 +8,6 @@ import importlib
 import multiprocessing
 import os
 import platform
-import signal
 import sys
 import time
 import traceback
@@ -61,11 +60,6 @@ def _run_part(work: tuple) -> Figures:
             print(f"{time.monotonic() - begin:6.1f} s {name_of(work)}", file=sys.stderr, flush=True)
 
 
-def _leave_the_end_to_the_parent() -> None:
-    signal.signal(signal.SIGINT, signal.SIG_IGN)
-    signal.signal(signal.SIGTERM, signal.SIG_DFL)
-
-
 def name_of(work: tuple) -> str:
     function, arguments = work
     return " ".join([function.__name__, *(argument for argument in arguments if isinstance(argument, str))])
@@ -80,15 +74,11 @@ def _run_section(module, options: argparse.Namespace) -> tuple[Figures, float]:
     parts = [work for work in module.parts(bounds) if options.only in name_of(work)]
     figures = Figures()
     # A process for each part: what a part leaves in memory, or breaks, is its own.
-    # One that is told to end says what it has done so far.
-    with multiprocessing.get_context("fork").Pool(options.jobs, _leave_the_end_to_the_parent, maxtasksperchild=1) as pool:
-        try:
-            for done in pool.imap_unordered(_run_part, parts):
-                figures.add(done)
-                for loss in done.losses:
-                    print(f"LOST {module.NAME}: {loss}", flush=True)
-        except KeyboardInterrupt:
-            figures.notes.add("ended before its end")
+    with multiprocessing.get_context("fork").Pool(options.jobs, maxtasksperchild=1) as pool:
+        for done in pool.imap_unordered(_run_part, parts):
+            figures.add(done)
+            for loss in done.losses:
+                print(f"LOST {module.NAME}: {loss}", flush=True)
     return figures, time.monotonic() - begin
 
 
@@ -98,7 +88,6 @@ def main() -> int:
     chosen = options.section or SECTIONS
     if unknown := [name for name in chosen if name not in SECTIONS]:
         known.error(f"there is no section {' '.join(unknown)}; there are: {' '.join(SECTIONS)}")
-    signal.signal(signal.SIGTERM, signal.default_int_handler)
     print(f"seed {options.seed}, preset {options.preset}, {options.jobs} at once, {platform.machine()}, "
           f"{os.cpu_count()} processors", flush=True)
     figures, seconds = {}, {}
