@@ -14,30 +14,31 @@ namespace {
 
 constexpr const char* kCommit = "uci commit macfilter";
 
-// One `uci` command with a value in it. False when it could not be started; its exit status counts for nothing: what
-// is to be deleted may not be there.
-bool run_uci(const char* action, const std::string& address, platform::LogPlace place, int* exit_status = nullptr) {
+enum class Ran { kNotStarted, kFailed, kSucceeded };
+
+// One `uci` command with a value in it.
+Ran run_uci(const char* action, const std::string& address, platform::LogPlace place) {
   const platform::ProcessResult result = platform::run({"uci", action, address}, {.capture_output = false});
-  if (exit_status != nullptr) *exit_status = result.exit_status();
-  if (!result.started) log_error_at(place, "system error");
-  return result.started;
+  if (!result.started) {
+    log_error_at(place, "system error");
+    return Ran::kNotStarted;
+  }
+  return result.exit_status() == 0 ? Ran::kSucceeded : Ran::kFailed;
 }
 
 std::string list_address(const char* ifname, const char* list) {
   return std::string("macfilter.") + (ifname == nullptr ? "(null)" : ifname) + "." + list;
 }
 
+// False when the command could not be started; its exit status counts for nothing: there may be no list to delete.
 bool delete_list(const char* ifname, const char* list, platform::LogPlace place = platform::LogPlace::here()) {
   if (ifname == nullptr) log_error_at(place, "interface or list_type or value is NULL");
-  return run_uci("delete", list_address(ifname, list), place);
+  return run_uci("delete", list_address(ifname, list), place) != Ran::kNotStarted;
 }
 
-// Whether the interface took the description.
-bool add_name(const char* ifname, const std::string& description,
-              platform::LogPlace place = platform::LogPlace::here()) {
-  int exit_status = -1;
-  run_uci("add_list", list_address(ifname, "namelist=") + description, place, &exit_status);
-  return exit_status == 0;
+Ran add_name(const char* ifname, const std::string& description,
+             platform::LogPlace place = platform::LogPlace::here()) {
+  return run_uci("add_list", list_address(ifname, "namelist=") + description, place);
 }
 
 bool set_wps(const char* ifname, wps::Change change, platform::LogPlace place = platform::LogPlace::here()) {
@@ -123,11 +124,14 @@ int set_namelist_policy(const char* description) {
     return 1;
   }
   bool is_taken = false;
+  bool is_each_started = true;
   for (const char* ifname : mac_filter::filtered_interfaces(mac_filter::is_mesh_on())) {
-    is_taken = add_name(ifname, description) || is_taken;
+    const Ran ran = add_name(ifname, description);
+    is_taken = is_taken || ran == Ran::kSucceeded;
+    is_each_started = is_each_started && ran != Ran::kNotStarted;
   }
   os_system(kCommit);
-  return is_taken ? 0 : 1;
+  return is_taken && is_each_started ? 0 : 1;
 }
 
 int set_maclist_policy(const char* mac) {

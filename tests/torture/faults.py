@@ -130,14 +130,14 @@ class FaultyUnit:
         lines = set(after[path].split(b"\n"))
         return set.intersection(*versions) <= lines <= set.union(*versions)
 
-    def complaints(self, after: dict[str, bytes], commit_failed: bool) -> list[str]:
-        """What neither was there nor would have come. A commit that fails is told in the log alone and leaves its change
-        out; what is committed later comes without it."""
+    def complaints(self, after: dict[str, bytes], is_failure_told: bool) -> list[str]:
+        """What neither was there nor would have come. A commit that fails is told in the log and leaves its change out; so
+        does a command that cannot be started, which is told to the client, too. What is committed later comes without it."""
         found = []
         for path in {path for path in self.allowed | after if path.startswith("/etc/")}:
             if path not in self.allowed or after.get(path) in self.allowed[path]:
                 continue
-            if commit_failed and self.is_made_of_versions(path, after):
+            if is_failure_told and self.is_made_of_versions(path, after):
                 continue
             found.append(f"{path} is {'gone' if path not in after else 'something in between'}: {self._difference(path, after)}")
         return found
@@ -208,7 +208,8 @@ def compare(figures: Figures, faulty: FaultyUnit, where: str, after: dict[str, b
     errors = [line.text for line in faulty.unit.router.log()[log_before:] if line.priority == _ERROR]
     commit_failed = any("uci_commit failed" in text for text in errors)
     figures.count("commits failed and logged", commit_failed)
-    for wrong in faulty.complaints(after, commit_failed):
+    is_left_out = not said_success and "system error" in errors  # one of the commands that write
+    for wrong in faulty.complaints(after, commit_failed or is_left_out):
         figures.lose(f"{where}: {wrong}")
     if any(".uci-" in path or path.endswith("~") for path in after.keys() - faulty.before.keys() if path.startswith("/etc/")):
         figures.count("temporary files left")

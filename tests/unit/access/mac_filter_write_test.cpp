@@ -1,13 +1,33 @@
-// The tables and steps of the MAC filter's writing that need no tool.
+// The tables and steps of the MAC filter's writing.
 #include <algorithm>
+#include <cerrno>
+#include <spawn.h>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "access/mac_filter.h"
+#include "fake_tools.h"
 #include "uci_access.h"
 #include "wireless/router_state.h"
+
+namespace {
+
+int starts_until_none = 0;  // the start of a child, from 1, that fails
+
+}  // namespace
+
+extern "C" {
+decltype(posix_spawnp) __real_posix_spawnp;
+decltype(posix_spawnp) __wrap_posix_spawnp;
+
+int __wrap_posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_t* actions,
+                        const posix_spawnattr_t* attributes, char* const arguments[], char* const environment[]) {
+  if (starts_until_none > 0 && --starts_until_none == 0) return EAGAIN;
+  return __real_posix_spawnp(child, file, actions, attributes, arguments, environment);
+}
+}
 
 namespace {
 
@@ -173,6 +193,17 @@ TEST(SetMaclistPolicy, FailsWhenNoInterfaceTakesIt) {
   EXPECT_EQ(set_maclist_policy("mac"), 0);
   router_state::config("macfilter", "config macfilter 'macfilter'\n");
   EXPECT_EQ(set_maclist_policy("mac"), 1);
+}
+
+TEST(SetNamelistPolicy, FailsWhereOneCommandCannotBeStarted) {
+  mesh_enable("0");
+  FakeTools tools;
+  tools.provide("uci");
+  EXPECT_EQ(set_namelist_policy("One"), 0);
+  EXPECT_EQ(tools.calls().size(), 16U);
+  starts_until_none = 3;
+  EXPECT_EQ(set_namelist_policy("One"), 1);
+  EXPECT_EQ(tools.calls().size(), 15U);
 }
 
 }  // namespace
