@@ -40,7 +40,7 @@ TEST(ObjectText, QuotesEveryByteAsJsonCDoes) {
 }
 
 TEST(ObjectText, TakesAListOfAnyLengthBehindWhatItHolds) {
-  for (const std::size_t length : {0, 1, 5, 1000}) {
+  for (const std::size_t length : {0UL, 1UL, 5UL, 1000UL}) {
     ListText list;
     std::string expected;
     for (std::size_t count = 0; count < length; ++count) expected += (count == 0 ? "1" : ", 1");
