@@ -199,14 +199,7 @@ class Router:
         """Starts the program. The first request does it, too."""
         if self._process is not None:
             return
-        binary = program("ROUTER_API_BIN")
-        if binary is None:
-            raise RuntimeError("ROUTER_API_BIN is not set: run the tests through ctest or script/test")
-        self.root.mount(binary, str(_PROGRAM))
-        environment = {**SANITIZER_OPTIONS, **self.environment}
-        if (libuci := program("SYSTEM_UCI_LIB")) is not None:
-            self.root.mount(libuci, f"/router/lib/{libuci.name}")
-            environment["LD_LIBRARY_PATH"] = "/router/lib"
+        environment = {**SANITIZER_OPTIONS, **self.environment, **self.install_program()}
         environment["FAST_TIME_RATE"] = str(self.time_rate)
         shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci, "MEMORY_LIB": self.count_memory}
         loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None]
@@ -218,6 +211,17 @@ class Router:
         with open(self.directory / "stderr", "ab") as stderr:
             self._process = subprocess.Popen(self.root.command(self._program_command(environment), environment),
                                              stdin=self._listener, stdout=stderr, stderr=stderr)
+
+    def install_program(self) -> dict[str, str]:
+        """Puts the program in its place, and the libuci that is to be its own; gives the environment that it needs."""
+        binary = program("ROUTER_API_BIN")
+        if binary is None:
+            raise RuntimeError("ROUTER_API_BIN is not set: run the tests through ctest or script/test")
+        self.root.mount(binary, str(_PROGRAM))
+        if (libuci := program("SYSTEM_UCI_LIB")) is None:
+            return {}
+        self.root.mount(libuci, f"/router/lib/{libuci.name}")
+        return {"LD_LIBRARY_PATH": "/router/lib"}
 
     def _program_command(self, environment: dict[str, str]) -> list[str]:
         """Under an emulator, what is preloaded is the program's, not the emulator's."""

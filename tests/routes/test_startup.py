@@ -7,7 +7,6 @@ import subprocess
 import pytest
 
 from kit import fastcgi
-from kit.router import program
 
 LAN = "/api/v1/lan"
 
@@ -15,9 +14,9 @@ LAN = "/api/v1/lan"
 def start_by_shell(router, text):
     """Starts the program by a shell line of the router, in place of the kit's own way."""
     router.start = lambda: None
-    router.root.mount(program("ROUTER_API_BIN"), "/usr/sbin/router-api")
+    environment = router.install_program()
     with open(router.directory / "stderr", "ab") as stderr:
-        router._process = subprocess.Popen(router.root.command(["/bin/sh", "-c", text], {}), stdin=router._listener,
+        router._process = subprocess.Popen(router.root.command(["/bin/sh", "-c", text], environment), stdin=router._listener,
                                            stdout=stderr, stderr=stderr)
 
 
