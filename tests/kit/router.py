@@ -199,11 +199,9 @@ class Router:
         """Starts the program. The first request does it, too."""
         if self._process is not None:
             return
-        environment = {**SANITIZER_OPTIONS, **self.environment, **self.install_program()}
-        environment["FAST_TIME_RATE"] = str(self.time_rate)
+        environment = {**SANITIZER_OPTIONS, **self.environment, "FAST_TIME_RATE": str(self.time_rate), **self.install_program()}
         shims = {"FAST_TIME_LIB": not self.real_time, "UCI_CALLS_LIB": self.count_uci, "MEMORY_LIB": self.count_memory}
-        loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None]
-        loaded += self.preload
+        loaded = [shim for variable, wanted in shims.items() if wanted and (shim := program(variable)) is not None] + self.preload
         for shim in loaded:
             self.root.mount(shim, f"/router/{shim.name}")
         if loaded:
