@@ -262,8 +262,10 @@ class Root:
     # The machine's side of the mount.
 
     def mount(self, source: os.PathLike | str, path: str, writable: bool = False) -> None:
-        """Shows a file or directory of the machine at the router's `path`."""
-        self._mounts.append(("--bind" if writable else "--ro-bind", os.path.abspath(source), path))
+        """Shows a file or directory of the machine at the router's `path`; said again, it is still one mount."""
+        mount = ("--bind" if writable else "--ro-bind", os.path.abspath(source), path)
+        if mount not in self._mounts:
+            self._mounts.append(mount)
 
     def full_disk(self, path: str, files: dict[str, str]) -> None:
         """A file system at the router's `path` with these files, of less than a page each, and room for nothing more.

@@ -143,6 +143,16 @@ def test_the_root_keeps_the_machine_out(router):
         assert name not in names.split()
 
 
+def test_a_start_adds_no_mounts(router):
+    """Every one makes the next start slower, and the program's view of its file systems longer."""
+    for _ in range(2):
+        assert router.get("/api/v1/ntp").status == 200
+        mounts = router.root.command(["true"])
+        router.kill()
+        router.restart()
+    assert router.root.command(["true"]) == mounts
+
+
 def test_waits_pass_at_once_and_are_kept_in_their_order(router):
     router.root.mount(os.environ["FAST_TIME_LIB"], "/router/fast_time.so")
     script = "import time, os; time.sleep(86400); os.system('logger x; sleep 3'); time.sleep(0.25)"
