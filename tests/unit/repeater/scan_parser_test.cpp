@@ -2,6 +2,8 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 #include <json-c/json.h>
@@ -11,8 +13,12 @@
 
 namespace {
 
+// A scan that the build has written. Where another build's program is run, it is not there.
 std::string fixture(const std::string& name) {
-  return platform::read_file((std::string(UNIT_SCANS "/") + name).c_str()).value();
+  const std::string path = UNIT_SCANS "/" + name;
+  const std::optional<std::string> content = platform::read_file(path.c_str());
+  if (!content) throw std::runtime_error(path + " is missing: the build of unit_repeater makes it");
+  return *content;
 }
 
 // The list as it is answered.
