@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/log.h"
+#include "platform/text.h"
 #include "uci_section.h"
 
 namespace {
@@ -21,7 +22,7 @@ bool delete_section(const uci::Section& section, platform::LogPlace place) {
 // A position by its whole number, or else by the digits that its text begins with. No section has the highest number,
 // which stands for all that lies beyond it.
 std::optional<int> read_id(const json::Object& element, std::string_view text) {
-  if (text.empty() || text.front() < '0' || text.front() > '9') return std::nullopt;
+  if (text.empty() || !platform::is_digit(text.front())) return std::nullopt;
   std::optional<int> id = element.number("id");
   if (!id) {
     id = std::numeric_limits<int>::max();

@@ -8,14 +8,11 @@
 #include <vector>
 
 #include "platform/log.h"
+#include "platform/text.h"
 
 namespace {
 
 constexpr std::size_t kMaskTextMax = 31;
-
-bool all_digits(std::string_view text) {
-  return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-}
 
 std::vector<std::string_view> split_at_dots(std::string_view text) {
   std::vector<std::string_view> fields;
@@ -29,7 +26,8 @@ std::vector<std::string_view> split_at_dots(std::string_view text) {
 
 // A field of an address: 0 to 255 without a leading zero.
 std::optional<std::uint32_t> parse_field(std::string_view field) {
-  if (!all_digits(field) || field.size() > 3 || (field.size() > 1 && field.front() == '0')) return std::nullopt;
+  if (!platform::is_digits(field) || field.size() > 3 || (field.size() > 1 && field.front() == '0'))
+    return std::nullopt;
   std::uint32_t value = 0;
   std::from_chars(field.data(), field.data() + field.size(), value);
   if (value > 255) return std::nullopt;
@@ -50,7 +48,7 @@ std::optional<std::uint32_t> parse_ipv4(std::string_view text) {
 
 // A field of a mask as the mask check reads it: its leading digits, -1 for what begins otherwise.
 int mask_field(std::string_view field) {
-  if (field.empty() || field[0] < '0' || field[0] > '9' || (field.size() > 1 && field[0] == '0')) return -1;
+  if (field.empty() || !platform::is_digit(field[0]) || (field.size() > 1 && field[0] == '0')) return -1;
   int value = -1;
   std::from_chars(field.data(), field.data() + field.size(), value);
   return value;

@@ -1,7 +1,6 @@
 // The mesh as an agent sees it.
 #include "mesh/agent_topology.h"
 
-#include <algorithm>
 #include <unordered_set>
 
 #include "mesh/dump_index.h"
@@ -41,7 +40,7 @@ class LegacyReader {
       is_wired_ = platform::holds(*name, "eth") && *name != "eth1";
       return {};
     }
-    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    line = platform::trim_start(line);
     if (!is_wired_ || !platform::holds(line, ":") || line.size() < kMacLength) return {};
     return std::string(line.substr(0, kMacLength));
   }

@@ -1,9 +1,8 @@
 // Merging of client rows.
 #include "mesh/client_table.h"
 
-#include <cctype>
-
 #include "mesh/topology.h"
+#include "platform/text.h"
 
 namespace {
 
@@ -13,10 +12,9 @@ constexpr std::size_t kMacDigits = 12;
 std::string digits_of(std::string_view text, std::size_t most) {
   std::string digits;
   for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (std::isxdigit(byte) != 0 && digits.size() < most) digits += static_cast<char>(std::toupper(byte));
+    if (platform::is_hex_digit(character) && digits.size() < most) digits += character;
   }
-  return digits;
+  return platform::upper_case(digits);
 }
 
 void update(ClientRecord& row, const ClientRecord& record) {
@@ -50,10 +48,9 @@ std::uint64_t mac_key(std::string_view text) {
   std::uint64_t digits = 0;
   std::uint64_t count = 0;
   for (const char character : text) {
-    const auto byte = static_cast<unsigned char>(character);
-    if (std::isxdigit(byte) == 0 || count == kMacDigits) continue;
-    const int digit = std::isdigit(byte) != 0 ? byte - '0' : std::toupper(byte) - 'A' + 10;
-    digits = digits << 4U | static_cast<std::uint64_t>(digit);
+    const std::optional<unsigned> digit = platform::hex_value(character);
+    if (!digit || count == kMacDigits) continue;
+    digits = digits << 4U | *digit;
     ++count;
   }
   return count << kBitsOfAll | digits;

@@ -13,11 +13,9 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kMediums{"ETHER", "WLAN2G", "WLAN5G", "WLAN6G"};
 
-bool is_digit(char character) { return character >= '0' && character <= '9'; }
-
 bool ends_interface_table(std::string_view line) {
   const std::size_t bridged = line.find("Bridged addresses:");
-  return bridged != std::string_view::npos && std::ranges::any_of(line.substr(0, bridged), is_digit);
+  return bridged != std::string_view::npos && std::ranges::any_of(line.substr(0, bridged), platform::is_digit);
 }
 
 // Without every "(...)".
@@ -77,8 +75,8 @@ void DumpIndex::add_line(std::size_t number, std::string_view line) {
 }
 
 void DumpIndex::add_interface_row(std::size_t number, std::string_view line) {
-  const std::size_t first = line.find_first_not_of(" \t");
-  if (first == std::string_view::npos || !is_digit(line[first])) return;
+  const std::string_view row_text = platform::trim_start(line);
+  if (row_text.empty() || !platform::is_digit(row_text.front())) return;
   InterfaceRow row;
   row.line = number;
   std::array<char, 32> medium{};

@@ -2,14 +2,12 @@
 #include "mesh/dump_lines.h"
 
 #include <algorithm>
-#include <cctype>
 
 #include "platform/text.h"
 
 namespace {
 
-bool is_hex_or_colon(unsigned char byte) { return std::isxdigit(byte) != 0 || byte == ':'; }
-bool is_digit(unsigned char byte) { return std::isdigit(byte) != 0; }
+bool is_hex_or_colon(char character) { return platform::is_hex_digit(character) || character == ':'; }
 
 // "MAC INDEX Remote" of a row of bridged addresses; empty for every other line.
 std::string bridged_row(std::string_view line) {
@@ -17,7 +15,7 @@ std::string bridged_row(std::string_view line) {
   if (mac.size() != kMacLength || !std::ranges::all_of(mac, is_hex_or_colon)) return {};
   const std::string_view index = platform::take_word(line);
   const std::string_view type = platform::take_word(line);
-  if (index.empty() || !std::ranges::all_of(index, is_digit) || type != "Remote" || !line.empty()) return {};
+  if (!platform::is_digits(index) || type != "Remote" || !line.empty()) return {};
   return std::string(mac).append(" ").append(index).append(" ").append(type);
 }
 

@@ -178,7 +178,7 @@ class TopologyParser {
       return true;
     }
     if (interface_.empty() || interface_is_eth1_ || !platform::holds(line, ":")) return false;
-    line.remove_prefix(std::min(line.find_first_not_of(" \t"), line.size()));
+    line = platform::trim_start(line);
     if (line.size() < kMacLength || !info_.root) return true;
     add_station(*info_.root, line.substr(0, kMacLength), platform::holds(interface_, "eth") ? "ETHER" : "Wireless");
     return true;

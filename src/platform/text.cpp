@@ -108,6 +108,8 @@ std::vector<std::string> split_lines(std::string_view text, std::size_t size) {
   return lines;
 }
 
+bool is_digits(std::string_view text) { return !text.empty() && std::ranges::all_of(text, is_digit); }
+
 std::string lower_case(std::string_view text) {
   std::string lower(text);
   for (char& letter : lower) {
@@ -171,9 +173,7 @@ bool is_one_line(std::string_view text) {
 
 bool parse_decimal(std::string_view text, int& value) {
   const bool is_negative = text.starts_with('-');
-  const std::string_view digits = text.substr(is_negative ? 1 : 0);
-  const auto is_digit = [](char character) { return character >= '0' && character <= '9'; };
-  if (digits.empty() || !std::ranges::all_of(digits, is_digit)) return false;
+  if (!is_digits(text.substr(is_negative ? 1 : 0))) return false;
   int parsed = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), parsed);
   if (error == std::errc::result_out_of_range) parsed = is_negative ? INT_MIN : INT_MAX;

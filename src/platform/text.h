@@ -33,6 +33,20 @@ std::vector<std::string> split_lines(std::string_view text, std::size_t size = 0
 // The same, one at a time, for texts that may be long.
 void for_each_line(std::string_view text, std::size_t size, const std::function<void(const std::string&)>& visit);
 
+// --- Digits. No locale has a say.
+
+constexpr bool is_digit(char character) { return character >= '0' && character <= '9'; }
+// What a hexadecimal digit of either case stands for; nullopt for any other character.
+constexpr std::optional<unsigned> hex_value(char digit) {
+  if (is_digit(digit)) return static_cast<unsigned>(digit - '0');
+  if (digit >= 'a' && digit <= 'f') return static_cast<unsigned>(digit - 'a' + 10);
+  if (digit >= 'A' && digit <= 'F') return static_cast<unsigned>(digit - 'A' + 10);
+  return std::nullopt;
+}
+constexpr bool is_hex_digit(char character) { return hex_value(character).has_value(); }
+// `text` is decimal digits alone, at least one.
+bool is_digits(std::string_view text);
+
 // --- Letters.
 
 // A to Z become a to z, and the other way round. No locale has a say.

@@ -56,18 +56,11 @@ std::optional<float> parse_number(std::string_view text) {
   return value;
 }
 
-std::optional<unsigned int> hex_digit(char digit) {
-  if (digit >= '0' && digit <= '9') return static_cast<unsigned int>(digit - '0');
-  if (digit >= 'a' && digit <= 'f') return static_cast<unsigned int>(digit - 'a' + 10);
-  if (digit >= 'A' && digit <= 'F') return static_cast<unsigned int>(digit - 'A' + 10);
-  return std::nullopt;
-}
-
 // The byte of an escape at the start of the text.
 std::optional<char> parse_escape(std::string_view text) {
   if (text.size() < 4 || text[0] != '\\' || text[1] != 'x') return std::nullopt;
-  const auto high = hex_digit(text[2]);
-  const auto low = hex_digit(text[3]);
+  const auto high = platform::hex_value(text[2]);
+  const auto low = platform::hex_value(text[3]);
   if (!high || !low) return std::nullopt;
   return static_cast<char>(*high * 16 + *low);
 }

@@ -1,7 +1,6 @@
 // GET and POST /api/v1/wireless/rebootschedule: a weekly reboot in the cron table. Answers are plain JSON.
 #include "system/reboot_schedule.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -10,6 +9,7 @@
 #include "handlers.h"
 #include "platform/file.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 
 namespace {
@@ -20,8 +20,7 @@ constexpr const char* kSchedulePath = "/etc/config/rebootschedule.txt";
 constexpr const char* kCronList = "/tmp/tmp_cron_list";  // as the commands below call it
 
 bool is_time(std::string_view text) {
-  const bool four_digits = text.size() == 4 && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
-  return four_digits && text.substr(0, 2) <= "23" && text.substr(2) <= "59";
+  return text.size() == 4 && platform::is_digits(text) && text.substr(0, 2) <= "23" && text.substr(2) <= "59";
 }
 
 std::optional<Schedule> read_schedule(const json::Document& document) {

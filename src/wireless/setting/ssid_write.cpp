@@ -2,13 +2,13 @@
 #include "wireless/setting/ssid_write.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string>
 #include <string_view>
 
 #include "domain/interface_plan.h"
 #include "domain/security_codes.h"
 #include "platform/log.h"
+#include "platform/text.h"
 #include "system_helpers.h"
 #include "uci_section.h"
 #include "unit/brand.h"
@@ -170,8 +170,7 @@ int check_wifi_password(const char* password) {
   const std::string_view text = password == nullptr ? "" : password;
   if (text.empty()) return 0;
   const auto is_ascii = [](unsigned char c) { return c < 0x80; };
-  const auto is_hex = [](unsigned char c) { return std::isxdigit(c) != 0; };
-  if (text.size() == kHexKey) return std::ranges::all_of(text, is_hex) ? 0 : 1;
+  if (text.size() == kHexKey) return std::ranges::all_of(text, platform::is_hex_digit) ? 0 : 1;
   const bool is_passphrase = text.size() >= kShortest && text.size() < kHexKey;
   return is_passphrase && std::ranges::all_of(text, is_ascii) ? 0 : 1;
 }

@@ -16,6 +16,32 @@ struct Cut {
   std::string_view expected;
 };
 
+TEST(Digits, AreThoseOfAsciiAlone) {
+  std::string decimal;
+  std::string hexadecimal;
+  for (int byte = 0; byte < 256; ++byte) {
+    const char character = static_cast<char>(byte);
+    if (platform::is_digit(character)) decimal += character;
+    if (platform::is_hex_digit(character)) hexadecimal += character;
+  }
+  EXPECT_EQ(decimal, "0123456789");
+  EXPECT_EQ(hexadecimal, "0123456789ABCDEFabcdef");
+}
+
+TEST(Digits, StandForTheirValue) {
+  unsigned value = 0;
+  for (const char digit : std::string_view("0123456789abcdef")) EXPECT_EQ(platform::hex_value(digit), value++);
+  value = 10;
+  for (const char digit : std::string_view("ABCDEF")) EXPECT_EQ(platform::hex_value(digit), value++);
+  for (const char other : std::string_view("/:@G`g \xFF")) EXPECT_EQ(platform::hex_value(other), std::nullopt);
+}
+
+TEST(Digits, AreAllOfATextThatHoldsOne) {
+  for (const char* text : {"0", "0123456789"}) EXPECT_TRUE(platform::is_digits(text)) << text;
+  for (const char* text : {"", " ", "-1", "+1", "1 ", "1a", "\xD9\xA1"})
+    EXPECT_FALSE(platform::is_digits(text)) << text;
+}
+
 TEST(CutUtf8, LeavesOutACharacterThatDoesNotFitWhole) {
   for (const Cut& row : {
            Cut{"", 0, ""},
