@@ -23,8 +23,9 @@ constexpr const char* kGetHandler = "handle_get_parental_control_info";
 constexpr const char* kReplace = "parental_control_set_from_json";
 constexpr const char* kPackage = "mia";
 constexpr const char* kType = "macbind";
-constexpr std::size_t kMostIds = 2048;
+constexpr RuleList kRules{.key = "parentalControls", .package = kPackage, .type = kType, .most_ids = 2048};
 constexpr std::size_t kValueSize = 1024;
+constexpr std::string_view kDone = answers::wait(10);
 
 struct Field {
   const char* key;
@@ -89,12 +90,6 @@ std::optional<json::ListText> read_entries() {
   return entries;
 }
 
-json::List list_of(const json::Document& document, platform::LogPlace place = platform::LogPlace::here()) {
-  const json::List list = document->list("parentalControls");
-  if (document && !list) log_error_at(place, "parentalControls is NULL\n");
-  return list;
-}
-
 // What is there can be stored and read again; whether anything is missing is told when the entry is written.
 bool is_storable(const json::Object& entry) {
   return std::ranges::all_of(kFields, [&entry](const Field& field) {
@@ -140,7 +135,7 @@ bool add_entry(const json::Object& element) {
 // 0, or 1 on failure; what was written until then stays.
 int parental_control_set_from_json(const char* body) {
   const json::Document document = parse_object(body, kNoRules);
-  const json::List list = list_of(document);
+  const json::List list = list_of(document, kRules);
   if (!list) return 1;
   const std::optional<std::string> enable = document->text("enable");
   if (!enable || enable->empty()) {
@@ -148,7 +143,7 @@ int parental_control_set_from_json(const char* body) {
     return 1;
   }
   if (!platform::is_storable(*enable) || !is_storable(list)) return 1;
-  if (!delete_all(kPackage, kType)) return 1;
+  if (!delete_all(kRules)) return 1;
   if (!basic().set("enable", *enable)) {
     log_error("Failed to set enable\n");
     return 1;
@@ -159,19 +154,7 @@ int parental_control_set_from_json(const char* body) {
   return 0;
 }
 
-int parental_control_delete_from_json(const char* body) {
-  const json::Document document = parse_object(body, kNoRules);
-  const json::List list = list_of(document);
-  const std::optional<std::vector<int>> ids = list ? read_ids(list, kMostIds) : std::nullopt;
-  return ids && delete_positions(kPackage, kType, *ids) ? 0 : 1;
-}
-
-// The firewall is restarted after a failure, too: the list may be half written.
-int answer_change(FCGX_Request* request, bool is_done) {
-  answer(request, is_done ? answers::wait(10) : answers::kUnusable);
-  restart_firewall();
-  return is_done ? 0 : 1;
-}
+int parental_control_delete_from_json(const char* body) { return delete_listed(body, kRules) ? 0 : 1; }
 
 }  // namespace
 
@@ -187,9 +170,9 @@ int handle_get_parental_control_info(FCGX_Request* request) {
 }
 
 int handle_set_parental_control(FCGX_Request* request, const char* body) {
-  return answer_change(request, parental_control_set_from_json(body) == 0);
+  return answer_change(request, parental_control_set_from_json(body) == 0, kDone);
 }
 
 int handle_delete_parental_control(FCGX_Request* request, const char* body) {
-  return answer_change(request, parental_control_delete_from_json(body) == 0);
+  return answer_change(request, parental_control_delete_from_json(body) == 0, kDone);
 }

@@ -22,7 +22,8 @@ namespace {
 constexpr const char* kGetHandler = "handle_get_portopen_json";
 constexpr const char* kPackage = "portmapping";
 constexpr const char* kType = "redirect";
-constexpr std::size_t kMostIds = 256;
+constexpr RuleList kRules{.key = "portOpenSettings", .package = kPackage, .type = kType, .most_ids = 256};
+constexpr std::string_view kDone = answers::wait(5);
 constexpr int kTcp = 1;
 constexpr int kUdp = 2;
 
@@ -106,39 +107,22 @@ bool add_rule(const json::Object& element) {
   return set_rule(settings);
 }
 
-json::List list_of(const json::Document& document, platform::LogPlace place = platform::LogPlace::here()) {
-  const json::List list = document->list("portOpenSettings");
-  if (!list) log_error_at(place, "portOpenSettings is NULL\n");
-  return list;
-}
-
 // False on failure. The old rules are gone even when the request names no list: kept as it is.
 bool set_rules(const char* body) {
   constexpr const char* kHandler = "handle_set_portopen";
   const json::Document document = parse_object(body, kNoRules, platform::LogPlace::here(kHandler));
   if (!document) return false;
-  const json::List list = document->list("portOpenSettings");
-  if (!list && document->has_any("portOpenSettings")) return false;
-  if (!is_storable(list) || !delete_all(kPackage, kType, platform::LogPlace::here(kHandler))) return false;
-  if (!list_of(document, platform::LogPlace::here(kHandler))) return false;
+  const json::List list = document->list(kRules.key);
+  if (!list && document->has_any(kRules.key)) return false;
+  if (!is_storable(list) || !delete_all(kRules, platform::LogPlace::here(kHandler))) return false;
+  if (!list_of(document, kRules, platform::LogPlace::here(kHandler))) return false;
   for (const json::Object rule : list) {
     if (!add_rule(rule)) return false;
   }
   return true;
 }
 
-int port_mapping_delete_from_json(const char* body) {
-  const json::Document document = parse_object(body, kNoRules);
-  const json::List list = document ? list_of(document) : json::List();
-  const std::optional<std::vector<int>> ids = list ? read_ids(list, kMostIds) : std::nullopt;
-  return ids && delete_positions(kPackage, kType, *ids) ? 0 : 1;
-}
-
-int answer_change(FCGX_Request* request, bool is_done) {
-  answer(request, is_done ? answers::wait(5) : answers::kUnusable);
-  restart_firewall();
-  return is_done ? 0 : 1;
-}
+int port_mapping_delete_from_json(const char* body) { return delete_listed(body, kRules) ? 0 : 1; }
 
 }  // namespace
 
@@ -153,8 +137,10 @@ int handle_get_portopen_json(FCGX_Request* request) {
   return answer(request, std::move(document));
 }
 
-int handle_set_portopen(FCGX_Request* request, const char* body) { return answer_change(request, set_rules(body)); }
+int handle_set_portopen(FCGX_Request* request, const char* body) {
+  return answer_change(request, set_rules(body), kDone);
+}
 
 int handle_delete_portopen(FCGX_Request* request, const char* body) {
-  return answer_change(request, port_mapping_delete_from_json(body) == 0);
+  return answer_change(request, port_mapping_delete_from_json(body) == 0, kDone);
 }

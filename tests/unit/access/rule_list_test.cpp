@@ -11,8 +11,9 @@
 namespace {
 
 constexpr const char* kFile = "/etc/config/rules";
+constexpr RuleList kRules{.key = "list", .package = "rules", .type = "rule", .most_ids = 3};
 
-class RuleList : public testing::Test {
+class RuleListTest : public testing::Test {
  protected:
   void SetUp() override {
     std::filesystem::create_directories("/etc/config");
@@ -38,7 +39,7 @@ std::optional<std::vector<int>> ids_of(const std::string& elements, std::size_t 
   return read_ids(document->list("list"), most);
 }
 
-TEST_F(RuleList, IdsAreReadAsTheirTextSays) {
+TEST_F(RuleListTest, IdsAreReadAsTheirTextSays) {
   const std::vector<int> expected{2, 0, 7, 7, 12};
   EXPECT_EQ(ids_of(R"({"id":2},{"id":"0"},{"id":"7x"},{"id":"7 "},{"id":"012"})"), expected);
   EXPECT_EQ(ids_of(R"({"id":1.0},{"id":1.5},{"id":1e1},{"id":"1e1"})"), (std::vector<int>{1, 1, 10, 1}));
@@ -46,7 +47,7 @@ TEST_F(RuleList, IdsAreReadAsTheirTextSays) {
   EXPECT_EQ(ids_of(""), std::vector<int>{});
 }
 
-TEST_F(RuleList, WhatIsNoPositionIsRefused) {
+TEST_F(RuleListTest, WhatIsNoPositionIsRefused) {
   for (const char* id :
        {"null", "[]", "[1]", "{}", "true", "false", "-1", "\"-1\"", "\"\"", "\"x\"", "\" 1\"", "\"+1\"", "-0.5",
         "2147483648", "\"2147483648\"", "99999999999999999999", "\"99999999999999999999x\"", "1e300", "4294967296"}) {
@@ -55,35 +56,53 @@ TEST_F(RuleList, WhatIsNoPositionIsRefused) {
   }
 }
 
-TEST_F(RuleList, AMissingIdAndTooManyAreRefused) {
+TEST_F(RuleListTest, AMissingIdAndTooManyAreRefused) {
   for (const char* elements : {"{}", "null", "1", "[]", "\"1\"", R"({"id":1},{})"}) {
     EXPECT_EQ(ids_of(elements), std::nullopt) << elements;
   }
   EXPECT_EQ(ids_of(R"({"id":1},{"id":1})", 1), std::nullopt);
 }
 
-TEST_F(RuleList, PositionsAreDeletedFromTheLastOneOn) {
-  EXPECT_TRUE(delete_positions("rules", "rule", {0, 2, 1}));
+TEST_F(RuleListTest, PositionsAreDeletedFromTheLastOneOn) {
+  EXPECT_TRUE(delete_positions(kRules, {0, 2, 1}));
   EXPECT_EQ(names(), "d");
 }
 
-TEST_F(RuleList, AnUnknownPositionEndsTheDeletingBeforeTheOthers) {
-  EXPECT_FALSE(delete_positions("rules", "rule", {1, 9}));
+TEST_F(RuleListTest, AnUnknownPositionEndsTheDeletingBeforeTheOthers) {
+  EXPECT_FALSE(delete_positions(kRules, {1, 9}));
   EXPECT_EQ(names(), "abcd");
 }
 
-TEST_F(RuleList, ARepeatedPositionDeletesOneSection) {
-  EXPECT_TRUE(delete_positions("rules", "rule", {1, 3, 1}));
+TEST_F(RuleListTest, ARepeatedPositionDeletesOneSection) {
+  EXPECT_TRUE(delete_positions(kRules, {1, 3, 1}));
   EXPECT_EQ(names(), "ac");
 }
 
-TEST_F(RuleList, DeletingAllLeavesTheOtherTypes) {
-  EXPECT_TRUE(delete_all("rules", "rule"));
-  EXPECT_EQ(names(), "");
-  EXPECT_EQ(uci::count("rules", "other"), 4);
-  EXPECT_TRUE(delete_all("rules", "rule"));
+TEST_F(RuleListTest, WhatARequestListsIsDeleted) {
+  EXPECT_TRUE(delete_listed(R"({"list":[{"id":3},{"id":"0"}]})", kRules));
+  EXPECT_EQ(names(), "bc");
+  EXPECT_TRUE(delete_listed(R"({"list":[]})", kRules));
+  EXPECT_EQ(names(), "bc");
 }
 
-TEST_F(RuleList, AMissingPackageIsAFailure) { EXPECT_FALSE(delete_all("nosuch", "rule")); }
+TEST_F(RuleListTest, ARequestWithoutAListOrWithTooManyIdsDeletesNothing) {
+  for (const char* body : {"", "5", "{}", R"({"list":null})", R"({"list":{"id":0}})", R"({"other":[{"id":0}]})",
+                           R"({"list":[{"id":"x"}]})", R"({"list":[{"id":0},{"id":1},{"id":2},{"id":3}]})"}) {
+    EXPECT_FALSE(delete_listed(body, kRules)) << body;
+  }
+  EXPECT_FALSE(delete_listed(nullptr, kRules));
+  EXPECT_EQ(names(), "abcd");
+}
+
+TEST_F(RuleListTest, DeletingAllLeavesTheOtherTypes) {
+  EXPECT_TRUE(delete_all(kRules));
+  EXPECT_EQ(names(), "");
+  EXPECT_EQ(uci::count("rules", "other"), 4);
+  EXPECT_TRUE(delete_all(kRules));
+}
+
+TEST_F(RuleListTest, AMissingPackageIsAFailure) {
+  EXPECT_FALSE(delete_all({.key = "list", .package = "nosuch", .type = "rule", .most_ids = 5}));
+}
 
 }  // namespace
