@@ -6,6 +6,9 @@
 #include <string_view>
 #include <vector>
 
+// Where the name servers stand that the upstream network told.
+inline constexpr const char* kResolvConf = "/tmp/resolv.conf.auto";
+
 struct LanAddress {
   std::string address;
   std::string mask;

@@ -11,11 +11,8 @@
 
 namespace {
 
-constexpr const char* kResolvConf = "/tmp/resolv.conf.auto";
 constexpr std::size_t kNumberSize = 32;
 constexpr std::size_t kIpv6TextMax = 63;
-
-uci::Section lan() { return {"network", "lan"}; }
 
 bool is_lan_dhcp_server_on() { return uci::Section("dhcp", "lan").read_or("ignore", kNumberSize, "") != "1"; }
 
@@ -46,7 +43,7 @@ void read_ipv6(LanSettings& settings, bool is_client) {
 
 // False (logged) for a protocol that the LAN never has.
 bool read_dhcp_client(LanSettings& settings, const unit::OperatingMode& mode, bool is_dhcp_server_on) {
-  const std::string proto = lan().read_or("proto", kNumberSize, "static");
+  const std::string proto = lan_section().read_or("proto", kNumberSize, "static");
   if (proto != "dhcp" && proto != "static") {
     log_error_as("cmd_get_lan_netowrk", "Unkown value of\tnetwork.lan.proto by uci get api \n");
     return false;
@@ -66,8 +63,8 @@ int is_ap_or_repeater_mode() {
 
 void get_gateway_and_dns_by_uci(std::string& gateway, std::string& dns1, std::string& dns2) {
   constexpr std::size_t kDnsSlot = kIpv4TextSize - 1;  // an element that fills its slot has no terminator
-  gateway = lan().read_or("gateway", kIpv4TextSize, kAddressNotFound);
-  const auto servers = lan().read_list("dns", kDnsSlot, 2).value_or(std::vector<std::string>{});
+  gateway = lan_section().read_or("gateway", kIpv4TextSize, kAddressNotFound);
+  const auto servers = lan_section().read_list("dns", kDnsSlot, 2).value_or(std::vector<std::string>{});
   dns1 = element_or_none(servers, 0);
   dns2 = element_or_none(servers, 1);
 }
@@ -79,7 +76,7 @@ int cmd_get_lan_netowrk(LanSettings& settings) {
   if (!mac) log_error("Fail to get network.lan.macaddr value by uci api\n");
   settings.mac_address = mac.value_or("");
 
-  const std::optional<std::string> protection = lan().read("globalIp", kNumberSize);
+  const std::optional<std::string> protection = lan_section().read("globalIp", kNumberSize);
   if (!protection) {
     log_error("Fail to get network.lan.globalIp by uci api\n");
     return 1;
@@ -102,7 +99,7 @@ int cmd_get_lan_netowrk(LanSettings& settings) {
     get_gateway_and_dns_by_uci(settings.ipv4_gateway, settings.ipv4_dns1, settings.ipv4_dns2);
   }
 
-  const std::optional<std::string> ipv6 = lan().read("ipv6", kNumberSize);
+  const std::optional<std::string> ipv6 = lan_section().read("ipv6", kNumberSize);
   if (!ipv6) {
     log_error("Fail to get network.lan.ipv6 value by uci api\n");
     return 1;

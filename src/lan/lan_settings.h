@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "uci_section.h"
+
 // What GET reports and POST fills. Address texts hold at most 31 bytes (IPv4) or 63 (IPv6).
 struct LanSettings {
   std::string mac_address;
@@ -24,6 +26,8 @@ struct LanSettings {
 
 inline constexpr const char* kAddressNotFound = "None";
 inline constexpr std::size_t kIpv4TextSize = 32;  // with the terminating NUL
+
+inline uci::Section lan_section() { return {"network", "lan"}; }
 
 // 1 when the stored mode is that of a client of another router, else 0, also when it cannot be read.
 int is_ap_or_repeater_mode();

@@ -12,11 +12,9 @@ namespace {
 
 constexpr const char* kSetter = "cmd_set_lan_network";
 
-uci::Section lan() { return {"network", "lan"}; }
-
 bool set_lan_option(const char* option, const std::string& value,
                     platform::LogPlace place = platform::LogPlace::here(kSetter)) {
-  if (lan().set(option, value)) return true;
+  if (lan_section().set(option, value)) return true;
   log_error_at(place, "fail to set network.lan.%s by uci api\n", option);
   return false;
 }
@@ -49,8 +47,8 @@ StaticResult apply_static(const LanSettings& settings, const unit::OperatingMode
   if (has_gateway && has_dns && mode.is_client() && !apply_gateway_and_dns(settings)) {
     return StaticResult::kDoneWithoutReload;
   }
-  if (!has_gateway) lan().remove("gateway");
-  if (!has_dns) lan().remove("dns");
+  if (!has_gateway) lan_section().remove("gateway");
+  if (!has_dns) lan_section().remove("dns");
   return StaticResult::kReload;
 }
 
@@ -59,7 +57,7 @@ StaticResult apply_static(const LanSettings& settings, const unit::OperatingMode
 int remove_lan_static_config() {
   constexpr std::array<const char*, 4> kOptions{"ipaddr", "dns", "gateway", "netmask"};
   for (const char* option : kOptions) {
-    if (!lan().remove(option)) log_error("fail to delete network.lan.%s by uci api\n", option);
+    if (!lan_section().remove(option)) log_error("fail to delete network.lan.%s by uci api\n", option);
   }
   return 0;
 }
@@ -70,18 +68,18 @@ int set_lan_dns(const std::string& dns1, const std::string& dns2) {
     log_error(" First DNS can not be empty!\n");
     return 1;
   }
-  const auto stored = lan().read_list("dns", kSlot, 2).value_or(std::vector<std::string>{});
+  const auto stored = lan_section().read_list("dns", kSlot, 2).value_or(std::vector<std::string>{});
   for (std::size_t index = 0; index < stored.size(); ++index) {
-    if (!lan().remove_from_list("dns", stored[index])) {
+    if (!lan_section().remove_from_list("dns", stored[index])) {
       log_error(" fail to delete network.lan.dns[%d]  by UciDelList api\n", static_cast<int>(index));
       return 1;
     }
   }
-  if (!lan().add_to_list("dns", dns1)) {
+  if (!lan_section().add_to_list("dns", dns1)) {
     log_error(" fail to set network.lan.dns to first dns by UciAddList api\n");
     return 1;
   }
-  if (!dns2.empty() && !lan().add_to_list("dns", dns2)) {
+  if (!dns2.empty() && !lan_section().add_to_list("dns", dns2)) {
     log_error(" fail to set network.lan.dns to second dns by UciAddList api\n");
     return 1;
   }

@@ -1,6 +1,7 @@
 // The LAN reload: it outlives the request, since the answer has to reach the client before the address changes.
 #include <cstdlib>
 
+#include "lan/lan_live.h"
 #include "lan/lan_settings.h"
 #include "platform/background.h"
 #include "platform/file.h"
@@ -9,7 +10,6 @@
 
 namespace {
 
-constexpr const char* kResolvConf = "/tmp/resolv.conf.auto";
 constexpr const char* kResolvConfBackup = "/tmp/resolv.conf.auto.bak";
 
 // False when something stays at `path` through which cp would write somewhere else: a link, a folder with one. What is
