@@ -1,5 +1,7 @@
 """POST /repeater/connect, the setting call, and the uplink monitor that it starts."""
 
+import os
+import shlex
 import sys
 from pathlib import Path
 
@@ -206,6 +208,22 @@ def test_the_monitor_decides_first_after_80_seconds_and_then_every_20(unit):
     assert calls[:82] == ["wait 1"] * 80 + [STATUS.format("ath13"), "wait 1"]
     assert calls[81:103] == ["wait 1"] * 20 + [STATUS.format("ath13"), "wait 1"]
     assert unit.logged("check wifi connect status", priority=7)
+
+
+@pytest.fixture
+def small_stacks(monkeypatch):
+    """128 KiB for the program and each of its threads: what a router's C library, musl, gives a thread."""
+    if os.environ.get("ROUTER_API_EMULATOR"):
+        pytest.skip("the limit would be the emulator's")
+    script = 'if [ "$1" = -E ]; then export "$2"; shift 2; fi; ulimit -s 128; exec "$@"'
+    monkeypatch.setenv("ROUTER_API_EMULATOR", shlex.join(["/usr/bin/sh", "-c", script, "sh"]))
+
+
+def test_the_monitor_needs_no_larger_stack_than_musl_gives(small_stacks, unit):
+    station(unit, "ath13")
+    connected(unit, "ath13", "COMPLETED", "SCANNING")
+    start_monitor(unit)
+    unit.wait_until(lambda: actions(unit) == UP + DOWN, "the access points' way up and down")
 
 
 @pytest.mark.parametrize("name", STATIONS)
