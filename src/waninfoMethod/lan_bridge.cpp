@@ -19,9 +19,6 @@ struct OptionValue {
   const char* value;
 };
 
-// A write that fails stops nothing: it is told in the log.
-uci::Section lan() { return {"network", "lan"}; }
-
 void set_bridge_ports(std::initializer_list<const char*> ports) {
   const uci::Section bridge("network", "@device[0]");
   for (const char* port : kPorts) bridge.remove_from_list("ports", port);
@@ -39,13 +36,15 @@ std::string lan_address() {
   return brand.lan_address;
 }
 
+// A write that fails stops nothing: it is told in the log. So below.
 void restore_lan() {
-  lan().set("ifname", "eth0");
-  lan().set("proto", "static");
-  lan().set("ipaddr", lan_address());
+  const uci::Section lan("network", "lan");
+  lan.set("ifname", "eth0");
+  lan.set("proto", "static");
+  lan.set("ipaddr", lan_address());
   constexpr std::array<OptionValue, 4> kRest{
       {{"netmask", "255.255.255.0"}, {"ip6assign", "60"}, {"ieee1905managed", "1"}, {"force_link", "1"}}};
-  for (const OptionValue& row : kRest) lan().set(row.option, row.value);
+  for (const OptionValue& row : kRest) lan.set(row.option, row.value);
   unit::set_operating_mode(unit::kRouterMode);
   uci::Section("dhcp", "lan").remove("ignore");
 }
@@ -53,11 +52,12 @@ void restore_lan() {
 }  // namespace
 
 void turn_lan_into_client() {
-  for (const char* option : {"force_link", "ip6assign", "netmask", "ipaddr"}) lan().remove(option);
-  lan().set("proto", "dhcp");
+  const uci::Section lan("network", "lan");
+  for (const char* option : {"force_link", "ip6assign", "netmask", "ipaddr"}) lan.remove(option);
+  lan.set("proto", "dhcp");
   set_bridge_ports({"eth0", "eth1", "eth2"});
-  lan().set("ieee1905managed", "1");
-  lan().set("globalIp", "1");
+  lan.set("ieee1905managed", "1");
+  lan.set("globalIp", "1");
   uci::Section("dhcp", "lan").set("ignore", "1");
 }
 
