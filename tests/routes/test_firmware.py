@@ -135,6 +135,16 @@ def test_1_relies_on_an_earlier_check(router):
     assert "/usr/sbin/orvanehota -c" not in router.commands()
 
 
+def test_an_image_from_before_is_not_taken_for_the_downloaded_one(router):
+    downloads(router)
+    router.write(FILE, "from before")
+    assert router.post(AUTOMATIC, {"checkAndUpdate": 1}).json["result"] == 0
+    tool = tool_of("orvane")
+    router.wait_for_call(tool, "-u")
+    assert hota_commands(router) == [f"{tool} -d", f"{tool} -v", "sleep 1", f"{tool} -u"]
+    assert router.read(FILE) == "image"
+
+
 @pytest.mark.parametrize("status", ["0\n", "2\n", "", "x\n", None])
 def test_without_a_newer_version_the_answer_is_result_1(router, status):
     router.remove("/tmp/HotaVersionStatus")
