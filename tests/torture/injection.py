@@ -22,6 +22,7 @@ SHORT = {"count": 250}
 
 _HOLE = "@@hole@@"
 _BENIGN = MARK + "plain"
+_BENIGN_MAC = _BENIGN.ljust(17, "0")  # a MAC address is told by its length alone
 _HEADERS = ("CONTENT_TYPE", "HTTP_COOKIE", "HTTP_HOST", "QUERY_STRING", "REMOTE_ADDR", "HTTP_PROXY", "PATH_INFO", "SCRIPT_NAME")
 
 
@@ -119,6 +120,7 @@ class Watch:
         """What becomes of a harmless text in the member's place."""
         after, shown_texts = self._harmless(member.holding(_BENIGN))
         self.addresses, self.places = _addresses(after), len(shown_texts)
+        self.addresses |= _addresses(self._harmless(member.holding(_BENIGN_MAC))[0])
 
     def _harmless(self, document: dict) -> tuple[dict[str, bytes], list[str]]:
         answer = self.unit.send(json.dumps(document).encode())

@@ -66,7 +66,4 @@ def _kill(figures: Figures, faulty: FaultyUnit, at: int | None, late: float) -> 
 
 def _is_over(unit: Unit) -> bool:
     """The request made fewer calls than before: other threads of it were sooner or later."""
-    if unit.route in LASTING:
-        tool, *arguments = LASTING[unit.route]
-        return any(call.args[:len(arguments)] == tuple(arguments) for call in unit.router.calls(tool))
-    return unit.is_idle()
+    return unit.is_under_way() if unit.route in LASTING else unit.is_idle()

@@ -80,11 +80,15 @@ class Unit:
 
     def settle(self, accepted: bool = False) -> None:
         """Waits until nothing goes on behind the answer, or until what goes on is well under way."""
-        if accepted and self.route in LASTING:
-            self.router.wait_for_call(*LASTING[self.route])
-            return
         assert self.router.alive()  # what the program itself still does is done before the next request
-        self.router.wait_until(self.is_idle, "the end of all background work")
+        self.router.wait_until(lambda: accepted and self.is_under_way() or self.is_idle(), "the end of all background work")
+
+    def is_under_way(self) -> bool:
+        """Of the routes whose work goes on; not all that they accept makes them begin it."""
+        if self.route not in LASTING:
+            return False
+        tool, *arguments = LASTING[self.route]
+        return any(call.args[:len(arguments)] == tuple(arguments) for call in self.router.calls(tool))
 
     def is_idle(self) -> bool:
         try:
