@@ -85,7 +85,7 @@ def uris_and_headers(share: float, bounds: Bounds) -> Figures:
                 return figures
             text = payload.raw[:60_000]
             for base in (b"/api/v1/lan", b"/api/v1/", b"/", b""):
-                watch.get(figures, f"uri {base.decode()}{payload.name}", {"REQUEST_URI": base + text}, silent=text != b"")
+                watch.get(figures, f"uri {base.decode()}{payload.name}", {"REQUEST_URI": base + text}, silent=base + text != b"/api/v1/lan")
             for name in _HEADERS:
                 watch.get(figures, f"{name} {payload.name}", {"REQUEST_URI": b"/api/v1/lan", name: text})
             watch.get(figures, f"method {payload.name}", {"REQUEST_URI": b"/api/v1/lan", "REQUEST_METHOD": text}, silent=True)
