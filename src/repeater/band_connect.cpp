@@ -29,24 +29,20 @@ struct BandStep {
 constexpr std::array<BandStep, kBandCount> kBandSteps{
     {{SetConfig24G, "24g"}, {SetConfig5G, "5g"}, {SetConfig6G, "6g"}}};
 
-void set_option(const char* section, const char* option, const char* value) {
-  uci_command(std::string("set wireless.") + section + '.' + option + '=' + value);
-}
-
 void set_radio(const BandConfig& config) {
   const Band& band = config.band;
-  set_option(band.radio, "disabled", "0");
-  set_option(band.radio, "channel", "0");  // automatic
+  set_wireless(band.radio, "disabled", "0");
+  set_wireless(band.radio, "channel", "0");  // automatic
   if (config.extra_radio_command != nullptr) uci_command(config.extra_radio_command);
 }
 
 void attach_interfaces(const BandConfig& config) {
   const Band& band = config.band;
-  set_option(band.ap, "mode", "ap");
-  set_option(band.ap, "device", band.radio);
-  set_option(band.station, "device", band.radio);
-  set_option(band.station, "ifname", band.station);
-  set_option(band.station, "network", "lan");
+  set_wireless(band.ap, "mode", "ap");
+  set_wireless(band.ap, "device", band.radio);
+  set_wireless(band.station, "device", band.radio);
+  set_wireless(band.station, "ifname", band.station);
+  set_wireless(band.station, "network", "lan");
   if (config.extra_station_command != nullptr) uci_command(config.extra_station_command);
   uci_command(std::string("set repeater.repeater_band.repeater_select_band=") + band.name);
 }

@@ -46,16 +46,12 @@ bool set_multi_ru(int enable) {
     log_error_as(kHandler, "multiRuEnable error\n");
     return false;
   }
-  uci_command(enable == 1 ? "set wireless.wifi1.dfs_puncture_en=1" : "set wireless.wifi1.dfs_puncture_en=0");
+  set_wireless("wifi1", "dfs_puncture_en", enable == 1 ? "1" : "0");
   return true;
 }
 
-void set_aps_disabled(const char* disabled) {
-  for (const Band& band : kBands) uci_command(std::string("set wireless.") + band.ap + ".disabled=" + disabled);
-}
-
 void set_extra_aps_disabled(const char* disabled) {
-  for (const Band& band : kBands) uci_command(std::string("set wireless.") + band.extra_ap + ".disabled=" + disabled);
+  for (const Band& band : kBands) set_wireless(band.extra_ap, "disabled", disabled);
 }
 
 bool try_connect(const RepeaterConnectInfo& info) {
@@ -70,7 +66,7 @@ bool try_connect(const RepeaterConnectInfo& info) {
   }
   set_aps_disabled("1");
   set_extra_aps_disabled("1");
-  uci_command("set wireless.ath1.cactimeout=0");
+  set_wireless("ath1", "cactimeout", "0");
   uci_commit("wireless");
   os_system("/sbin/wifi down && /etc/init.d/network restart && /sbin/wifi up &");
   return true;
@@ -78,7 +74,7 @@ bool try_connect(const RepeaterConnectInfo& info) {
 
 // The try-connect call never completed, or its last poll told that the station is not connected.
 void undo_try_connect() {
-  for (const Band& band : kBands) uci_command(std::string("delete wireless.") + band.station + ".mld");
+  for (const Band& band : kBands) delete_wireless(band.station, "mld");
   set_aps_disabled("1");
   uci_command("set repeater.repeater_band.mlo=0");
   uci_commit("wireless", "repeater");

@@ -21,12 +21,8 @@ constexpr Commands kSetSae{"encryption=ccmp", "sae=1", "force_invalid_group=1", 
 constexpr std::array<std::string_view, 4> kDeleteSae{"sae=1", "sae_confirm_immediate=1", "force_invalid_group=1",
                                                      "ieee80211w=2"};
 
-std::string option_of(std::string_view ifname, std::string_view option) {
-  return std::string("wireless.").append(ifname).append(".").append(option);
-}
-
 void set_option(std::string_view ifname, std::string_view assignment) {
-  uci_command("set " + option_of(ifname, assignment));
+  uci_command("set " + wireless_option(ifname, assignment));
 }
 
 void set_sae(std::string_view ifname) {
@@ -34,7 +30,7 @@ void set_sae(std::string_view ifname) {
 }
 
 void delete_sae(std::string_view ifname) {
-  for (const std::string_view option : kDeleteSae) uci_command("delete " + option_of(ifname, option));
+  for (const std::string_view option : kDeleteSae) delete_wireless(ifname, option);
 }
 
 void set_wpa2(std::string_view ifname, bool sae_was_on) {
@@ -63,13 +59,13 @@ bool reads_one(const char* ifname, const char* option) {
 void set_keys(std::string_view ifname, const char* key, const FollowFlags& flags) {
   for (std::size_t band = 0; band < kBandCount; ++band) {
     if (flags[band] == 0) continue;
-    uci_set_value(option_of(kBands[band].ap, "key"), key);
-    if (ifname == kBands[band].station) uci_set_value(option_of(ifname, "key"), key);
+    uci_set_value(wireless_option(kBands[band].ap, "key"), key);
+    if (ifname == kBands[band].station) uci_set_value(wireless_option(ifname, "key"), key);
   }
 }
 
 void set_station(std::string_view ifname, const char* ssid, int compati_mode) {
-  uci_set_value(option_of(ifname, "ssid"), ssid);
+  uci_set_value(wireless_option(ifname, "ssid"), ssid);
   set_option(ifname, compati_mode == kStationUsesExtap ? "extap=1" : "wds=1");
   set_option(ifname, "mode=sta");
 }
@@ -103,7 +99,7 @@ int SetWifiParaByEncrypt(const char* ifname, int encrypt_type) {
     set_wpa2(ifname, sae_was_on);
   } else if (encrypt_type == kEncryptSae) {
     set_sae(ifname);
-    uci_command("delete " + option_of(ifname, "owe=1"));
+    delete_wireless(ifname, "owe=1");
   } else {
     set_open(ifname, sae_was_on);
   }
@@ -120,8 +116,8 @@ int SetWifiBasicPara(const char* ifname, const char* ssid, const char* key, cons
   const auto is_ap = [name](const Band& band) { return name == band.ap; };
   const auto ap = std::find_if(kBands.begin(), kBands.end(), is_ap);
   if (ap != kBands.end() && flags[static_cast<std::size_t>(ap - kBands.begin())] != 0) {
-    uci_set_value(option_of(ap->ap, "ssid"), ssid);
-    uci_set_value(option_of(ap->ap_mld, "mld_ssid"), ssid);
+    uci_set_value(wireless_option(ap->ap, "ssid"), ssid);
+    uci_set_value(wireless_option(ap->ap_mld, "mld_ssid"), ssid);
   }
   if (key != nullptr) set_keys(name, key, flags);
 

@@ -55,7 +55,7 @@ bool set_security_and_ssids(const MloSteps& steps, const RepeaterConnectInfo& in
 
 void unlink_stale_stations(const MloSteps& steps) {
   uci_command("delete wireless.mld7");
-  for (const char* station : steps.stale_stations) uci_command(std::string("delete wireless.") + station + ".mld");
+  for (const char* station : steps.stale_stations) delete_wireless(station, "mld");
 }
 
 void set_station_mld(const MloSteps& steps, const RepeaterConnectInfo& info, const std::string& mld_mac) {
@@ -194,8 +194,8 @@ int SetMlo256GInfo(const RepeaterConnectInfo& info, std::string_view previous_ml
 
 void ClearRepeaterMlo() {
   uci_command("delete wireless.mld7");
-  for (const Band& band : kBands) uci_command(std::string("delete wireless.") + band.station + ".mld");
-  for (const Band& band : kBands) uci_command(std::string("delete wireless.") + band.station + ".wds");
+  for (const Band& band : kBands) delete_wireless(band.station, "mld");
+  for (const Band& band : kBands) delete_wireless(band.station, "wds");
   uci_command("set repeater.repeater_band.mlo=0");
   uci_commit("wireless", "repeater");
 }

@@ -55,7 +55,7 @@ bool attach_stations() {
   }
   const std::span<const std::size_t> stations = find_stations(*mlo, *band);
   for (const std::size_t station : stations) {
-    uci_command(std::string("set wireless.") + kBands[station].station + ".network=lan");
+    set_wireless(kBands[station].station, "network", "lan");
   }
   return !stations.empty();
 }

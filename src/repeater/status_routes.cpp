@@ -60,7 +60,7 @@ std::optional<int> read_connect_result() {
   const std::optional<std::string> mlo = stored.read("mlo", kMloSize);
   if (!mlo) {
     log_error_as(kHandler, "get repeater_band mlo band failed.\n");
-    for (const Band& row : kBands) uci_command(std::string("set wireless.") + row.ap + ".disabled=1");
+    set_aps_disabled("1");
     return kNotConnected;
   }
   const char* station = find_station(*mlo, band.value_or(""));

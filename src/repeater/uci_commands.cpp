@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "platform/log.h"
+#include "repeater/bands.h"
 #include "system_helpers.h"
 #include "uci_section.h"
 
@@ -12,6 +13,22 @@ void uci_command(const std::string& arguments) { os_system("uci " + arguments); 
 
 void uci_set_value(const std::string& option, const std::string& value) {
   os_exec({"uci", "set", option + '=' + value});
+}
+
+std::string wireless_option(std::string_view section, std::string_view option) {
+  return std::string("wireless.").append(section).append(".").append(option);
+}
+
+void set_wireless(std::string_view section, std::string_view option, std::string_view value) {
+  uci_command("set " + wireless_option(section, option).append("=").append(value));
+}
+
+void delete_wireless(std::string_view section, std::string_view option) {
+  uci_command("delete " + wireless_option(section, option));
+}
+
+void set_aps_disabled(const char* disabled) {
+  for (const Band& band : kBands) set_wireless(band.ap, "disabled", disabled);
 }
 
 int read_compati_mode(const char* caller) {

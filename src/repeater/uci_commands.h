@@ -2,12 +2,22 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 // Runs "uci <arguments>" by the shell: constants and our own numbers only. A failed call stops nothing.
 void uci_command(const std::string& arguments);
 
 // Runs "uci set <option>=<value>" with the value as it came, whatever it holds.
 void uci_set_value(const std::string& option, const std::string& value);
+
+// "wireless.<section>.<option>", as commands address it.
+std::string wireless_option(std::string_view section, std::string_view option);
+// "uci set wireless.<section>.<option>=<value>" and "uci delete wireless.<section>.<option>", as above: constants and
+// our own numbers only.
+void set_wireless(std::string_view section, std::string_view option, std::string_view value);
+void delete_wireless(std::string_view section, std::string_view option);
+// `disabled`, "0" or "1", of the local access point of every band.
+void set_aps_disabled(const char* disabled);
 
 // Commits the packages, in this order.
 template <class... Package>

@@ -39,7 +39,7 @@ void switch_running_aps(const char* verb) {
 }
 
 void store_ap_state(const char* disabled) {
-  for (const Band& band : kBands) uci_command(std::string("set wireless.") + band.ap + ".disabled=" + disabled);
+  set_aps_disabled(disabled);
   uci_commit("wireless");
 }
 

@@ -24,6 +24,18 @@ TEST(UciCommands, RunInTheirOrderWhateverBecomesOfThem) {
               ElementsAre("uci set wireless.ath03.disabled=0", "uci commit wireless", "uci commit network"));
 }
 
+TEST(UciCommands, AddressAnOptionOfTheWirelessPackage) {
+  FakeTools tools;
+  tools.provide("uci");
+  set_wireless("ath13", "network", "lan");
+  delete_wireless("ath13", "mld");
+  set_aps_disabled("1");
+  EXPECT_THAT(tools.calls(), ElementsAre("uci set wireless.ath13.network=lan", "uci delete wireless.ath13.mld",
+                                         "uci set wireless.ath02.disabled=1", "uci set wireless.ath12.disabled=1",
+                                         "uci set wireless.ath22.disabled=1"));
+  EXPECT_EQ(wireless_option("mld4", "mld_ssid"), "wireless.mld4.mld_ssid");
+}
+
 TEST(UciCommands, CarryAValueAsOneArgumentWhateverItHolds) {
   FakeTools tools;
   tools.provide("uci", "printf '<%s>' \"$@\" >/tmp/uci_commands_test");
