@@ -16,7 +16,7 @@ namespace {
 
 using package_text::section;
 using package_text::stored;
-using ::testing::ElementsAre;
+using ::testing::UnorderedElementsAre;
 
 constexpr const char* kScript = "/opt/sense/bin/sense_init.sh";
 constexpr const char* kVersion = "/opt/sense/VERSION";
@@ -93,7 +93,7 @@ TEST_F(SecurityService, IsSwitchedAndStartedOrStopped) {
       if (call.starts_with(kScript)) calls.push_back(call);
     }
   }
-  EXPECT_THAT(calls, ::testing::UnorderedElementsAre(std::string(kScript) + " stop", std::string(kScript) + " start"));
+  EXPECT_THAT(calls, UnorderedElementsAre(std::string(kScript) + " stop", std::string(kScript) + " start"));
 }
 
 TEST_F(SecurityService, IsLeftAsItIsByWhatIsRefused) {

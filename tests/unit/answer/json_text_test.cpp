@@ -12,7 +12,7 @@ using json::ObjectText;
 // json-c's text of the document that `text` is.
 std::string as_json_c(const std::string& text) {
   json_object* value = json_tokener_parse(text.c_str());
-  const std::string written = json_object_to_json_string(value);
+  std::string written = json_object_to_json_string(value);
   json_object_put(value);
   return written;
 }
