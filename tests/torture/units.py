@@ -15,9 +15,9 @@ from .corpus import CANARY
 
 kit.router.DEADLINE_S = 120.0  # what must come comes; how soon is no matter of the machine's load
 RAW = {"system/firmware": b"\0\x01image " * 500, "system/config/restore": None, "system/config/backup": b""}
-# Routes whose work goes on once it was accepted: what tells that it is under way.
-LASTING = {"reboot": ("reboot",), "repeater/connect": ("/sbin/wifi", "up"), "system/config/waninit": ("reboot",),
-           "system/config/restore": ("/sbin/reboot",)}
+# Routes whose work goes on once it was accepted: the calls of which one tells that it is under way.
+LASTING = {"reboot": {"reboot"}, "repeater/connect": {"/sbin/wifi up", "/sbin/wifi multi_up mld4 mld5 mld6 mld0"},
+           "system/config/waninit": {"reboot"}, "system/config/restore": {"/sbin/reboot"}}
 OUTSIDE = ("router", "usr", "machine", "proc", "dev")  # what of a root is no file of the router's
 
 
@@ -85,10 +85,7 @@ class Unit:
 
     def is_under_way(self) -> bool:
         """Of the routes whose work goes on; not all that they accept makes them begin it."""
-        if self.route not in LASTING:
-            return False
-        tool, *arguments = LASTING[self.route]
-        return any(call.args[:len(arguments)] == tuple(arguments) for call in self.router.calls(tool))
+        return not LASTING.get(self.route, set()).isdisjoint(self.router.commands())
 
     def is_idle(self) -> bool:
         try:
