@@ -47,10 +47,12 @@ std::string mesh(int agents, int stations) {
   const std::string root = mac(0, 1);
   std::string dump = "1905.1 topology dump\n\n" + device(root, "None") + "    0 " + kBridgeHead + kBlockEnd;
   for (int agent = 0; agent < agents; ++agent) {
-    dump += device(mac(1, agent), root) + remote_table(root) + kRemoteEnd + "    64 " + kBridgeHead;
+    for (const std::string& part : {device(mac(1, agent), root), remote_table(root), kRemoteEnd}) dump += part;
+    dump.append("    64 ").append(kBridgeHead);
     for (int station = 0; station < stations; ++station) {
       const std::string row = "        " + mac(2 + agent % 200, (agent / 200) * stations + station);
-      dump += row + "    " + std::to_string(station % 4) + "        Remote\n" + row + "    2        Remote\n";
+      dump.append(row).append("    ").append(std::to_string(station % 4)).append("        Remote\n");
+      dump.append(row).append("    2        Remote\n");
     }
     dump += kBlockEnd;
   }
@@ -65,7 +67,7 @@ std::string many_agents(std::size_t size) {
 
 // One agent with all the stations.
 std::string one_agent(std::size_t size) {
-  constexpr std::size_t kStationSize = 2 * 45;
+  constexpr std::size_t kStationSize = std::size_t{2} * 45;
   return mesh(1, static_cast<int>(size / kStationSize));
 }
 

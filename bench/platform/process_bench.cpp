@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t kMegabyte = 1024 * 1024;
+constexpr std::size_t kMegabyte = std::size_t{1} << 20;
 
 // Memory that is really there.
 std::unique_ptr<char[]> resident(std::int64_t megabytes) {

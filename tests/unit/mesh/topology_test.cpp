@@ -219,7 +219,7 @@ TEST(ParseTopology, AcceptsAWiredStationOneBelowTheRadioOf24GHzOnly) {
 
 TEST(ParseTopology, TakesTheRadioOf24GHzThatCounts) {
   const auto wired = [](const std::string& rows) {
-    return stations_of(parse(agent_with(rows, "0C:00:00:00:00:01 0 Remote")).devices[1]) != "";
+    return !stations_of(parse(agent_with(rows, "0C:00:00:00:00:01 0 Remote")).devices[1]).empty();
   };
   EXPECT_TRUE(wired("0 ETHER x:0F\n1 WLAN2G x:10\n4 WLAN2G x:20"));
   EXPECT_FALSE(wired("0 ETHER x:1F\n1 WLAN2G x:10\n4 WLAN2G x:20"));

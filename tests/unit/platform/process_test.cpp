@@ -32,7 +32,7 @@ TEST(Run, PassesEveryArgumentWhole) {
 }
 
 TEST(Run, MovesInputAndOutputOfAnySize) {
-  const std::string text(3 * 1024 * 1024, 'x');
+  const std::string text(std::size_t{3} << 20, 'x');
   const platform::ProcessResult result = run({"cat"}, {.input = text});
   EXPECT_TRUE(result.succeeded());
   EXPECT_EQ(result.output.size(), text.size());
@@ -41,7 +41,7 @@ TEST(Run, MovesInputAndOutputOfAnySize) {
 TEST(Run, GivesAChildWithoutInputTheEndOfTheFile) { EXPECT_EQ(run({"cat"}).output, ""); }
 
 TEST(Run, OutlivesAChildThatDoesNotReadItsInput) {
-  const std::string text(1024 * 1024, 'x');
+  const std::string text(std::size_t{1} << 20, 'x');
   EXPECT_TRUE(run({"true"}, {.input = text}).succeeded());
 }
 

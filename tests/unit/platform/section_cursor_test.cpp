@@ -1,6 +1,7 @@
 // Sections by position, read one after another.
 #include "platform/section_cursor.h"
 
+#include <array>
 #include <filesystem>
 #include <string>
 
@@ -41,9 +42,9 @@ class SectionCursor : public ::testing::Test {
   }
   void TearDown() override { std::filesystem::remove_all(dir_); }
   std::string read(const std::string& section) {
-    std::string out(64, '\0');
+    std::array<char, 64> out{};
     if (UciGetOption(dir_.c_str(), "pkg", section.c_str(), "a", out.data(), out.size()) != 0) return "(none)";
-    return out.c_str();
+    return out.data();
   }
   std::string read(int index) { return read("@thing[" + std::to_string(index) + "]"); }
 
