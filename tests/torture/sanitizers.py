@@ -67,7 +67,7 @@ def routes(route: str, bounds: Bounds) -> Figures:
     figures = Figures()
     os.environ["ROUTER_API_BIN"] = str(_FOLDER / "router-api")  # a part has a process of its own
     figures.notes.add(f"routes under {' and '.join(sanitizers_of(program('ROUTER_API_BIN'))) or 'no sanitizer'}")
-    unit = Unit(route)
+    unit = Unit(route, threads=1)
     try:
         body = first_documents()[route]
         for _ in range(_ROUNDS):

@@ -40,9 +40,11 @@ def first_documents() -> dict[str, dict | bytes]:
 class Unit:
     """A router for one route, with the canary among its tools."""
 
-    def __init__(self, route: str, method: str = "POST", start: bool = True, prepare=lambda router: None, **attributes):
-        """`attributes` are those of kit.Router that count before its start: time_rate, preload, environment."""
-        self.route, self.method = route, method
+    def __init__(self, route: str, method: str = "POST", start: bool = True, prepare=lambda router: None, threads: int = 0,
+                 **attributes):
+        """`threads`: how many a sanitizer keeps once the program had one. `attributes` are those of kit.Router that count
+        before its start: time_rate, preload, environment."""
+        self.route, self.method, self._threads = route, method, threads
         given = GIVEN.get(route) if method == "POST" else None
         self.router = _router(route)
         for name, value in attributes.items():
@@ -89,11 +91,13 @@ class Unit:
 
     def is_idle(self) -> bool:
         try:
-            return self.activity() == self.idle
+            processes, threads = self.activity()
         except OSError:
             return False  # a process ended meanwhile
+        return processes == self.idle[0] and threads in (self.idle[1], self.idle[1] + self._threads)
 
     def activity(self) -> tuple:
+        """What runs: processes, and the program's threads."""
         program = self.router.processes()
         if not program:
             raise ProcessLookupError("the program has ended")
