@@ -183,6 +183,7 @@ std::vector<std::string> uci_words(const PackageFolder& folder, std::vector<std:
 // Runs a command: the processor's time in seconds that it took, its start included. What it prints goes to `output`.
 double run(benchmark::State& state, std::vector<std::string> words, const std::string& output = "/dev/null") {
   std::vector<char*> argv;
+  argv.reserve(words.size() + 1);
   for (std::string& word : words) argv.push_back(word.data());
   argv.push_back(nullptr);
   posix_spawn_file_actions_t actions;

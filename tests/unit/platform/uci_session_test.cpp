@@ -1,6 +1,7 @@
 // One request's view of UCI: what is read once, what is written once, and who sees it when.
 #include "platform/uci_session.h"
 
+#include <array>
 #include <filesystem>
 #include <stdexcept>
 #include <sys/wait.h>
@@ -41,9 +42,9 @@ class Session : public ::testing::Test {
     return UciSetOption(dir_.c_str(), package, "s", option, value);
   }
   std::string get(const char* option) {
-    std::string out(64, '\0');
+    std::array<char, 64> out{};
     if (UciGetOption(dir_.c_str(), "pkg", "s", option, out.data(), out.size()) != 0) return "(none)";
-    return out.c_str();
+    return out.data();
   }
   static constexpr const char* kOld = "\nconfig thing 's'\n\toption a '1'\n\n";
   static constexpr const char* kChanged = "\nconfig thing 's'\n\toption a '2'\n\n";

@@ -14,7 +14,7 @@ class TestFolder : public ::testing::Test {
   void SetUp() override { std::filesystem::create_directories(folder_); }
   void TearDown() override { std::filesystem::remove_all(folder_); }
   std::string file(const std::string& content) {
-    const std::string path = folder_ + "/file";
+    std::string path = folder_ + "/file";
     EXPECT_TRUE(platform::write_file(path.c_str(), content));
     return path;
   }
