@@ -4,6 +4,7 @@ import os
 import stat
 
 import pytest
+from gate import Gate
 
 from kit import GARBAGE_BODIES, HOSTILE
 
@@ -21,6 +22,13 @@ def test_user_and_password_are_set(router):
     assert [(c.args, c.stdin) for c in router.calls("passwd")] == [(("admin",), "s3cret pass\ns3cret pass\n")]
     assert router.read("/etc/apfpasswd") == "s3cret pass\n"
     router.wait_until(lambda: any("/usr/sbin/refreshPasswd.sh" in c for c in router.commands()))
+
+
+def test_the_answer_comes_before_the_refresh(router):
+    gate = Gate(router, "/usr/sbin/refreshPasswd.sh")
+    assert router.post(URI, GOOD).json["result"] == 0
+    assert not gate.is_passed()
+    gate.open()
 
 
 def test_the_password_file_is_its_owners_alone(router):

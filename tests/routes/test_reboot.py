@@ -4,6 +4,7 @@ import os
 import stat
 
 import pytest
+from gate import Gate
 from process_state import descriptors, resources
 
 from kit import GARBAGE_BODIES, HOSTILE
@@ -32,16 +33,10 @@ def test_the_wait_depends_on_brand_flag_and_button(router, brand, wait, flag, bu
 
 
 def test_the_answer_comes_before_the_reboot(router):
-    gate = router.root.path("/tmp/gate")
-    os.mkfifo(gate)
-    held = os.open(gate, os.O_RDWR)
-    router.remove("/router/bin/reboot")
-    router.write("/router/bin/reboot", "#!/bin/sh\ncat /tmp/gate\n: >/tmp/rebooted\n", 0o755)
+    gate = Gate(router, "/router/bin/reboot")
     assert router.post(REBOOT, {"timeTillReboot": 0}).json["result"] == 0
-    assert not router.exists("/tmp/rebooted")
-    gate.unlink()  # who comes late finds no gate
-    os.close(held)
-    router.wait_until(lambda: router.exists("/tmp/rebooted"), "the reboot")
+    assert not gate.is_passed()
+    gate.open()
 
 
 @pytest.mark.parametrize("seconds", [1, 60, 3600])
