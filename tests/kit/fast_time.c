@@ -14,8 +14,20 @@
 #include <string.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
+#include <sys/timerfd.h>
 #include <time.h>
 #include <unistd.h>
+
+// Where a long has 32 bits, calls with a time of 64 have names and numbers of their own.
+#ifdef __USE_TIME_BITS64
+#define WITH_TIME(name) "__" name "64"
+static const long kGetTime = SYS_clock_gettime64;
+static const long kSleep = SYS_clock_nanosleep_time64;
+#else
+#define WITH_TIME(name) name
+static const long kGetTime = SYS_clock_gettime;
+static const long kSleep = SYS_clock_nanosleep;
+#endif
 
 static const long kMomentNs = 1000000;
 static const long long kGrainNs = 50000000;
@@ -29,7 +41,7 @@ __attribute__((constructor)) static void keep_to_this_process(void) {
 
 static void take_a_moment(void) {
   const struct timespec moment = {0, kMomentNs};
-  syscall(SYS_clock_nanosleep, CLOCK_MONOTONIC, 0, &moment, NULL);
+  syscall(kSleep, CLOCK_MONOTONIC, 0, &moment, NULL);
 }
 
 static void keep(const char* tool, time_t seconds, long nanoseconds) {
@@ -94,7 +106,7 @@ int clock_nanosleep(clockid_t clock, int flags, const struct timespec* wanted, s
 // ever, and its time is over after a moment; where a test says so, its time is never over.
 int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const struct timespec* until) {
   static int (*real)(pthread_cond_t*, pthread_mutex_t*, clockid_t, const struct timespec*);
-  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "pthread_cond_clockwait");
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, WITH_TIME("pthread_cond_clockwait"));
   struct timespec soon;
   clock_gettime(clock, &soon);
   const long long nanoseconds = (long long)(until->tv_sec - soon.tv_sec) * 1000000000 + (until->tv_nsec - soon.tv_nsec);
@@ -167,7 +179,7 @@ int posix_spawnp(pid_t* child, const char* file, const posix_spawn_file_actions_
 }
 
 int clock_gettime(clockid_t clock, struct timespec* now) {
-  const int result = (int)syscall(SYS_clock_gettime, clock, now);
+  const int result = (int)syscall(kGetTime, clock, now);
   if (result != 0 || clock != CLOCK_MONOTONIC || (rate() == 1 && leapt_ns == 0)) return result;
   const long long nanoseconds = ((long long)now->tv_sec * 1000000000 + now->tv_nsec) * rate() + leapt_ns;
   now->tv_sec = (time_t)(nanoseconds / 1000000000);
@@ -195,7 +207,7 @@ static int is_given_up;
 
 int setsockopt(int descriptor, int level, int option, const void* value, socklen_t length) {
   static int (*real)(int, int, int, const void*, socklen_t);
-  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "setsockopt");
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, WITH_TIME("setsockopt"));
   if (level == SOL_SOCKET && option == SO_RCVTIMEO) silent_client = descriptor;
   if (level == SOL_SOCKET && option == SO_SNDTIMEO) deaf_client = descriptor;
   is_given_up = 0;
@@ -256,7 +268,7 @@ pid_t fork(void) {
 // A timer is kept as {"tool": "timer", "args": ["20"]} and goes off after a moment. Disarming one is not kept.
 int timer_settime(timer_t timer, int flags, const struct itimerspec* wanted, struct itimerspec* old) {
   static int (*real)(timer_t, int, const struct itimerspec*, struct itimerspec*);
-  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "timer_settime");
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, WITH_TIME("timer_settime"));
   if (wanted->it_value.tv_sec == 0 && wanted->it_value.tv_nsec == 0) return real(timer, flags, wanted, old);
   keep("timer", wanted->it_value.tv_sec, wanted->it_value.tv_nsec);
   struct itimerspec soon = *wanted;
@@ -267,7 +279,7 @@ int timer_settime(timer_t timer, int flags, const struct itimerspec* wanted, str
 // So is one that the kernel keeps; it goes off again as soon.
 int timerfd_settime(int timer, int flags, const struct itimerspec* wanted, struct itimerspec* old) {
   static int (*real)(int, int, const struct itimerspec*, struct itimerspec*);
-  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "timerfd_settime");
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, WITH_TIME("timerfd_settime"));
   keep("timer", wanted->it_value.tv_sec, wanted->it_value.tv_nsec);
   const struct timespec moment = {0, 20 * kMomentNs};
   const struct timespec never = {0, 0};
