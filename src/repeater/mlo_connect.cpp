@@ -222,8 +222,7 @@ std::string derive_mld_mac(std::string bridge_mac) {
 }
 
 int SetWifiConnectInfoByMlo(const RepeaterConnectInfo& info) {
-  constexpr std::size_t kMloSize = 4;
-  const std::optional<std::string> previous_mlo = uci::Section("repeater", "repeater_band").read("mlo", kMloSize);
+  const std::optional<std::string> previous_mlo = read_mlo_variant();
   if (!previous_mlo) {
     log_error("get mlo band error\n");
     return 1;

@@ -21,8 +21,6 @@ namespace {
 constexpr const char* kStart = "StartDhcpServerAfterConnectedSucc";
 
 constexpr std::size_t kAddressMax = 15;
-constexpr std::size_t kMloSize = 4;
-constexpr std::size_t kBandNameSize = 8;
 constexpr std::size_t kDnsSize = 8;
 
 // The stations that the stored configuration uses; empty (logged) when there is no such configuration.
@@ -42,13 +40,12 @@ std::span<const std::size_t> find_stations(std::string_view mlo, std::string_vie
 }
 
 bool attach_stations() {
-  const uci::Section stored("repeater", "repeater_band");
-  const std::optional<std::string> band = stored.read("repeater_select_band", kBandNameSize);
+  const std::optional<std::string> band = read_select_band();
   if (!band) {
     log_error_as(kStart, "get repeater band error\n");
     return false;
   }
-  const std::optional<std::string> mlo = stored.read("mlo", kMloSize);
+  const std::optional<std::string> mlo = read_mlo_variant();
   if (!mlo) {
     log_error_as(kStart, "get mlo band error\n");
     return false;

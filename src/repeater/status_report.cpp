@@ -11,6 +11,7 @@
 #include "platform/log.h"
 #include "repeater/bands.h"
 #include "repeater/ordered_members.h"
+#include "repeater/uci_commands.h"
 #include "repeater/uplink_monitor.h"
 #include "system_helpers.h"
 #include "uci_section.h"
@@ -69,8 +70,7 @@ std::optional<std::string> read_station(const char* station, const char* option,
 
 void read_modes(Report& report) {
   report.easymesh_enable = report.expect(read_easymesh("enable"), "get repacd enable failed.\n");
-  report.mlo =
-      report.expect(uci::Section("repeater", "repeater_band").read("mlo", kCodeSize), "get mlo staus failed.\n");
+  report.mlo = report.expect(read_mlo_variant(), "get mlo staus failed.\n");
   report.onboarding_done = report.expect(uci::Section("repacd", "MAPConfig").read("OnboardingDone", kCodeSize),
                                          "get OnboardingDone failed\n");
 }

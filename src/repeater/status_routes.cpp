@@ -11,7 +11,6 @@
 #include "repeater/status_report.h"
 #include "repeater/uci_commands.h"
 #include "repeater/uplink_monitor.h"
-#include "uci_section.h"
 
 namespace {
 
@@ -52,12 +51,9 @@ int check_connection(const char* station) {
 
 // wifiConnectResult; nullopt when there is no station to ask.
 std::optional<int> read_connect_result() {
-  constexpr std::size_t kBandNameSize = 8;
-  constexpr std::size_t kMloSize = 4;
-  const uci::Section stored("repeater", "repeater_band");
-  const std::optional<std::string> band = stored.read("repeater_select_band", kBandNameSize);
+  const std::optional<std::string> band = read_select_band();
   if (!band) log_error_as(kHandler, "get repeater_band failed.\r\n");
-  const std::optional<std::string> mlo = stored.read("mlo", kMloSize);
+  const std::optional<std::string> mlo = read_mlo_variant();
   if (!mlo) {
     log_error_as(kHandler, "get repeater_band mlo band failed.\n");
     set_aps_disabled("1");

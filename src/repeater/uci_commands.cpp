@@ -2,12 +2,17 @@
 #include "repeater/uci_commands.h"
 
 #include <cstdlib>
-#include <optional>
 
 #include "platform/log.h"
 #include "repeater/bands.h"
 #include "system_helpers.h"
 #include "uci_section.h"
+
+namespace {
+
+uci::Section repeater_band() { return {"repeater", "repeater_band"}; }
+
+}  // namespace
 
 void uci_command(const std::string& arguments) { os_system("uci " + arguments); }
 
@@ -29,6 +34,16 @@ void delete_wireless(std::string_view section, std::string_view option) {
 
 void set_aps_disabled(const char* disabled) {
   for (const Band& band : kBands) set_wireless(band.ap, "disabled", disabled);
+}
+
+std::optional<std::string> read_mlo_variant() {
+  constexpr std::size_t kMloSize = 4;
+  return repeater_band().read("mlo", kMloSize);
+}
+
+std::optional<std::string> read_select_band() {
+  constexpr std::size_t kBandNameSize = 8;
+  return repeater_band().read("repeater_select_band", kBandNameSize);
 }
 
 int read_compati_mode(const char* caller) {

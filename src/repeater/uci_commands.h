@@ -1,6 +1,7 @@
 // `uci` calls and option reads that the repeater's steps share.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -24,6 +25,10 @@ template <class... Package>
 void uci_commit(const Package*... packages) {
   (uci_command(std::string("commit ") + packages), ...);
 }
+
+// What repeater.repeater_band holds of the uplink; nullopt when it cannot be read.
+std::optional<std::string> read_mlo_variant();  // "0" without one, or MloVariant::stored; at most 3 bytes
+std::optional<std::string> read_select_band();  // Band::name, or another text; at most 7 bytes
 
 // repeater.compatiMode.value as a number: kStationUsesExtap, or any other value for a station that uses WDS. A failure
 // counts as 0 and is logged under `caller`.

@@ -11,7 +11,6 @@
 #include "repeater/bands.h"
 #include "repeater/uci_commands.h"
 #include "system_helpers.h"
-#include "uci_section.h"
 #include "unit/operating_mode.h"
 
 namespace {
@@ -70,9 +69,8 @@ int GetStaInterfaceMask() {
 }
 
 bool is_uplink_down(bool previous) {
-  constexpr std::size_t kMloSize = 4;
   const auto is_lost = [](const char* station) { return GetStaInterfaceConnectStatus(station) != 0; };
-  if (uci::Section("repeater", "repeater_band").read_or("mlo", kMloSize, "") != "0") return is_lost(kStationMld);
+  if (read_mlo_variant() != "0") return is_lost(kStationMld);
   switch (GetStaInterfaceMask()) {
     case 0:
       return true;

@@ -47,6 +47,16 @@ TEST(UciCommands, CarryAValueAsOneArgumentWhateverItHolds) {
   std::filesystem::remove("/tmp/uci_commands_test");
 }
 
+TEST(StoredUplink, IsReadOrNothing) {
+  router_state::config("repeater", package_text::section("repeater", "repeater_band",
+                                                         {{"mlo", "12345"}, {"repeater_select_band", "2.4GHz and"}}));
+  EXPECT_EQ(read_mlo_variant(), "123");
+  EXPECT_EQ(read_select_band(), "2.4GHz ");
+  router_state::config("repeater", package_text::section("repeater", "repeater_band", {{"other", "1"}}));
+  EXPECT_EQ(read_mlo_variant(), std::nullopt);
+  EXPECT_EQ(read_select_band(), std::nullopt);
+}
+
 TEST(ReadCompatiMode, IsANumberOrNoneWhichItsCallerTells) {
   CapturedLog log;
   for (const auto& [text, number] : {std::pair{"1", 1}, {"0", 0}, {"2x", 2}, {"x", 0}}) {
