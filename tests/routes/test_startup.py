@@ -1,14 +1,21 @@
 """What the program makes of what it is started with: descriptors, PATH, umask, its user."""
 
 import os
+import shlex
 import stat
 import subprocess
 
 import pytest
 
 from kit import fastcgi
+from kit.router import sandbox
 
 LAN = "/api/v1/lan"
+
+
+def program():
+    """The program, in a line of the router's shell; another processor's is run by its emulator."""
+    return shlex.join([*sandbox.emulator(), "/usr/sbin/router-api"])
 
 
 def start_by_shell(router, text):
@@ -24,7 +31,7 @@ def start_by_shell(router, text):
 def test_a_standard_stream_that_is_closed_lets_nothing_into_the_answer(router, closed):
     router.tool("ifconfig", err="of a tool", out="")
     router.remove("/tmp/deviceid")  # told on standard error
-    start_by_shell(router, f"exec /usr/sbin/router-api {closed}")
+    start_by_shell(router, f"exec {program()} {closed}")
     for uri in (LAN, "/api/v1/router/info", "/api/v1/system/log/message"):
         answer = router.get(uri)
         assert answer.fcgi.records and set(answer.fcgi.records) <= {fastcgi.STDOUT, fastcgi.STDERR, fastcgi.END_REQUEST}
@@ -38,14 +45,14 @@ def test_without_a_path_tools_are_found_where_a_router_has_them(router, environm
     router.link = router.root.link
     router.link("/usr/sbin/uci", "/router/bin/uci")
     router.link("/usr/sbin/jose", "/router/bin/jose")
-    start_by_shell(router, f"exec env {environment} /usr/sbin/router-api")
+    start_by_shell(router, f"exec env {environment} {program()}")
     assert router.get(LAN).encrypted
 
 
 def test_own_files_are_private_and_those_of_tools_are_as_they_were(router):
     router.remove("/etc/init.d/dnsmasq")
     router.write("/etc/init.d/dnsmasq", "#!/bin/sh\n: > /tmp/made-by-a-tool\n", 0o755)
-    start_by_shell(router, "umask 022; exec /usr/sbin/router-api")
+    start_by_shell(router, f"umask 022; exec {program()}")
     assert router.post("/api/v1/dhcp", {}).json["result"] == 0
     router.wait_until(lambda: router.exists("/tmp/made-by-a-tool"))
     assert mode(router, "/tmp/made-by-a-tool") == 0o644
