@@ -17,16 +17,25 @@ std::size_t largest_block = SIZE_MAX;  // what is asked for beyond it is not giv
 
 }  // namespace
 
-extern "C" {
-void* __real__Znwm(std::size_t size);
-void* __real__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
+// The symbols' names hold the type of size_t; link.cmake wraps them.
+#if SIZE_MAX > UINT32_MAX
+#define SIZE_TYPE "m"
+#else
+#define SIZE_TYPE "j"
+#endif
 
-void* __wrap__Znwm(std::size_t size) {
+extern "C" {
+void* real_new(std::size_t size) __asm__("__real__Znw" SIZE_TYPE);
+void* wrap_new(std::size_t size) __asm__("__wrap__Znw" SIZE_TYPE);
+void* real_new_array(std::size_t size, const std::nothrow_t& tag) __asm__("__real__Zna" SIZE_TYPE "RKSt9nothrow_t");
+void* wrap_new_array(std::size_t size, const std::nothrow_t& tag) __asm__("__wrap__Zna" SIZE_TYPE "RKSt9nothrow_t");
+
+void* wrap_new(std::size_t size) {
   if (size > largest_block) throw std::bad_alloc();
-  return __real__Znwm(size);
+  return real_new(size);
 }
-void* __wrap__ZnamRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) {
-  return size > largest_block ? nullptr : __real__ZnamRKSt9nothrow_t(size, tag);
+void* wrap_new_array(std::size_t size, const std::nothrow_t& tag) {
+  return size > largest_block ? nullptr : real_new_array(size, tag);
 }
 }
 
