@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <set>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -72,11 +73,14 @@ class SpawnPlan {
   void connect(int ours, int theirs) { note(posix_spawn_file_actions_adddup2(&actions_, ours, theirs)); }
 
   // 0 or an error number.
-  // Descriptors are close-on-exec one by one; where the C library can, the child also closes whatever another thread
-  // has just opened.
+  // Descriptors of ours are close-on-exec one by one. Those of a library that are not: where the C library can, the
+  // child closes them, else they are marked here as far as the kernel can (5.11).
   int spawn(const std::vector<std::string>& argv, pid_t& child) {
 #ifdef __GLIBC__
     note(posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1));
+#elif defined(SYS_close_range)
+    constexpr unsigned kCloseOnExec = 1U << 2;
+    syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, kCloseOnExec);
 #endif
     if (error_ != 0) return error_;
     std::vector<char*> words;

@@ -4,8 +4,8 @@
 #include <cstring>
 #include <exception>
 #include <getopt.h>
-#include <span>
 #include <string>
+#include <vector>
 
 #include "session.h"
 
@@ -79,13 +79,20 @@ Parsed parse_option(Session& session, int option) {
   return Parsed::kRun;
 }
 
-Parsed parse_options(Session& session, int argc, char** argv) {
-  for (int option = getopt(argc, argv, "c:C:d:f:LmnNp:P:qsSt:X"); option != -1;
-       option = getopt(argc, argv, "c:C:d:f:LmnNp:P:qsSt:X")) {
+// Options may stand behind the command's words, whatever the C library's getopt() thinks of that by itself.
+Parsed parse_options(Session& session, int argc, char** argv, std::vector<char*>& words) {
+  constexpr int kWord = 1;  // what the leading "-" makes of them
+  constexpr const char* kOptions = "-c:C:d:f:LmnNp:P:qsSt:X";
+  for (int option = getopt(argc, argv, kOptions); option != -1; option = getopt(argc, argv, kOptions)) {
+    if (option == kWord) {
+      words.push_back(optarg);
+      continue;
+    }
     const Parsed parsed = parse_option(session, option);
     if (parsed != Parsed::kRun) return parsed;
   }
-  return optind < argc ? Parsed::kRun : Parsed::kUsage;
+  words.insert(words.end(), argv + optind, argv + argc);  // behind "--"
+  return words.empty() ? Parsed::kUsage : Parsed::kRun;
 }
 
 // False, with its message, when what was printed did not arrive.
@@ -104,13 +111,14 @@ int run(int argc, char** argv) {
     return kExitFailure;
   }
   session.program = argv[0];
-  const Parsed parsed = parse_options(session, argc, argv);
+  std::vector<char*> words;
+  const Parsed parsed = parse_options(session, argc, argv, words);
   if (parsed == Parsed::kFailed) return kExitFailure;
   if (parsed == Parsed::kUsage) {
     print_usage(session.program);
     return 0;
   }
-  const int status = run_command(session, std::span(argv + optind, static_cast<std::size_t>(argc - optind)));
+  const int status = run_command(session, words);
   if (status == kExitUsage) print_usage(session.program);
   if (session.input != stdin) std::fclose(session.input);
   return finish_output(session) ? status : kExitFailure;
