@@ -75,6 +75,7 @@ int main(int argc, char** argv) {
   platform::return_large_blocks();
   platform::provide_path();
   platform::keep_own_files_private();
+  platform::sign_messages();
   platform::tell_of_unwritable_packages();
   const int listening_socket = hide_listening_socket();
   FCGX_Init();

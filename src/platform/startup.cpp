@@ -1,4 +1,4 @@
-// Standard descriptors, PATH, umask, and the packages' folder.
+// Standard descriptors, PATH, umask, the log's name, and the packages' folder.
 #include "platform/startup.h"
 
 #include <cerrno>
@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include "platform/child_umask.h"
@@ -26,6 +27,8 @@ void provide_path() {
 }
 
 void keep_own_files_private() { set_child_umask(umask(077)); }
+
+void sign_messages() { openlog(program_invocation_short_name, 0, LOG_USER); }
 
 void tell_of_unwritable_packages() {
   constexpr const char* kPackages = "/etc/config";

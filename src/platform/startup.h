@@ -14,6 +14,9 @@ void provide_path();
 // umask that it was started with: what the platform's tools make is read by daemons that are nobody in particular.
 void keep_own_files_private();
 
+// The log's messages bear the program's name, which glibc does by itself, and musl, the C library of routers, does not.
+void sign_messages();
+
 // Tells the log when the effective user cannot write the packages: every change would be lost.
 void tell_of_unwritable_packages();
 
