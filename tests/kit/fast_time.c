@@ -19,7 +19,7 @@
 #include <unistd.h>
 
 // Where a long has 32 bits, calls with a time of 64 have names and numbers of their own.
-#ifdef __USE_TIME_BITS64
+#if defined(__USE_TIME_BITS64) && defined(SYS_clock_gettime64)
 #define WITH_TIME(name) "__" name "64"
 static const long kGetTime = SYS_clock_gettime64;
 static const long kSleep = SYS_clock_nanosleep_time64;

@@ -12,6 +12,25 @@ from pathlib import Path
 from .seen import LogLine
 
 
+class _EndedText(str):
+    """What the C library has ended with a line end unless the program had: equal to both."""
+
+    def __eq__(self, other) -> bool:
+        return isinstance(other, str) and self.removesuffix("\n") == other.removesuffix("\n")
+
+    def __ne__(self, other) -> bool:
+        return not self == other
+
+    def __hash__(self) -> int:
+        return hash(self.removesuffix("\n"))
+
+
+def _text_type() -> type[str]:
+    """musl ends messages, glibc does not."""
+    program = os.environ.get("ROUTER_API_BIN")
+    return _EndedText if program and b"/ld-musl-" in Path(program).read_bytes()[:4096] else str
+
+
 class Log:
     """Owns /dev/log. A socket holds ten messages at most, so a thread takes them as they come."""
 
@@ -23,6 +42,7 @@ class Log:
         self._socket.bind(str(path))
         os.chmod(path, 0o666)
         self._socket.setblocking(False)
+        self._text = _text_type()
         self._lock = threading.Lock()
         self._lines: list[LogLine] = []
         self.ended = threading.Event()
@@ -52,7 +72,9 @@ class Log:
             return LogLine(-1, raw, raw)
         priority, text = int(match[1]) & 7, match[3]
         ours = self._OURS.fullmatch(text)
-        return LogLine(priority, ours[3], raw, ours[1], int(ours[2])) if ours else LogLine(priority, text, raw)
+        if ours:
+            return LogLine(priority, self._text(ours[3]), raw, ours[1], int(ours[2]))
+        return LogLine(priority, self._text(text), raw)
 
     def lines(self) -> list[LogLine]:
         self._drain()

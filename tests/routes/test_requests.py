@@ -243,6 +243,8 @@ def test_a_program_whose_socket_is_gone_says_so_and_ends_well(router):
 @pytest.mark.parametrize(("mode", "told"), [(THROW, "no standard exception"), (THROW_STANDARD, "std::bad_alloc")])
 @pytest.mark.parametrize("uri", [LAN, "/api/v1/ntp"])
 def test_what_is_thrown_is_answered_and_the_loop_goes_on(router, uri, mode, told):
+    if b"libstdc++.so" not in program("ROUTER_API_BIN").read_bytes():
+        pytest.skip("the program holds a C++ library of its own, which what another one throws would end")
     router.preload = [program("TORTURE_FAULTS_LIB")]
     faults = Control(router)
     assert router.get(uri).json["result"] == 0

@@ -89,7 +89,7 @@ TEST(ForEachLease, BoundsItsTextsAtACharactersEnd) {
 }
 
 // As fgets hands a line of 255 bytes and more to its reader: in pieces.
-TEST(ForEachLease, TakesALongLineInPieces) {
+TEST(ForEachLease, TakesALongLineOfTheLeasesInPieces) {
   const std::string long_mac(246, 'm');
   EXPECT_EQ(leases_of("150," + long_mac + ",1.1.1\n"), (std::vector<Row>{{"1.1.", std::string(31, 'm'), 50}}));
   EXPECT_EQ(leases_of("150," + long_mac + ",1.1.1.1 150,AA,2.2.2.2\n").size(), 1U);
