@@ -19,7 +19,7 @@ class Connection : public ::testing::Test {
   }
   [[nodiscard]] int ours() const { return ends_[0]; }
   [[nodiscard]] int peers() const { return ends_[1]; }
-  [[nodiscard]] long limit_s(int option) const {
+  [[nodiscard]] time_t limit_s(int option) const {
     timeval limit{};
     socklen_t size = sizeof limit;
     EXPECT_EQ(getsockopt(ours(), SOL_SOCKET, option, &limit, &size), 0);
