@@ -103,25 +103,39 @@ int clock_nanosleep(clockid_t clock, int flags, const struct timespec* wanted, s
 }
 
 // A wait with a deadline for a condition variable is kept as {"tool": "wait", "args": ["1"]}: a notification ends it as
-// ever, and its time is over after a moment; where a test says so, its time is never over.
-int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const struct timespec* until) {
-  static int (*real)(pthread_cond_t*, pthread_mutex_t*, clockid_t, const struct timespec*);
-  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, WITH_TIME("pthread_cond_clockwait"));
+// ever, and its time is over after a moment; where a test says so, its time is never over. This is the deadline instead.
+static struct timespec soon_instead_of(const struct timespec* until, clockid_t clock) {
   struct timespec soon;
   clock_gettime(clock, &soon);
   const long long nanoseconds = (long long)(until->tv_sec - soon.tv_sec) * 1000000000 + (until->tv_nsec - soon.tv_nsec);
   const long long seconds = (nanoseconds + 500000000) / 1000000000;
-  if (seconds < 1) return real(condition, mutex, clock, until);
+  if (seconds < 1) return *until;
   keep("wait", (time_t)seconds, 0);
   if (access("/router/waits-last", F_OK) == 0) {
     soon.tv_sec += kForEverS;
-    return real(condition, mutex, clock, &soon);
+    return soon;
   }
   soon.tv_nsec += kMomentNs;
   soon.tv_sec += soon.tv_nsec / 1000000000;
   soon.tv_nsec %= 1000000000;
+  return soon;
+}
+
+int pthread_cond_clockwait(pthread_cond_t* condition, pthread_mutex_t* mutex, clockid_t clock, const struct timespec* until) {
+  static int (*real)(pthread_cond_t*, pthread_mutex_t*, clockid_t, const struct timespec*);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, WITH_TIME("pthread_cond_clockwait"));
+  const struct timespec soon = soon_instead_of(until, clock);
   return real(condition, mutex, clock, &soon);
 }
+
+#ifndef __GLIBC__  // musl has no other
+int pthread_cond_timedwait(pthread_cond_t* condition, pthread_mutex_t* mutex, const struct timespec* until) {
+  static int (*real)(pthread_cond_t*, pthread_mutex_t*, const struct timespec*);
+  if (real == NULL) *(void**)&real = dlsym(RTLD_NEXT, "pthread_cond_timedwait");
+  const struct timespec soon = soon_instead_of(until, CLOCK_REALTIME);
+  return real(condition, mutex, &soon);
+}
+#endif
 
 // With FAST_TIME_RATE=10 in its environment the program's clock runs ten times as fast, and what it waits for a tool at
 // most is over as much sooner.

@@ -25,10 +25,10 @@ class _EndedText(str):
         return hash(self.removesuffix("\n"))
 
 
-def _text_type() -> type[str]:
-    """musl ends messages, glibc does not."""
+def is_of_musl() -> bool:
+    """Whether musl is the C library of the program under test."""
     program = os.environ.get("ROUTER_API_BIN")
-    return _EndedText if program and b"/ld-musl-" in Path(program).read_bytes()[:4096] else str
+    return bool(program) and b"/ld-musl-" in Path(program).read_bytes()[:4096]
 
 
 class Log:
@@ -42,7 +42,7 @@ class Log:
         self._socket.bind(str(path))
         os.chmod(path, 0o666)
         self._socket.setblocking(False)
-        self._text = _text_type()
+        self._text = _EndedText if is_of_musl() else str  # musl ends messages, glibc does not
         self._lock = threading.Lock()
         self._lines: list[LogLine] = []
         self.ended = threading.Event()

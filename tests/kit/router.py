@@ -24,7 +24,7 @@ import uci_text
 
 from . import fastcgi, tools
 from .hostile import PWNED
-from .log import Log
+from .log import Log, is_of_musl
 from .seen import Answer, Call, LogLine, decrypt, encrypt  # noqa: F401 (the kit's face)
 
 # For an answer, or for a call that is waited for: how long the slowest machine may take. Nobody waits for its end.
@@ -222,11 +222,11 @@ class Router:
         return {"LD_LIBRARY_PATH": "/router/lib"}
 
     def _program_command(self, environment: dict[str, str]) -> list[str]:
-        """Under an emulator, what is preloaded is the program's, not the emulator's."""
-        emulator = sandbox.emulator()
-        if emulator and (preload := environment.pop("LD_PRELOAD", None)):
-            emulator += ["-E", f"LD_PRELOAD={preload}"]
-        return [*emulator, str(_PROGRAM)]
+        """What is preloaded is the program's alone: not an emulator's, and, of musl, not a shell's of this machine."""
+        by = sandbox.emulator() or (["/usr/bin/env"] if is_of_musl() else [])
+        if by and (preload := environment.pop("LD_PRELOAD", None)):
+            by += ["-E"] * bool(sandbox.emulator()) + [f"LD_PRELOAD={preload}"]
+        return [*by, str(_PROGRAM)]
 
     def run(self, *argv: str, input: str | bytes = "", environment: dict[str, str] | None = None) -> subprocess.CompletedProcess:
         """Runs a command of the router to its end: run("uci", "get", "network.lan.ipaddr").stdout. Output that is not
