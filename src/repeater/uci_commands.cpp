@@ -24,7 +24,7 @@ std::string wireless_option(std::string_view section, std::string_view option) {
   return std::string("wireless.").append(section).append(".").append(option);
 }
 
-void set_wireless(std::string_view section, std::string_view option, std::string_view value) {
+void set_wireless(const char* section, const char* option, const char* value) {
   uci_command("set " + wireless_option(section, option).append("=").append(value));
 }
 

@@ -13,9 +13,9 @@ void uci_set_value(const std::string& option, const std::string& value);
 
 // "wireless.<section>.<option>", as commands address it.
 std::string wireless_option(std::string_view section, std::string_view option);
-// "uci set wireless.<section>.<option>=<value>" and "uci delete wireless.<section>.<option>", as above: constants and
-// our own numbers only.
-void set_wireless(std::string_view section, std::string_view option, std::string_view value);
+// "uci set wireless.<section>.<option>=<value>" and "uci delete wireless.<section>.<option>", as above: constants
+// only, which the type of a value tells from a text that came.
+void set_wireless(const char* section, const char* option, const char* value);
 void delete_wireless(std::string_view section, std::string_view option);
 // `disabled`, "0" or "1", of the local access point of every band.
 void set_aps_disabled(const char* disabled);
